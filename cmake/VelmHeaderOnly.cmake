@@ -1,0 +1,16 @@
+# velm_header_only(<target> <header>): a header-only library of the system, as an imported target.
+#
+# The system's include folder cannot be searched by a cross compiler, whose own C library it would hide. So the one
+# file or folder that is meant is linked into a folder of the build tree, and only that is searched.
+function(velm_header_only target header)
+    get_filename_component(top ${header} DIRECTORY)
+    if(NOT top)
+        set(top ${header})
+    endif()
+    find_path(${target}_INCLUDE_DIR ${header} REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include)
+    set(folder ${PROJECT_BINARY_DIR}/header-only/${target})
+    file(MAKE_DIRECTORY ${folder})
+    file(CREATE_LINK ${${target}_INCLUDE_DIR}/${top} ${folder}/${top} SYMBOLIC COPY_ON_ERROR)
+    add_library(${target} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${target} SYSTEM INTERFACE ${folder})
+endfunction()

@@ -1,0 +1,53 @@
+# What every target of the project is built with.
+
+add_library(velm_build_flags INTERFACE)
+target_compile_features(velm_build_flags INTERFACE cxx_std_20)
+
+if(MSVC)
+    target_compile_options(velm_build_flags INTERFACE /W4 /permissive- /utf-8 /EHsc)
+    # C4251: a standard container as a private member of an exported class; both sides share one runtime.
+    target_compile_options(velm_build_flags INTERFACE /wd4251)
+    if(VELM_WARNINGS_AS_ERRORS)
+        target_compile_options(velm_build_flags INTERFACE /WX)
+    endif()
+else()
+    target_compile_options(velm_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+    if(VELM_WARNINGS_AS_ERRORS)
+        target_compile_options(velm_build_flags INTERFACE -Werror)
+    endif()
+endif()
+
+if(MINGW)
+    # The runtime is linked in, so that the libraries import nothing but each other and Windows.
+    target_link_options(velm_build_flags INTERFACE -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+endif()
+
+if(VELM_SANITIZE)
+    add_compile_options(-fsanitize=${VELM_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined -O1)
+    add_link_options(-fsanitize=${VELM_SANITIZE})
+endif()
+
+# velm_version_resource(<target> <description>): gives a Windows library the version of the project.
+function(velm_version_resource target description)
+    if(WIN32)
+        set(VELM_RC_NAME ${target})
+        set(VELM_RC_DESCRIPTION ${description})
+        configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
+        target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    endif()
+endfunction()
+
+# velm_library(<target> <description>): one of the shared libraries, with the settings that they have in common.
+function(velm_library target description)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(WIN32)
+        set_target_properties(${target} PROPERTIES PREFIX "")
+    endif()
+    target_link_libraries(${target} PRIVATE velm_build_flags velm_platform)
+    velm_version_resource(${target} "${description}")
+endfunction()

@@ -1,0 +1,27 @@
+#pragma once
+
+namespace velm {
+
+/// The result of an operation that can fail: one 32-bit code. 0 is success; a code with bit 31 set is a
+/// failure. ErrorRegistry.h turns a code into its name.
+class ErrorCode {
+public:
+    constexpr ErrorCode(unsigned int code = 0) noexcept : m_code(code) {}
+
+    constexpr unsigned int GetCode() const noexcept { return m_code; }
+
+    /// Whether bit 31 is set.
+    constexpr bool IsFailed() const noexcept { return (m_code & 0x80000000U) != 0; }
+
+    friend constexpr bool operator==(ErrorCode a, ErrorCode b) noexcept { return a.m_code == b.m_code; }
+    friend constexpr bool operator!=(ErrorCode a, ErrorCode b) noexcept { return a.m_code != b.m_code; }
+    friend constexpr bool operator==(ErrorCode a, unsigned int b) noexcept { return a.m_code == b; }
+    friend constexpr bool operator!=(ErrorCode a, unsigned int b) noexcept { return a.m_code != b; }
+    friend constexpr bool operator==(unsigned int a, ErrorCode b) noexcept { return a == b.m_code; }
+    friend constexpr bool operator!=(unsigned int a, ErrorCode b) noexcept { return a != b.m_code; }
+
+private:
+    unsigned int m_code;
+};
+
+}  // namespace velm

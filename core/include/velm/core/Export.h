@@ -1,0 +1,24 @@
+/// @file
+/// Marks what the two libraries export. The only header of the project that looks at the platform.
+#pragma once
+
+#if defined(_WIN32)
+#define VELM_DLL_EXPORT __declspec(dllexport)
+#define VELM_DLL_IMPORT __declspec(dllimport)
+#else
+#define VELM_DLL_EXPORT __attribute__((visibility("default")))
+#define VELM_DLL_IMPORT __attribute__((visibility("default")))
+#endif
+
+// The build defines VelmCore_EXPORTS and VelmUtil_EXPORTS while it compiles the library of that name.
+#if defined(VelmCore_EXPORTS)
+#define VELM_CORE_API VELM_DLL_EXPORT
+#else
+#define VELM_CORE_API VELM_DLL_IMPORT
+#endif
+
+#if defined(VelmUtil_EXPORTS)
+#define VELM_UTIL_API VELM_DLL_EXPORT
+#else
+#define VELM_UTIL_API VELM_DLL_IMPORT
+#endif

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+
+#include "velm/core/ErrorCode.h"
+#include "velm/core/Export.h"
+
+namespace velm {
+
+/// A recursive mutual-exclusion lock between the threads of one process.
+class VELM_CORE_API Mutex {
+public:
+    Mutex() = default;
+    ~Mutex() = default;
+    Mutex(const Mutex&) = delete;
+    Mutex& operator=(const Mutex&) = delete;
+
+    /// Makes the mutex usable. Calling it again changes nothing.
+    /// @return 0
+    ErrorCode Initialize();
+
+    /// Waits until no other thread holds the lock and takes it. The holder may take it again; each Lock needs
+    /// its Unlock.
+    /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED before Initialize; VELM_ERROR_CORE_UNKNOWN when the system
+    /// refuses Threads: any.
+    ErrorCode Lock();
+
+    /// Gives the lock back.
+    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL when the calling thread does not hold the lock
+    /// Threads: any.
+    ErrorCode Unlock();
+
+private:
+    std::recursive_mutex m_mutex;
+    std::atomic<bool> m_initialized{false};
+    // The holder's thread identifier, 0 for none. Only the holder writes it; others merely find that it is
+    // not theirs.
+    std::atomic<unsigned long> m_owner{0};
+    unsigned int m_depth = 0;  // under m_mutex
+};
+
+}  // namespace velm

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "velm/core/Export.h"
+
+namespace velm {
+
+/// The settings of a thread.
+class VELM_CORE_API ThreadConfig {
+public:
+    ThreadConfig();
+    ThreadConfig(const ThreadConfig& other);
+    ThreadConfig& operator=(const ThreadConfig& other);
+    ~ThreadConfig();
+
+    /// Stores a copy of the name under which debuggers and profilers show the thread.
+    /// @param name  NUL-terminated UTF-8; null counts as "". Systems may show only its beginning.
+    void SetName(const char* name);
+
+    /// The stored name, valid until the next SetName or the end of the object; "" at first.
+    const char* GetName() const;
+
+    /// Sets the size of the thread's stack in bytes; 0, the default, leaves it to the system.
+    void SetStackSize(unsigned int bytes);
+    unsigned int GetStackSize() const;
+
+private:
+    std::string m_name;
+    unsigned int m_stackSize = 0;
+};
+
+}  // namespace velm

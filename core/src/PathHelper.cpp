@@ -1,0 +1,62 @@
+#include "velm/core/PathHelper.h"
+
+#include <windows.h>
+
+#include <climits>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include "velm/core/CoreErrorCode.h"
+
+namespace velm {
+
+ErrorCode PathHelper::GetFileDir(char* out, std::size_t outSize, const char* path) {
+    if (out == nullptr || outSize == 0 || path == nullptr) {
+        return VELM_ERROR_CORE_INVALID_PARAM;
+    }
+    const std::string_view text(path);
+    const std::size_t separator = text.find_last_of("\\/");
+    const std::string_view directory =
+        separator == text.npos ? std::string_view(".") : text.substr(0, separator);
+    if (directory.size() >= outSize) {
+        return VELM_ERROR_CORE_DATA_LENGTH;
+    }
+    std::memcpy(out, directory.data(), directory.size());
+    out[directory.size()] = '\0';
+    return 0;
+}
+
+ErrorCode PathHelper::GetWstringFromString(unsigned int codePage, const std::string& in, std::wstring& out) {
+    if (in.size() > INT_MAX) {
+        return VELM_ERROR_CORE_INVALID_PARAM;
+    }
+    try {
+        std::wstring wide;
+        if (!in.empty()) {
+            const int size = static_cast<int>(in.size());
+            const int units = MultiByteToWideChar(codePage, 0, in.data(), size, nullptr, 0);
+            if (units <= 0) {
+                return VELM_ERROR_CORE_INVALID_PARAM;
+            }
+            wide.resize(static_cast<std::size_t>(units));
+            if (MultiByteToWideChar(codePage, 0, in.data(), size, wide.data(), units) != units) {
+                return VELM_ERROR_CORE_INVALID_PARAM;
+            }
+        }
+        out.swap(wide);
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
+    }
+}
+
+ErrorCode PathHelper::GetWstringFromUtf8String(const std::string& in, std::wstring& out) {
+    return GetWstringFromString(CP_UTF8, in, out);
+}
+
+ErrorCode PathHelper::GetWstringFromOemcpString(const std::string& in, std::wstring& out) {
+    return GetWstringFromString(CP_OEMCP, in, out);
+}
+
+}  // namespace velm

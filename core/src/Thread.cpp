@@ -1,0 +1,148 @@
+#include "velm/core/Thread.h"
+
+#include <process.h>
+#include <windows.h>
+
+#include <new>
+#include <string>
+#include <utility>
+
+#include "velm/core/CoreErrorCode.h"
+#include "velm/core/PathHelper.h"
+
+namespace velm {
+namespace {
+
+/// Names the calling thread where the system can. Windows has the call since version 10; without it the
+/// thread simply has no name.
+void NameCurrentThread(const char* utf8Name) {
+    using SetThreadDescriptionCall = HRESULT(WINAPI*)(HANDLE, PCWSTR);
+    const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+    if (kernel == nullptr || *utf8Name == '\0') {
+        return;
+    }
+    const auto setThreadDescription = reinterpret_cast<SetThreadDescriptionCall>(
+        reinterpret_cast<void*>(GetProcAddress(kernel, "SetThreadDescription")));
+    if (setThreadDescription == nullptr) {
+        return;
+    }
+    try {
+        std::wstring name;
+        if (!PathHelper::GetWstringFromUtf8String(utf8Name, name).IsFailed()) {
+            setThreadDescription(GetCurrentThread(), name.c_str());
+        }
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+}  // namespace
+
+struct Thread::Impl {
+    struct HandleCloser {
+        void operator()(void* handle) const { CloseHandle(handle); }
+    };
+
+    static unsigned int WINAPI Run(void* self);
+
+    Thread* owner = nullptr;
+    ThreadConfig config;
+    int (*function)(void*) = nullptr;
+    void* argument = nullptr;
+    void* parameter = nullptr;
+    // Written by the thread, read after the wait for its end.
+    int exitCode = 0;
+    bool threw = false;
+
+    unsigned int threadId = 0;
+    std::unique_ptr<void, HandleCloser> handle;
+    // Keeps this record alive for the running thread, which may destroy its own Thread.
+    std::shared_ptr<Impl> self;
+};
+
+unsigned int WINAPI Thread::Impl::Run(void* self) {
+    const std::shared_ptr<Impl> impl = std::move(static_cast<Impl*>(self)->self);
+    NameCurrentThread(impl->config.GetName());
+    try {
+        impl->exitCode = (*impl->owner)(impl->parameter);
+    } catch (...) {
+        impl->threw = true;
+    }
+    return 0;
+}
+
+Thread::Thread() = default;
+
+Thread::~Thread() {
+    if (m_impl != nullptr && m_impl->handle != nullptr && m_impl->threadId != GetCurrentThreadId()) {
+        WaitForSingleObject(m_impl->handle.get(), INFINITE);
+    }
+}
+
+int Thread::operator()(void*) {
+    return m_impl->function(m_impl->argument);
+}
+
+ErrorCode Thread::Initialize(const ThreadConfig& config, int (*function)(void*), void* argument) {
+    if (function == nullptr) {
+        return VELM_ERROR_CORE_INVALID_PARAM;
+    }
+    if (m_impl != nullptr && m_impl->handle != nullptr) {
+        return VELM_ERROR_CORE_ILLEGAL_CALL;
+    }
+    try {
+        auto impl = std::make_shared<Impl>();
+        impl->owner = this;
+        impl->config = config;
+        impl->function = function;
+        impl->argument = argument;
+        m_impl = std::move(impl);
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
+    }
+}
+
+ErrorCode Thread::Start(void* parameter) {
+    if (m_impl == nullptr || m_impl->handle != nullptr) {
+        return VELM_ERROR_CORE_ILLEGAL_CALL;
+    }
+    m_impl->parameter = parameter;
+    m_impl->threw = false;
+    m_impl->self = m_impl;
+    // Suspended at first, so that the handle and the identifier are in place before the thread can look at
+    // them.
+    const auto handle =
+        _beginthreadex(nullptr, m_impl->config.GetStackSize(), &Impl::Run, m_impl.get(),
+                       CREATE_SUSPENDED | STACK_SIZE_PARAM_IS_A_RESERVATION, &m_impl->threadId);
+    if (handle == 0) {
+        m_impl->self.reset();
+        return VELM_ERROR_CORE_UNKNOWN;
+    }
+    m_impl->handle.reset(reinterpret_cast<void*>(handle));
+    ResumeThread(m_impl->handle.get());
+    return 0;
+}
+
+ErrorCode Thread::Join(unsigned long long* exitCode) {
+    if (m_impl == nullptr || m_impl->handle == nullptr || m_impl->threadId == GetCurrentThreadId()) {
+        return VELM_ERROR_CORE_ILLEGAL_CALL;
+    }
+    if (WaitForSingleObject(m_impl->handle.get(), INFINITE) != WAIT_OBJECT_0) {
+        return VELM_ERROR_CORE_UNKNOWN;
+    }
+    m_impl->handle.reset();
+    if (m_impl->threw) {
+        return VELM_ERROR_CORE_THREAD_EXCEPTION;
+    }
+    if (exitCode != nullptr) {
+        *exitCode = static_cast<unsigned int>(m_impl->exitCode);
+    }
+    return 0;
+}
+
+ErrorCode Thread::Sleep(unsigned int milliseconds) {
+    ::Sleep(milliseconds);
+    return 0;
+}
+
+}  // namespace velm

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace velm::platform {
+
+/// The arguments of the process, its own name first, in UTF-8 whatever the system's code page, and a console
+/// that is set to show UTF-8. Called once, from main.
+std::vector<std::string> Utf8CommandLine(int argc, char** argv);
+
+/// Whether standard output goes to a terminal.
+bool OutputIsTerminal();
+
+}  // namespace velm::platform

@@ -1,0 +1,12 @@
+/// @file
+/// The C runtime's way to start a thread.
+#pragma once
+
+#include "windef.h"
+
+extern "C" {
+
+UINT_PTR _beginthreadex(void* security, unsigned int stackSize, unsigned int(WINAPI* function)(void*),
+                        void* argument, unsigned int flags, unsigned int* threadId);
+
+}  // extern "C"

@@ -1,0 +1,34 @@
+/// @file
+/// How tests steer the Linux stand-ins for Windows' interfaces. Everything here may be used from any thread.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace velm::posix {
+
+/// Makes calls of one Windows function fail, in the way that function reports failure.
+/// @param name  the function's name, such as "CreateFileW"
+/// @param lastError  what GetLastError returns afterwards
+/// @param skip  how many calls succeed first
+/// @param count  how many calls fail then
+void FailCall(const char* name, DWORD lastError, unsigned int skip = 0, unsigned int count = 1);
+
+/// Starts a record of the calls made, failed ones included.
+void StartRecording();
+
+/// The names of the calls since StartRecording, in order.
+std::vector<std::string> RecordedCalls();
+
+/// Gives the clock a fixed reading and frequency.
+void SetPerformanceCounter(unsigned long long count, unsigned long long frequency);
+
+/// Sets the system's OEM code page, 437 at first.
+void SetOemCodePage(UINT codePage);
+
+/// Takes back everything above.
+void Reset();
+
+}  // namespace velm::posix

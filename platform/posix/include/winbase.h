@@ -1,0 +1,89 @@
+/// @file
+/// Kernel services: errors, handles, files, threads, waiting, modules, the clock.
+#pragma once
+
+#include "windef.h"
+
+extern "C" {
+
+#define ERROR_SUCCESS 0U
+#define ERROR_FILE_NOT_FOUND 2U
+#define ERROR_PATH_NOT_FOUND 3U
+#define ERROR_ACCESS_DENIED 5U
+#define ERROR_INVALID_HANDLE 6U
+#define ERROR_NOT_ENOUGH_MEMORY 8U
+#define ERROR_GEN_FAILURE 31U
+#define ERROR_SHARING_VIOLATION 32U
+#define ERROR_INVALID_PARAMETER 87U
+#define ERROR_INSUFFICIENT_BUFFER 122U
+#define ERROR_INVALID_NAME 123U
+#define ERROR_MOD_NOT_FOUND 126U
+#define ERROR_PROC_NOT_FOUND 127U
+#define ERROR_NO_UNICODE_TRANSLATION 1113U
+#define ERROR_TIMEOUT 1460U
+
+DWORD GetLastError();
+void SetLastError(DWORD code);
+
+#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1)))
+
+BOOL CloseHandle(HANDLE handle);
+
+// Files. A path may use "\" or "/".
+#define GENERIC_READ 0x80000000U
+#define FILE_SHARE_READ 0x1U
+#define FILE_SHARE_WRITE 0x2U
+#define FILE_SHARE_DELETE 0x4U
+#define OPEN_EXISTING 3U
+#define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000U
+
+struct SECURITY_ATTRIBUTES;
+struct OVERLAPPED;
+
+/// Opens existing files for reading only.
+HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
+                   DWORD flags, HANDLE templateFile);
+BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD readSize, OVERLAPPED* overlapped);
+
+// Threads. process.h has _beginthreadex.
+#define INFINITE 0xFFFFFFFFU
+#define WAIT_OBJECT_0 0U
+#define WAIT_TIMEOUT 258U
+#define WAIT_FAILED 0xFFFFFFFFU
+#define CREATE_SUSPENDED 0x4U
+#define STACK_SIZE_PARAM_IS_A_RESERVATION 0x00010000U
+
+DWORD GetCurrentThreadId();
+HANDLE GetCurrentThread();
+DWORD ResumeThread(HANDLE thread);
+/// Waits for a thread to end.
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+/// Names the calling thread only. Linux keeps the first 15 bytes of the name.
+HRESULT SetThreadDescription(HANDLE thread, PCWSTR description);
+void Sleep(DWORD milliseconds);
+
+inline void YieldProcessor() {
+    __builtin_ia32_pause();
+}
+
+// Waiting on the value at an address. The value is 4 bytes wide.
+BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds);
+void WakeByAddressSingle(void* address);
+void WakeByAddressAll(void* address);
+
+// Modules.
+#define DLL_PROCESS_DETACH 0U
+#define DLL_PROCESS_ATTACH 1U
+#define DLL_THREAD_ATTACH 2U
+#define DLL_THREAD_DETACH 3U
+
+BOOL DisableThreadLibraryCalls(HMODULE module);
+/// Knows "kernel32.dll", which is this layer.
+HMODULE GetModuleHandleW(LPCWSTR name);
+FARPROC GetProcAddress(HMODULE module, LPCSTR name);
+
+// The clock.
+BOOL QueryPerformanceCounter(LARGE_INTEGER* count);
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency);
+
+}  // extern "C"

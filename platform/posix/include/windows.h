@@ -1,0 +1,8 @@
+/// @file
+/// The Windows interfaces that the libraries call, for Linux. One header per topic, under the names that
+/// Windows gives them; each call is implemented in ../src, in the file of that topic.
+#pragma once
+
+#include "winbase.h"
+#include "windef.h"
+#include "winnls.h"

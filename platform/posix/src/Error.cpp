@@ -1,0 +1,31 @@
+#include <windows.h>
+
+#include "Handle.h"
+#include "Intercept.h"
+
+namespace {
+
+thread_local DWORD t_lastError = ERROR_SUCCESS;
+
+}  // namespace
+
+DWORD GetLastError() {
+    return t_lastError;
+}
+
+void SetLastError(DWORD code) {
+    t_lastError = code;
+}
+
+BOOL CloseHandle(HANDLE handle) {
+    if (velm::posix::MustFail("CloseHandle")) {
+        return FALSE;
+    }
+    auto* object = velm::posix::FromHandle<velm::posix::Object>(handle);
+    if (object == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    delete object;
+    return TRUE;
+}

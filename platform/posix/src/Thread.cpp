@@ -1,0 +1,168 @@
+#include <process.h>
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+#include <thread>
+
+#include "Handle.h"
+#include "Intercept.h"
+
+namespace velm::posix {
+namespace {
+
+/// What a thread and its handle share; it lives as long as either.
+struct ThreadState {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool resumed = false;
+    bool ended = false;
+    unsigned int id = 0;
+    unsigned int(WINAPI* function)(void*) = nullptr;
+    void* argument = nullptr;
+
+    void Signal(bool& flag) {
+        const std::lock_guard lock(mutex);
+        flag = true;
+        changed.notify_all();
+    }
+};
+
+class ThreadObject : public Object {
+public:
+    explicit ThreadObject(std::shared_ptr<ThreadState> state) : m_state(std::move(state)) {}
+    ThreadState& State() { return *m_state; }
+
+private:
+    std::shared_ptr<ThreadState> m_state;
+};
+
+const HANDLE kCurrentThread = reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-2));
+
+void* RunThread(void* parameter) {
+    const std::unique_ptr<std::shared_ptr<ThreadState>> holder(
+        static_cast<std::shared_ptr<ThreadState>*>(parameter));
+    const std::shared_ptr<ThreadState> state = *holder;
+    {
+        std::unique_lock lock(state->mutex);
+        state->id = GetCurrentThreadId();
+        state->changed.notify_all();
+        state->changed.wait(lock, [&] { return state->resumed; });
+    }
+    state->function(state->argument);
+    state->Signal(state->ended);
+    return nullptr;
+}
+
+}  // namespace
+}  // namespace velm::posix
+
+using namespace velm::posix;
+
+UINT_PTR _beginthreadex(void*, unsigned int stackSize, unsigned int(WINAPI* function)(void*), void* argument,
+                        unsigned int flags, unsigned int* threadId) {
+    if (MustFail("_beginthreadex")) {
+        return 0;
+    }
+    auto state = std::make_shared<ThreadState>();
+    state->function = function;
+    state->argument = argument;
+    state->resumed = (flags & CREATE_SUSPENDED) == 0;
+
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    if (stackSize != 0) {
+        pthread_attr_setstacksize(&attributes, std::max<std::size_t>(stackSize, PTHREAD_STACK_MIN));
+    }
+    auto holder = std::make_unique<std::shared_ptr<ThreadState>>(state);
+    pthread_t thread{};
+    const int failed = pthread_create(&thread, &attributes, &RunThread, holder.get());
+    pthread_attr_destroy(&attributes);
+    if (failed != 0) {
+        return 0;
+    }
+    holder.release();
+    std::unique_lock lock(state->mutex);
+    state->changed.wait(lock, [&] { return state->id != 0; });
+    if (threadId != nullptr) {
+        *threadId = state->id;
+    }
+    return reinterpret_cast<UINT_PTR>(ToHandle(new ThreadObject(state)));
+}
+
+DWORD GetCurrentThreadId() {
+    thread_local const auto id = static_cast<DWORD>(syscall(SYS_gettid));
+    return id;
+}
+
+HANDLE GetCurrentThread() {
+    return kCurrentThread;
+}
+
+DWORD ResumeThread(HANDLE handle) {
+    auto* thread = FromHandle<ThreadObject>(handle);
+    if (thread == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return WAIT_FAILED;
+    }
+    thread->State().Signal(thread->State().resumed);
+    return 1;
+}
+
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+    if (MustFail("WaitForSingleObject")) {
+        return WAIT_FAILED;
+    }
+    auto* thread = FromHandle<ThreadObject>(handle);
+    if (thread == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return WAIT_FAILED;
+    }
+    ThreadState& state = thread->State();
+    std::unique_lock lock(state.mutex);
+    const auto ended = [&] { return state.ended; };
+    if (milliseconds == INFINITE) {
+        state.changed.wait(lock, ended);
+        return WAIT_OBJECT_0;
+    }
+    return state.changed.wait_for(lock, std::chrono::milliseconds(milliseconds), ended) ? WAIT_OBJECT_0
+                                                                                        : WAIT_TIMEOUT;
+}
+
+HRESULT SetThreadDescription(HANDLE thread, PCWSTR description) {
+    if (MustFail("SetThreadDescription") || thread != kCurrentThread || description == nullptr) {
+        return static_cast<HRESULT>(0x80004005U);
+    }
+    constexpr std::size_t kMost = 15;
+    char name[4 * (kMost + 1)] = {};
+    // Fifteen units are enough to fill fifteen bytes, whatever they hold.
+    int units = 0;
+    while (units < static_cast<int>(kMost) && description[units] != 0) {
+        ++units;
+    }
+    auto size = static_cast<std::size_t>(WideCharToMultiByte(
+        CP_UTF8, 0, description, units, name, static_cast<int>(sizeof name), nullptr, nullptr));
+    if (size > kMost) {
+        size = kMost;
+        while (size != 0 && (static_cast<unsigned char>(name[size]) & 0xC0U) == 0x80U) {
+            --size;
+        }
+    }
+    name[size] = '\0';
+    pthread_setname_np(pthread_self(), name);
+    return 0;
+}
+
+void Sleep(DWORD milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}

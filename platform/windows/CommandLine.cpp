@@ -1,0 +1,45 @@
+#include "velm/platform/CommandLine.h"
+
+#include <io.h>
+#include <shellapi.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace velm::platform {
+namespace {
+
+std::string Utf8(const wchar_t* text) {
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (size <= 0) {
+        return {};
+    }
+    std::string utf8(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
+    utf8.pop_back();  // the NUL
+    return utf8;
+}
+
+}  // namespace
+
+std::vector<std::string> Utf8CommandLine(int argc, char** argv) {
+    SetConsoleOutputCP(CP_UTF8);
+    int count = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> wide(CommandLineToArgvW(GetCommandLineW(), &count),
+                                                             &LocalFree);
+    if (wide == nullptr) {
+        return {argv, argv + argc};
+    }
+    std::vector<std::string> arguments;
+    for (int i = 0; i < count; ++i) {
+        arguments.push_back(Utf8(wide.get()[i]));
+    }
+    return arguments;
+}
+
+bool OutputIsTerminal() {
+    return _isatty(_fileno(stdout)) != 0;
+}
+
+}  // namespace velm::platform

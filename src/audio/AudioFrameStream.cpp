@@ -1,0 +1,207 @@
+#include "velm/AudioFrameStream.h"
+
+#include <atomic>
+#include <climits>
+#include <new>
+
+#include "velm/core/Semaphore.h"
+#include "velm/core/Thread.h"
+
+namespace velm {
+namespace {
+
+constexpr unsigned int kLeaveMilliseconds = 50;
+
+/// The capacity in samples of a ring for `frameNum` whole frames, or 0 when there is to be no storage.
+unsigned int RingSampleSize(unsigned int frameSampleSize, unsigned int frameNum) {
+    const unsigned long long samples = (static_cast<unsigned long long>(frameNum) + 1) * frameSampleSize;
+    return samples <= UINT_MAX ? static_cast<unsigned int>(samples) : 0;
+}
+
+unsigned char* Bytes(short* frame) {
+    return reinterpret_cast<unsigned char*>(frame);
+}
+
+}  // namespace
+
+// Ready is published by m_bInitialized alone: Initialize sets it after the semaphores exist, Terminate clears
+// it before it destroys them. A thread that wakes in Terminate finds it cleared and leaves the semaphores
+// alone.
+
+AudioFrameStream::AudioFrameStream(unsigned int frameSampleSize, unsigned int frameNum,
+                                   unsigned int channelNum, unsigned int bitsPerSample)
+    : AudioStream(RingSampleSize(frameSampleSize, frameNum), channelNum, bitsPerSample),
+      m_nFrameSampleSize(frameSampleSize),
+      m_nFrameNum(frameNum),
+      m_bInitialized(0) {}
+
+AudioFrameStream::~AudioFrameStream() {
+    AudioFrameStream::Terminate();
+}
+
+ErrorCode AudioFrameStream::Initialize() {
+    const ErrorCode result = AudioStream::Initialize();
+    m_pPushSemaphore.reset(new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum));
+    m_pTakeSemaphore.reset(new (std::nothrow) Semaphore(0, m_nFrameNum));
+    m_pLockSemaphore.reset(new (std::nothrow) Semaphore(1, 1));
+    if (m_pPushSemaphore == nullptr || m_pTakeSemaphore == nullptr || m_pLockSemaphore == nullptr) {
+        return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+    }
+    std::atomic_ref(m_bInitialized).store(1, std::memory_order_release);
+    return result;
+}
+
+void AudioFrameStream::Terminate() {
+    std::atomic_ref(m_bInitialized).store(0, std::memory_order_release);
+    for (Semaphore* semaphore : {m_pPushSemaphore.get(), m_pTakeSemaphore.get(), m_pLockSemaphore.get()}) {
+        if (semaphore != nullptr) {
+            semaphore->Post(1);
+        }
+    }
+    Thread::Sleep(kLeaveMilliseconds);
+    m_pPushSemaphore.reset();
+    m_pTakeSemaphore.reset();
+    m_pLockSemaphore.reset();
+}
+
+ErrorCode AudioFrameStream::PushBackFrame(short* frame) {
+    if (frame == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    PushLock();
+    const ErrorCode result = PushBackSamples(Bytes(frame), m_nFrameSampleSize);
+    PushUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::PushBackClearFrame() {
+    PushLock();
+    const ErrorCode result = PushBackClearSamples(m_nFrameSampleSize);
+    PushUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::TakeFrontFrame(short* frame) {
+    if (frame == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    TakeLock();
+    const ErrorCode result = TakeFrontSamples(m_nFrameSampleSize, Bytes(frame));
+    TakeUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::DropFrontFrame() {
+    TakeLock();
+    const ErrorCode result = DropFrontSamples(m_nFrameSampleSize);
+    TakeUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::PushFrontFrame(short* frame) {
+    if (frame == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    PushLock();
+    const ErrorCode result = PushFrontSamples(Bytes(frame), m_nFrameSampleSize);
+    PushUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::PushFrontClearFrame() {
+    PushLock();
+    const ErrorCode result = PushFrontClearSamples(m_nFrameSampleSize);
+    PushUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::TakeBackFrame(short* frame) {
+    if (frame == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    TakeLock();
+    const ErrorCode result = TakeBackSamples(m_nFrameSampleSize, Bytes(frame));
+    TakeUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::DropBackFrame() {
+    TakeLock();
+    const ErrorCode result = DropBackSamples(m_nFrameSampleSize);
+    TakeUnlock();
+    return result;
+}
+
+ErrorCode AudioFrameStream::PushAllClearFrame() {
+    while (GetFreeFrameSize() != 0 && !PushBackClearFrame().IsFailed()) {
+    }
+    return 0;
+}
+
+ErrorCode AudioFrameStream::DropAllFrame() {
+    while (GetUsedFrameSize() != 0 && !DropFrontFrame().IsFailed()) {
+    }
+    return 0;
+}
+
+unsigned int AudioFrameStream::GetUsedFrameSize() {
+    return m_nFrameSampleSize != 0 ? GetUsedSampleSize() / m_nFrameSampleSize : 0;
+}
+
+unsigned int AudioFrameStream::GetFreeFrameSize() {
+    return m_nFrameSampleSize != 0 ? GetFreeSampleSize() / m_nFrameSampleSize : 0;
+}
+
+void AudioFrameStream::UnlockForce() {
+    PushUnlock();
+    TakeUnlock();
+}
+
+bool AudioFrameStream::IsReady() {
+    return std::atomic_ref(m_bInitialized).load(std::memory_order_acquire) != 0;
+}
+
+/// Takes one of `slots`, then the ring. The stream may have been terminated while the thread waited.
+ErrorCode AudioFrameStream::Lock(std::unique_ptr<Semaphore>& slots) {
+    if (!IsReady()) {
+        return VELM_ERROR_UTIL_NOT_INITIALIZED;
+    }
+    slots->Wait();
+    if (!IsReady()) {
+        return VELM_ERROR_UTIL_NOT_INITIALIZED;
+    }
+    m_pLockSemaphore->Wait();
+    return 0;
+}
+
+/// Gives the ring back, then adds one to `slots`. A post over the maximum changes nothing, which is what
+/// keeps the counts in bounds after UnlockForce.
+ErrorCode AudioFrameStream::Unlock(std::unique_ptr<Semaphore>& slots) {
+    if (!IsReady()) {
+        return VELM_ERROR_UTIL_NOT_INITIALIZED;
+    }
+    m_pLockSemaphore->Post(1);
+    if (!IsReady()) {
+        return VELM_ERROR_UTIL_NOT_INITIALIZED;
+    }
+    slots->Post(1);
+    return 0;
+}
+
+ErrorCode AudioFrameStream::PushLock() {
+    return Lock(m_pPushSemaphore);
+}
+
+ErrorCode AudioFrameStream::PushUnlock() {
+    return Unlock(m_pTakeSemaphore);
+}
+
+ErrorCode AudioFrameStream::TakeLock() {
+    return Lock(m_pTakeSemaphore);
+}
+
+ErrorCode AudioFrameStream::TakeUnlock() {
+    return Unlock(m_pPushSemaphore);
+}
+
+}  // namespace velm

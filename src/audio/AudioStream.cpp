@@ -1,0 +1,228 @@
+#include "velm/AudioStream.h"
+
+#include <algorithm>
+#include <atomic>
+#include <climits>
+#include <new>
+
+namespace velm {
+namespace {
+
+// The indices are the only members that another thread's snapshot reads. Relaxed accesses cost what plain
+// ones do.
+unsigned int Load(int& index) {
+    return static_cast<unsigned int>(std::atomic_ref(index).load(std::memory_order_relaxed));
+}
+
+void Store(int& index, unsigned int value) {
+    std::atomic_ref(index).store(static_cast<int>(value), std::memory_order_relaxed);
+}
+
+/// The bytes of one sample, or 0 when such samples cannot be stored.
+unsigned int SampleByteSize(unsigned int channelNum, unsigned int bitsPerSample) {
+    const unsigned long long bytes = static_cast<unsigned long long>(bitsPerSample / 8) * channelNum;
+    return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
+}
+
+/// The bytes of the storage, or 0 when there is to be none.
+unsigned int BufferByteSize(unsigned int sampleByteSize, unsigned int sampleSize) {
+    const unsigned long long bytes = static_cast<unsigned long long>(sampleByteSize) * sampleSize;
+    return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
+}
+
+}  // namespace
+
+AudioStream::AudioStream(unsigned int maxSampleSize, unsigned int channelNum, unsigned int bitsPerSample)
+    : m_nMaxSampleSize(maxSampleSize),
+      m_nChannelNum(channelNum),
+      m_nBitsPerSample(bitsPerSample),
+      m_nSampleByteSize(SampleByteSize(channelNum, bitsPerSample)),
+      m_nBufferByteSize(BufferByteSize(m_nSampleByteSize, maxSampleSize)),
+      m_nBackIndex(0),
+      m_nFrontIndex(0) {
+    if (m_nBufferByteSize != 0) {
+        m_pBuffer.reset(new (std::nothrow) unsigned char[m_nBufferByteSize]());
+    }
+}
+
+AudioStream::~AudioStream() = default;
+
+ErrorCode AudioStream::Initialize() {
+    return m_pBuffer != nullptr ? 0 : VELM_ERROR_UTIL_NOT_INITIALIZED;
+}
+
+void AudioStream::Terminate() {
+    m_pBuffer.reset();
+}
+
+ErrorCode AudioStream::PushBackSamples(unsigned char* data, unsigned int sampleSize) {
+    const ErrorCode result = CheckPush(data, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    const unsigned int back = Load(m_nBackIndex);
+    CopyIn(back, data, sampleSize);
+    Store(m_nBackIndex, Advance(back, sampleSize));
+    return 0;
+}
+
+ErrorCode AudioStream::PushBackClearSamples(unsigned int sampleSize) {
+    const ErrorCode result = CheckPush(this, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    const unsigned int back = Load(m_nBackIndex);
+    Clear(back, sampleSize);
+    Store(m_nBackIndex, Advance(back, sampleSize));
+    return 0;
+}
+
+ErrorCode AudioStream::TakeFrontSamples(unsigned int sampleSize, unsigned char* data) {
+    const ErrorCode result = CheckTake(data, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    const unsigned int front = Load(m_nFrontIndex);
+    CopyOut(front, data, sampleSize);
+    Store(m_nFrontIndex, Advance(front, sampleSize));
+    return 0;
+}
+
+ErrorCode AudioStream::DropFrontSamples(unsigned int sampleSize) {
+    const ErrorCode result = CheckTake(this, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    Store(m_nFrontIndex, Advance(Load(m_nFrontIndex), sampleSize));
+    return 0;
+}
+
+ErrorCode AudioStream::PushFrontSamples(unsigned char* data, unsigned int sampleSize) {
+    const ErrorCode result = CheckPush(data, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    const unsigned int front = Retreat(Load(m_nFrontIndex), sampleSize);
+    CopyIn(front, data, sampleSize);
+    Store(m_nFrontIndex, front);
+    return 0;
+}
+
+ErrorCode AudioStream::PushFrontClearSamples(unsigned int sampleSize) {
+    const ErrorCode result = CheckPush(this, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    const unsigned int front = Retreat(Load(m_nFrontIndex), sampleSize);
+    Clear(front, sampleSize);
+    Store(m_nFrontIndex, front);
+    return 0;
+}
+
+ErrorCode AudioStream::TakeBackSamples(unsigned int sampleSize, unsigned char* data) {
+    const ErrorCode result = CheckTake(data, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    const unsigned int back = Retreat(Load(m_nBackIndex), sampleSize);
+    CopyOut(back, data, sampleSize);
+    Store(m_nBackIndex, back);
+    return 0;
+}
+
+ErrorCode AudioStream::DropBackSamples(unsigned int sampleSize) {
+    const ErrorCode result = CheckTake(this, sampleSize);
+    if (result.IsFailed()) {
+        return result;
+    }
+    Store(m_nBackIndex, Retreat(Load(m_nBackIndex), sampleSize));
+    return 0;
+}
+
+ErrorCode AudioStream::DropAllSamples() {
+    if (m_pBuffer == nullptr) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    Store(m_nBackIndex, 0);
+    Store(m_nFrontIndex, 0);
+    return 0;
+}
+
+unsigned int AudioStream::GetUsedSampleSize() {
+    const unsigned int back = Load(m_nBackIndex);
+    const unsigned int front = Load(m_nFrontIndex);
+    return back >= front ? back - front : back + m_nMaxSampleSize - front;
+}
+
+unsigned int AudioStream::GetUsedSampleByteSize() {
+    return GetUsedSampleSize() * m_nSampleByteSize;
+}
+
+unsigned int AudioStream::GetFreeSampleSize() {
+    return m_nMaxSampleSize != 0 ? m_nMaxSampleSize - GetUsedSampleSize() - 1 : 0;
+}
+
+unsigned int AudioStream::GetFreeSampleByteSize() {
+    return GetFreeSampleSize() * m_nSampleByteSize;
+}
+
+ErrorCode AudioStream::CheckPush(const void* data, unsigned int sampleSize) {
+    if (m_pBuffer == nullptr || sampleSize > GetFreeSampleSize()) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
+}
+
+ErrorCode AudioStream::CheckTake(const void* data, unsigned int sampleSize) {
+    if (m_pBuffer == nullptr || sampleSize > GetUsedSampleSize()) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
+}
+
+/// The index `sampleSize` slots on, with `sampleSize` below the capacity.
+unsigned int AudioStream::Advance(unsigned int index, unsigned int sampleSize) const {
+    const unsigned int toEnd = m_nMaxSampleSize - index;
+    return sampleSize < toEnd ? index + sampleSize : sampleSize - toEnd;
+}
+
+/// The index `sampleSize` slots back, with `sampleSize` below the capacity.
+unsigned int AudioStream::Retreat(unsigned int index, unsigned int sampleSize) const {
+    return sampleSize <= index ? index - sampleSize : index + (m_nMaxSampleSize - sampleSize);
+}
+
+// A run of samples that passes the end of the storage goes on at its beginning: two pieces at the most.
+
+void AudioStream::CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize) {
+    const std::size_t offset = std::size_t{index} * m_nSampleByteSize;
+    const std::size_t bytes = std::size_t{sampleSize} * m_nSampleByteSize;
+    const std::size_t toEnd = m_nBufferByteSize - offset;
+    if (bytes <= toEnd) {
+        std::copy_n(data, bytes, m_pBuffer.get() + offset);
+        return;
+    }
+    std::copy_n(data, toEnd, m_pBuffer.get() + offset);
+    std::copy_n(data + toEnd, bytes - toEnd, m_pBuffer.get());
+}
+
+void AudioStream::CopyOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const {
+    const std::size_t offset = std::size_t{index} * m_nSampleByteSize;
+    const std::size_t bytes = std::size_t{sampleSize} * m_nSampleByteSize;
+    const std::size_t toEnd = m_nBufferByteSize - offset;
+    if (bytes <= toEnd) {
+        std::copy_n(m_pBuffer.get() + offset, bytes, data);
+        return;
+    }
+    std::copy_n(m_pBuffer.get() + offset, toEnd, data);
+    std::copy_n(m_pBuffer.get(), bytes - toEnd, data + toEnd);
+}
+
+void AudioStream::Clear(unsigned int index, unsigned int sampleSize) {
+    const std::size_t offset = std::size_t{index} * m_nSampleByteSize;
+    const std::size_t bytes = std::size_t{sampleSize} * m_nSampleByteSize;
+    const std::size_t beforeEnd = std::min(bytes, m_nBufferByteSize - offset);
+    std::fill_n(m_pBuffer.get() + offset, beforeEnd, static_cast<unsigned char>(0));
+    std::fill_n(m_pBuffer.get(), bytes - beforeEnd, static_cast<unsigned char>(0));
+}
+
+}  // namespace velm
