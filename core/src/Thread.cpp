@@ -1,7 +1,7 @@
 #include "velm/core/Thread.h"
 
-#include <process.h>
 #include <windows.h>
+#include <process.h>
 
 #include <new>
 #include <string>

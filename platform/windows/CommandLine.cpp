@@ -1,8 +1,8 @@
 #include "velm/platform/CommandLine.h"
 
+#include <windows.h>
 #include <io.h>
 #include <shellapi.h>
-#include <windows.h>
 
 #include <cstdio>
 #include <memory>

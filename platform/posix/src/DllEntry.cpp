@@ -1,8 +1,8 @@
 /// @file
 /// Calls a library's DllMain as the system loads and unloads it. Compiled into every library that has one, as
 /// its last source, so that the library's static initialisers have run.
-#include <dlfcn.h>
 #include <windows.h>
+#include <dlfcn.h>
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 

@@ -1,7 +1,7 @@
+#include <windows.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <windows.h>
 
 #include <algorithm>
 #include <cerrno>

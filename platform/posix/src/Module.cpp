@@ -1,5 +1,5 @@
-#include <dlfcn.h>
 #include <windows.h>
+#include <dlfcn.h>
 
 #include <cwchar>
 

@@ -1,8 +1,8 @@
+#include <windows.h>
 #include <process.h>
 #include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <windows.h>
 
 #include <algorithm>
 #include <chrono>

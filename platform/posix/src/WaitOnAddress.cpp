@@ -1,7 +1,7 @@
+#include <windows.h>
 #include <linux/futex.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <windows.h>
 
 #include <cerrno>
 #include <climits>

@@ -1,0 +1,332 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <sstream>
+#include <system_error>
+#include <thread>
+
+#include "Command.h"
+#include "Report.h"
+#include "velm/AudioFrame.h"
+#include "velm/AudioFrameStream.h"
+#include "velm/core/FileReader.h"
+#include "velm/core/Thread.h"
+#include "velm/core/Tick.h"
+#include "velm/platform/CommandLine.h"
+#include "velm/WaveFileReadHelper.h"
+#include "WaveFile.h"
+
+namespace velmdiag {
+namespace {
+
+constexpr unsigned int kHeaderSize = 6;
+constexpr unsigned int kLargestPayload = 65535;
+// The types tell the two sides' frames apart: sample data, and the one that ends the stream.
+constexpr velm::E_FrameType kData = velm::E_FrameType_Raw0;
+constexpr velm::E_FrameType kEnd = velm::E_FrameType_Raw1;
+
+struct Options {
+    std::string input;
+    std::string output;
+    unsigned int blockMilliseconds = 10;
+    unsigned int frames = 8;
+    bool json = false;
+};
+
+/// A 64-bit FNV-1a hash.
+class Checksum {
+public:
+    void Add(const unsigned char* data, std::size_t size) {
+        for (std::size_t i = 0; i < size; ++i) {
+            m_hash = (m_hash ^ data[i]) * 0x100000001B3ULL;
+        }
+    }
+    std::string Text() const {
+        std::ostringstream text;
+        text << std::hex << std::setw(16) << std::setfill('0') << m_hash;
+        return text.str();
+    }
+
+private:
+    std::uint64_t m_hash = 0xCBF29CE484222325ULL;
+};
+
+struct Block {
+    unsigned int milliseconds = 0;
+    unsigned int size = 0;  // in bytes
+};
+
+/// The block that the reader gives for a play time, in its own 32-bit arithmetic; empty when it would refuse.
+std::optional<Block> BlockOf(const WaveFormat& format, unsigned int milliseconds) {
+    const std::uint32_t product = format.samplesPerSecond * milliseconds;
+    const std::uint32_t size = static_cast<std::uint32_t>(format.channels) * product / 1000;
+    if (product % 1000 != 0 || size == 0) {
+        return std::nullopt;
+    }
+    return Block{milliseconds, size};
+}
+
+/// The play time closest to the wanted one that the reader accepts, or the wanted one when there is none: the
+/// reader then says why.
+Block PickBlock(const WaveFormat& format, unsigned int wanted) {
+    constexpr unsigned int kMostTries = 100;
+    const unsigned int step = 1000 / std::gcd(format.samplesPerSecond, 1000U);
+    const unsigned int nearest = std::max(1U, (wanted + step / 2) / step);
+    for (unsigned int i = 0; i < kMostTries; ++i) {
+        for (const unsigned int multiple : {nearest + i, nearest > i ? nearest - i : nearest}) {
+            if (const auto block = BlockOf(format, multiple * step)) {
+                return *block;
+            }
+        }
+    }
+    return {wanted, 1};
+}
+
+double Seconds(velm::Tick from, velm::Tick to) {
+    return static_cast<double>(to.GetCount() - from.GetCount()) /
+           static_cast<double>(velm::Tick::GetFrequency());
+}
+
+/// A recording on its way from the file through the ring to the other side.
+class Transfer {
+public:
+    Transfer(const Options& options, const WaveFormat& format)
+        : m_input(options.input),
+          m_block(PickBlock(format, options.blockMilliseconds)),
+          m_payloadSize(std::min(m_block.size, kLargestPayload)),
+          m_frameSampleSize((kHeaderSize + m_payloadSize + 1) / 2),
+          m_stream(m_frameSampleSize, options.frames, 1, 16) {
+        if (!options.output.empty()) {
+            m_writer = std::make_unique<WaveWriter>(options.output, format);
+        }
+    }
+
+    /// Runs both sides to their end. Throws Failure when either failed.
+    void Run(bool showProgress, std::uint32_t dataSize) {
+        Check(m_reader.Open(m_input.c_str()));
+        Check(m_wave.Initialize(&m_reader));
+        Check(m_stream.Initialize());
+        const velm::Tick start = velm::Tick::Get();
+        velm::Thread producer;
+        velm::Thread consumer;
+        Launch(consumer, "consumer", [](void* self) { return static_cast<Transfer*>(self)->Consume(); });
+        Launch(producer, "producer", [](void* self) { return static_cast<Transfer*>(self)->Produce(); });
+        while (!m_consumed.load()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(showProgress ? 100 : 1));
+            if (showProgress) {
+                ShowProgress(dataSize);
+            }
+        }
+        if (showProgress) {
+            std::cout << "\r\x1b[K" << std::flush;
+        }
+        Check(producer.Join(nullptr));
+        Check(consumer.Join(nullptr));
+        m_elapsed = Seconds(start, velm::Tick::Get());
+        if (m_writer != nullptr && !m_writer->Finish() && m_consumerFailure.empty()) {
+            m_consumerFailure = "the output cannot be written";
+        }
+        if (!m_consumerFailure.empty()) {
+            throw Failure{m_consumerFailure};
+        }
+    }
+
+    double Elapsed() const { return m_elapsed; }
+    const Block& ChosenBlock() const { return m_block; }
+    std::uint64_t Blocks() const { return m_blocks; }
+    std::uint64_t Frames() const { return m_frames; }
+    std::uint64_t BytesTaken() const { return m_taken.load(); }
+    velm::ErrorCode EndOfReading() const { return m_endOfReading; }
+    const Checksum& SumRead() const { return m_sumRead; }
+    const Checksum& SumTaken() const { return m_sumTaken; }
+
+private:
+    void Check(velm::ErrorCode result) const {
+        if (result.IsFailed()) {
+            throw Failure{m_input + ": " + NameOf(result)};
+        }
+    }
+
+    void Launch(velm::Thread& thread, const char* name, int (*function)(void*)) {
+        velm::ThreadConfig config;
+        config.SetName(name);
+        Check(thread.Initialize(config, function, this));
+        Check(thread.Start(nullptr));
+    }
+
+    void ShowProgress(std::uint32_t dataSize) const {
+        const double share = dataSize != 0 ? 100.0 * static_cast<double>(m_taken.load()) / dataSize : 100.0;
+        std::cout << '\r' << std::fixed << std::setprecision(0) << std::min(share, 100.0) << " %"
+                  << std::flush;
+    }
+
+    int Produce() {
+        std::vector<unsigned char> block(m_block.size);
+        velm::AudioFrame frame;
+        std::vector<short> slot(m_frameSampleSize);
+        unsigned short counter = 0;
+        while (!m_stop.load()) {
+            unsigned long long size = 0;
+            m_endOfReading = m_wave.GetWaveData(block.data(), &size, block.size(), m_block.milliseconds);
+            // A file that is cut within a block still gives what it has of it.
+            m_sumRead.Add(block.data(), size);
+            m_blocks += size != 0;
+            for (std::size_t sent = 0; sent < size;) {
+                const auto part =
+                    static_cast<unsigned int>(std::min<std::size_t>(size - sent, m_payloadSize));
+                Send(frame, slot, kData, counter++, block.data() + sent, part);
+                sent += part;
+            }
+            if (m_endOfReading.IsFailed()) {
+                break;
+            }
+        }
+        unsigned char nothing = 0;
+        Send(frame, slot, kEnd, counter, &nothing, 1);
+        return 0;
+    }
+
+    void Send(velm::AudioFrame& frame, std::vector<short>& slot, velm::E_FrameType type,
+              unsigned short counter, unsigned char* data, unsigned int size) {
+        frame.InitilizeWriter(type, counter, size, data);
+        std::memcpy(slot.data(), frame.GetFrameBuffer(), frame.GetFrameBufferSize());
+        m_stream.PushBackFrame(slot.data());
+    }
+
+    /// Takes frames up to the one that ends the stream. A failure is kept for later, so that the other side
+    /// is never left waiting for room.
+    int Consume() {
+        std::vector<short> slot(m_frameSampleSize);
+        auto* const bytes = reinterpret_cast<unsigned char*>(slot.data());
+        const auto byteSize = static_cast<unsigned int>(slot.size() * sizeof(short));
+        velm::AudioFrame frame;
+        for (unsigned short counter = 0;; ++counter) {
+            m_stream.TakeFrontFrame(slot.data());
+            const velm::ErrorCode result = frame.InitilizeReader(bytes, byteSize);
+            if (result.IsFailed() || frame.GetCounter() != counter) {
+                Fail(m_input + ": a frame arrived damaged: " + NameOf(result));
+            }
+            if (frame.GetFrameType() == kEnd) {
+                m_consumed = true;
+                return 0;
+            }
+            m_sumTaken.Add(frame.GetDataBuffer(), frame.GetDataBufferSize());
+            m_taken += frame.GetDataBufferSize();
+            ++m_frames;
+            if (m_writer != nullptr && !m_writer->Write(frame.GetDataBuffer(), frame.GetDataBufferSize())) {
+                Fail("the output cannot be written");
+            }
+        }
+    }
+
+    void Fail(const std::string& message) {
+        if (m_consumerFailure.empty()) {
+            m_consumerFailure = message;
+        }
+        m_stop = true;
+    }
+
+    std::string m_input;
+    Block m_block;
+    unsigned int m_payloadSize;
+    unsigned int m_frameSampleSize;
+    velm::FileReader m_reader;
+    velm::WaveFileReadHelper m_wave;
+    velm::AudioFrameStream m_stream;
+    std::unique_ptr<WaveWriter> m_writer;
+    std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_consumed{false};
+    std::atomic<std::uint64_t> m_taken{0};  // in bytes
+    double m_elapsed = 0;                   // in seconds
+
+    // The producer's, read after it was joined.
+    velm::ErrorCode m_endOfReading;
+    std::uint64_t m_blocks = 0;
+    Checksum m_sumRead;
+
+    // The consumer's, read after it was joined.
+    std::uint64_t m_frames = 0;
+    Checksum m_sumTaken;
+    std::string m_consumerFailure;
+};
+
+void RefuseToOverwriteInput(const Options& options) {
+    const auto path = [](const std::string& utf8) {
+        return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+    };
+    std::error_code ignored;
+    if (!options.output.empty() &&
+        std::filesystem::equivalent(path(options.input), path(options.output), ignored)) {
+        throw Failure{options.output + ": is the input itself", 2};
+    }
+}
+
+int RunAudio(const Options& options) {
+    RefuseToOverwriteInput(options);
+    const WaveFormat format = ReadWaveFormat(options.input);
+    Transfer transfer(options, format);
+    transfer.Run(!options.json && velm::platform::OutputIsTerminal(), format.dataSize);
+
+    const std::uint64_t bytes = transfer.BytesTaken();
+    const std::uint64_t samples = format.blockAlign != 0 ? bytes / format.blockAlign : 0;
+    const double audio =
+        format.samplesPerSecond != 0 ? static_cast<double>(samples) / format.samplesPerSecond : 0.0;
+    const bool equal = transfer.SumRead().Text() == transfer.SumTaken().Text();
+
+    Report report;
+    report.Add("file", options.input);
+    report.Add("format", NameOfFormat(format));
+    report.Add("bits_per_sample", static_cast<long long>(format.bitsPerSample));
+    report.Add("channels", static_cast<long long>(format.channels));
+    report.Add("samples_per_second", static_cast<long long>(format.samplesPerSecond));
+    report.Add("block", static_cast<double>(transfer.ChosenBlock().milliseconds), "ms", 0);
+    report.Add("blocks", static_cast<long long>(transfer.Blocks()));
+    report.Add("frames", static_cast<long long>(transfer.Frames()));
+    report.Add("samples", static_cast<long long>(samples));
+    report.Add("bytes", static_cast<long long>(bytes));
+    report.Add("audio", audio, "s");
+    report.Add("elapsed", transfer.Elapsed(), "s");
+    report.Add("real_time_factor", transfer.Elapsed() > 0 ? audio / transfer.Elapsed() : 0.0, "", 0);
+    report.Add("checksum_read", transfer.SumRead().Text());
+    report.Add("checksum_taken", transfer.SumTaken().Text());
+    report.Add("checksums_equal", equal);
+    report.Print(options.json);
+    if (bytes < format.dataSize) {
+        throw Failure{options.input + ": ends " + std::to_string(format.dataSize - bytes) +
+                      " bytes before its data does: " + NameOf(transfer.EndOfReading())};
+    }
+    return equal ? 0 : 1;
+}
+
+}  // namespace
+
+void AddAudioCommand(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("audio", "Plays a WAVE file through the frame ring");
+    command->description(
+        "Reads a WAVE file block by block on one thread, passes each block as an audio frame through the "
+        "frame ring "
+        "to another, and compares what arrives with what was read. Any sample rate, depth and number of "
+        "channels.\n"
+        "Example: velmdiag audio speech.wav --out copy.wav");
+    command->add_option("IN", options->input, "the WAVE file")->required();
+    command->add_option("--out", options->output, "write what arrives to this WAVE file");
+    command->add_option("--block-ms", options->blockMilliseconds, "play time of a block in milliseconds")
+        ->check(CLI::Range(1U, 10000U))
+        ->capture_default_str();
+    command->add_option("--frames", options->frames, "frames that the ring holds")
+        ->check(CLI::Range(1U, 1024U))
+        ->capture_default_str();
+    command->add_flag("--json", options->json, "print one JSON object");
+    command->callback([options, &exitStatus] { exitStatus = RunAudio(*options); });
+}
+
+}  // namespace velmdiag

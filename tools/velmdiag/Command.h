@@ -1,0 +1,25 @@
+/// @file
+/// The commands of velmdiag. Each lives in a file of its own, adds itself to the program and runs from its
+/// callback.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "velm/core/ErrorCode.h"
+
+namespace velmdiag {
+
+/// What ends a command early: one line for standard error, and the exit status.
+struct Failure {
+    std::string message;
+    int exitStatus = 1;
+};
+
+/// The registered name of a code, such as "VELM_ERROR_UTIL_DATA_BROKEN"; its number when it has none.
+std::string NameOf(velm::ErrorCode code);
+
+// Each adds its command; `exitStatus` receives what the program ends with once the command has run.
+void AddAudioCommand(CLI::App& app, int& exitStatus);
+
+}  // namespace velmdiag

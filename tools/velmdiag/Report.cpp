@@ -1,0 +1,59 @@
+#include "Report.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+namespace velmdiag {
+
+void Report::Add(const std::string& key, const std::string& text) {
+    Add(key, picojson::value(text), text);
+}
+
+void Report::Add(const std::string& key, const char* text) {
+    Add(key, std::string(text));
+}
+
+void Report::Add(const std::string& key, bool flag) {
+    Add(key, picojson::value(flag), flag ? "yes" : "no");
+}
+
+void Report::Add(const std::string& key, long long number) {
+    Add(key, picojson::value(static_cast<double>(number)), std::to_string(number));
+}
+
+void Report::Add(const std::string& key, double number, const char* unit, int decimals) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(decimals) << number;
+    if (*unit != '\0') {
+        text << ' ' << unit;
+    }
+    Add(key, picojson::value(number), text.str());
+}
+
+void Report::Add(const std::string& key, picojson::value value, const std::string& text) {
+    m_entries.push_back({key, std::move(value), text});
+}
+
+void Report::Print(bool json) const {
+    if (json) {
+        picojson::object object;
+        for (const Entry& entry : m_entries) {
+            object[entry.key] = entry.value;
+        }
+        std::cout << picojson::value(object).serialize(true);
+        return;
+    }
+    std::size_t width = 0;
+    for (const Entry& entry : m_entries) {
+        width = std::max(width, entry.key.size());
+    }
+    for (const Entry& entry : m_entries) {
+        std::string label = entry.key;
+        std::replace(label.begin(), label.end(), '_', ' ');
+        std::cout << std::left << std::setw(static_cast<int>(width) + 2) << label << entry.text << '\n';
+    }
+}
+
+}  // namespace velmdiag
