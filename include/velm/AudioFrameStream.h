@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "velm/AudioStream.h"
 
 namespace velm {
@@ -85,8 +83,9 @@ public:
 
 private:
     bool IsReady();
-    ErrorCode Lock(std::unique_ptr<Semaphore>& slots);
-    ErrorCode Unlock(std::unique_ptr<Semaphore>& slots);
+    void DestroySemaphores();
+    ErrorCode Lock(Semaphore*& slots);
+    ErrorCode Unlock(Semaphore*& slots);
     ErrorCode PushLock();
     ErrorCode PushUnlock();
     ErrorCode TakeLock();
@@ -94,9 +93,9 @@ private:
 
     unsigned int m_nFrameSampleSize;
     unsigned int m_nFrameNum;
-    std::unique_ptr<Semaphore> m_pPushSemaphore;  // free slots
-    std::unique_ptr<Semaphore> m_pTakeSemaphore;  // filled frames
-    std::unique_ptr<Semaphore> m_pLockSemaphore;  // 1 while no thread is at the ring
+    Semaphore* m_pPushSemaphore;  // free slots; owned, as are the other two
+    Semaphore* m_pTakeSemaphore;  // filled frames
+    Semaphore* m_pLockSemaphore;  // 1 while no thread is at the ring
     int m_bInitialized;
 };
 

@@ -22,6 +22,13 @@ unsigned char* Bytes(short* frame) {
     return reinterpret_cast<unsigned char*>(frame);
 }
 
+/// Deletes first and clears then, which no smart pointer does: the destructor waits for the threads that it
+/// turns away, and only when they are gone does nobody read the pointer any more.
+void Destroy(Semaphore*& semaphore) {
+    delete semaphore;
+    semaphore = nullptr;
+}
+
 }  // namespace
 
 // Ready is published by m_bInitialized alone: Initialize sets it after the semaphores exist, Terminate clears
@@ -33,6 +40,9 @@ AudioFrameStream::AudioFrameStream(unsigned int frameSampleSize, unsigned int fr
     : AudioStream(RingSampleSize(frameSampleSize, frameNum), channelNum, bitsPerSample),
       m_nFrameSampleSize(frameSampleSize),
       m_nFrameNum(frameNum),
+      m_pPushSemaphore(nullptr),
+      m_pTakeSemaphore(nullptr),
+      m_pLockSemaphore(nullptr),
       m_bInitialized(0) {}
 
 AudioFrameStream::~AudioFrameStream() {
@@ -41,9 +51,10 @@ AudioFrameStream::~AudioFrameStream() {
 
 ErrorCode AudioFrameStream::Initialize() {
     const ErrorCode result = AudioStream::Initialize();
-    m_pPushSemaphore.reset(new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum));
-    m_pTakeSemaphore.reset(new (std::nothrow) Semaphore(0, m_nFrameNum));
-    m_pLockSemaphore.reset(new (std::nothrow) Semaphore(1, 1));
+    DestroySemaphores();
+    m_pPushSemaphore = new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum);
+    m_pTakeSemaphore = new (std::nothrow) Semaphore(0, m_nFrameNum);
+    m_pLockSemaphore = new (std::nothrow) Semaphore(1, 1);
     if (m_pPushSemaphore == nullptr || m_pTakeSemaphore == nullptr || m_pLockSemaphore == nullptr) {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
     }
@@ -53,15 +64,19 @@ ErrorCode AudioFrameStream::Initialize() {
 
 void AudioFrameStream::Terminate() {
     std::atomic_ref(m_bInitialized).store(0, std::memory_order_release);
-    for (Semaphore* semaphore : {m_pPushSemaphore.get(), m_pTakeSemaphore.get(), m_pLockSemaphore.get()}) {
+    for (Semaphore* semaphore : {m_pPushSemaphore, m_pTakeSemaphore, m_pLockSemaphore}) {
         if (semaphore != nullptr) {
             semaphore->Post(1);
         }
     }
     Thread::Sleep(kLeaveMilliseconds);
-    m_pPushSemaphore.reset();
-    m_pTakeSemaphore.reset();
-    m_pLockSemaphore.reset();
+    DestroySemaphores();
+}
+
+void AudioFrameStream::DestroySemaphores() {
+    Destroy(m_pPushSemaphore);
+    Destroy(m_pTakeSemaphore);
+    Destroy(m_pLockSemaphore);
 }
 
 ErrorCode AudioFrameStream::PushBackFrame(short* frame) {
@@ -162,7 +177,7 @@ bool AudioFrameStream::IsReady() {
 }
 
 /// Takes one of `slots`, then the ring. The stream may have been terminated while the thread waited.
-ErrorCode AudioFrameStream::Lock(std::unique_ptr<Semaphore>& slots) {
+ErrorCode AudioFrameStream::Lock(Semaphore*& slots) {
     if (!IsReady()) {
         return VELM_ERROR_UTIL_NOT_INITIALIZED;
     }
@@ -176,7 +191,7 @@ ErrorCode AudioFrameStream::Lock(std::unique_ptr<Semaphore>& slots) {
 
 /// Gives the ring back, then adds one to `slots`. A post over the maximum changes nothing, which is what
 /// keeps the counts in bounds after UnlockForce.
-ErrorCode AudioFrameStream::Unlock(std::unique_ptr<Semaphore>& slots) {
+ErrorCode AudioFrameStream::Unlock(Semaphore*& slots) {
     if (!IsReady()) {
         return VELM_ERROR_UTIL_NOT_INITIALIZED;
     }

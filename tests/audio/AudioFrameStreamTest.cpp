@@ -1,0 +1,225 @@
+#include "velm/AudioFrameStream.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <thread>
+#include <vector>
+
+namespace velm {
+namespace {
+
+using namespace std::chrono_literals;
+
+using Frame = std::vector<short>;
+
+constexpr unsigned int kSamples = 4;  // of a frame, mono, 16 bits
+
+Frame FrameOf(short value) {
+    return Frame(kSamples, value);
+}
+
+Frame TakeFront(AudioFrameStream& stream) {
+    Frame frame = FrameOf(-1);
+    EXPECT_EQ(stream.TakeFrontFrame(frame.data()), 0U);
+    return frame;
+}
+
+TEST(AudioFrameStream, MovesWholeFramesAtBothEnds) {
+    AudioFrameStream stream(kSamples, 4, 1, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+    for (short value = 1; value <= 3; ++value) {
+        ASSERT_EQ(stream.PushBackFrame(FrameOf(value).data()), 0U);
+    }
+    ASSERT_EQ(stream.PushFrontFrame(FrameOf(9).data()), 0U);
+    EXPECT_EQ(stream.GetUsedFrameSize(), 4U);
+    EXPECT_EQ(stream.GetFreeFrameSize(), 0U);
+    EXPECT_EQ(TakeFront(stream), FrameOf(9));
+    Frame newest = FrameOf(0);
+    ASSERT_EQ(stream.TakeBackFrame(newest.data()), 0U);
+    EXPECT_EQ(newest, FrameOf(3));
+    ASSERT_EQ(stream.DropFrontFrame(), 0U);
+    ASSERT_EQ(stream.PushBackClearFrame(), 0U);
+    ASSERT_EQ(stream.PushFrontClearFrame(), 0U);
+    EXPECT_EQ(TakeFront(stream), FrameOf(0));
+    EXPECT_EQ(TakeFront(stream), FrameOf(2));
+    ASSERT_EQ(stream.DropBackFrame(), 0U);
+    EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
+    EXPECT_EQ(stream.PushBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(stream.PushFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(stream.TakeFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(stream.TakeBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+}
+
+TEST(AudioFrameStream, FillsWithSilenceAndEmptiesWithoutBlocking) {
+    AudioFrameStream stream(kSamples, 4, 1, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+    ASSERT_EQ(stream.PushBackFrame(FrameOf(5).data()), 0U);
+    EXPECT_EQ(stream.PushAllClearFrame(), 0U);
+    EXPECT_EQ(stream.GetUsedFrameSize(), 4U);
+    EXPECT_EQ(TakeFront(stream), FrameOf(5));
+    EXPECT_EQ(TakeFront(stream), FrameOf(0));
+    EXPECT_EQ(stream.DropAllFrame(), 0U);
+    EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
+}
+
+TEST(AudioFrameStream, DoesNotBlockBeforeInitializeOrAfterTerminate) {
+    AudioFrameStream stream(kSamples, 2, 1, 16);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(stream.PushBackClearFrame(), 0U);
+        EXPECT_EQ(stream.PushBackClearFrame(), 0U);
+        EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(stream.DropAllFrame(), 0U);
+        ASSERT_EQ(stream.Initialize(), 0U);
+        stream.Terminate();
+    }
+}
+
+TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
+    const unsigned int shapes[][4] = {
+        {0, 4, 2, 16},          {4, 4, 0, 16},        {4, 4, 2, 0},
+        {0xFFFFFFFF, 4, 2, 16}, {65536, 65536, 1, 8}, {480, 0xFFFFFFFF, 2, 16},
+    };
+    for (const auto& [samples, frames, channels, bits] : shapes) {
+        AudioFrameStream stream(samples, frames, channels, bits);
+        EXPECT_EQ(stream.PushAllClearFrame(), 0U);
+        EXPECT_EQ(stream.DropAllFrame(), 0U);
+        EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(stream.Initialize(), VELM_ERROR_UTIL_NOT_INITIALIZED);
+        EXPECT_EQ(stream.PushAllClearFrame(), 0U);
+        EXPECT_EQ(stream.DropAllFrame(), 0U);
+    }
+}
+
+/// Runs an operation on a thread of its own, for as long as it blocks.
+class Blocked {
+public:
+    template <typename Operation>
+    explicit Blocked(Operation operation) : m_result(std::async(std::launch::async, operation)) {}
+
+    bool IsBlocked() { return m_result.wait_for(30ms) == std::future_status::timeout; }
+    ErrorCode Result() { return m_result.get(); }
+
+private:
+    std::future<ErrorCode> m_result;
+};
+
+TEST(AudioFrameStream, APushWaitsForAFreeSlotAndATakeForAFrame) {
+    AudioFrameStream stream(kSamples, 1, 1, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+    Frame taken = FrameOf(0);
+    Blocked take([&] { return stream.TakeFrontFrame(taken.data()); });
+    EXPECT_TRUE(take.IsBlocked());
+    ASSERT_EQ(stream.PushFrontFrame(FrameOf(7).data()), 0U);
+    EXPECT_EQ(take.Result(), 0U);
+    EXPECT_EQ(taken, FrameOf(7));
+
+    ASSERT_EQ(stream.PushBackFrame(FrameOf(8).data()), 0U);
+    Blocked push([&] { return stream.PushBackFrame(FrameOf(9).data()); });
+    EXPECT_TRUE(push.IsBlocked());
+    ASSERT_EQ(stream.DropBackFrame(), 0U);
+    EXPECT_EQ(push.Result(), 0U);
+    EXPECT_EQ(TakeFront(stream), FrameOf(9));
+}
+
+TEST(AudioFrameStream, UnlockForceLetsOneThreadOfEachSideGo) {
+    AudioFrameStream stream(kSamples, 1, 1, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+    Blocked take([&] { return stream.DropFrontFrame(); });
+    EXPECT_TRUE(take.IsBlocked());
+    stream.UnlockForce();
+    EXPECT_EQ(take.Result(), VELM_ERROR_UTIL_UNKNOWN);
+
+    // With nobody waiting, the next take on the empty ring is let through, once.
+    stream.UnlockForce();
+    EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    Blocked next([&] { return stream.DropFrontFrame(); });
+    EXPECT_TRUE(next.IsBlocked());
+    stream.UnlockForce();
+    EXPECT_EQ(next.Result(), VELM_ERROR_UTIL_UNKNOWN);
+}
+
+TEST(AudioFrameStream, TerminateLetsABlockedThreadGo) {
+    for (const bool full : {false, true}) {
+        AudioFrameStream stream(kSamples, 1, 1, 16);
+        ASSERT_EQ(stream.Initialize(), 0U);
+        if (full) {
+            ASSERT_EQ(stream.PushBackClearFrame(), 0U);
+        }
+        Blocked blocked([&] { return full ? stream.PushBackClearFrame() : stream.DropFrontFrame(); });
+        EXPECT_TRUE(blocked.IsBlocked());
+        stream.Terminate();
+        EXPECT_EQ(blocked.Result(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(full ? stream.PushBackClearFrame() : stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    }
+}
+
+// Two producers and two consumers, and a fifth thread that looks on. Every frame must arrive once, whole, and
+// each producer's in order. VELM_FRAMES sets the number for a longer run.
+TEST(AudioFrameStream, LosesAndDoublesNothingBetweenFourThreads) {
+    const char* const given = std::getenv("VELM_FRAMES");
+    const int framesEach = (given != nullptr ? std::atoi(given) : 100'000) / 2;
+    constexpr unsigned int kFrameSamples = 16;
+    AudioFrameStream stream(kFrameSamples, 4, 2, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+
+    // A frame is full of one number: the producer in the top bit, its count below.
+    const auto produce = [&](unsigned int producer) {
+        std::vector<unsigned int> frame(kFrameSamples);
+        for (int i = 0; i < framesEach; ++i) {
+            std::fill(frame.begin(), frame.end(), producer << 31 | static_cast<unsigned int>(i));
+            ASSERT_EQ(stream.PushBackFrame(reinterpret_cast<short*>(frame.data())), 0U);
+        }
+    };
+    std::vector<std::vector<unsigned int>> seen(2);
+    const auto consume = [&](std::vector<unsigned int>& numbers) {
+        std::vector<unsigned int> frame(kFrameSamples);
+        for (int i = 0; i < framesEach; ++i) {
+            ASSERT_EQ(stream.TakeFrontFrame(reinterpret_cast<short*>(frame.data())), 0U);
+            ASSERT_TRUE(
+                std::all_of(frame.begin(), frame.end(), [&](unsigned int n) { return n == frame[0]; }));
+            numbers.push_back(frame[0]);
+        }
+    };
+    std::atomic<bool> done{false};
+    std::thread onlooker([&] {
+        while (!done) {
+            ASSERT_LE(stream.GetUsedFrameSize(), 5U);
+            ASSERT_LE(stream.GetFreeFrameSize(), 5U);
+            std::this_thread::yield();
+        }
+    });
+    std::thread threads[] = {std::thread(produce, 0U), std::thread(produce, 1U),
+                             std::thread(consume, std::ref(seen[0])),
+                             std::thread(consume, std::ref(seen[1]))};
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    done = true;
+    onlooker.join();
+
+    std::vector<unsigned int> all;
+    for (const auto& numbers : seen) {
+        for (const unsigned int producer : {0U, 1U}) {
+            std::vector<unsigned int> own;
+            std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(own),
+                         [&](unsigned int n) { return n >> 31 == producer; });
+            EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
+        }
+        all.insert(all.end(), numbers.begin(), numbers.end());
+    }
+    std::sort(all.begin(), all.end());
+    ASSERT_EQ(all.size(), 2U * static_cast<unsigned int>(framesEach));
+    for (unsigned int i = 0; i < all.size(); ++i) {
+        const auto each = static_cast<unsigned int>(framesEach);
+        ASSERT_EQ(all[i], i < each ? i : (1U << 31 | (i - each)));
+    }
+}
+
+}  // namespace
+}  // namespace velm
