@@ -126,7 +126,7 @@ public:
             }
         }
         if (showProgress) {
-            std::cout << "\r\x1b[K" << std::flush;
+            std::cout << "\r     \r" << std::flush;
         }
         Check(producer.Join(nullptr));
         Check(consumer.Join(nullptr));
