@@ -7,3 +7,4 @@
 #include "velm/AudioStream.h"
 #include "velm/UtilErrorCode.h"
 #include "velm/WaveFileReadHelper.h"
+#include "velm/WindowsUtil.h"
