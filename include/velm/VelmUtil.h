@@ -5,5 +5,6 @@
 #include "velm/AudioFrame.h"
 #include "velm/AudioFrameStream.h"
 #include "velm/AudioStream.h"
+#include "velm/UrlParser.h"
 #include "velm/UtilErrorCode.h"
 #include "velm/WaveFileReadHelper.h"
