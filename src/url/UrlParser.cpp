@@ -6,8 +6,8 @@
 namespace velm {
 namespace {
 
-bool EndsNameOrValue(char c) {
-    return c == '=' || c == '&';
+const char* FindEndOfNameOrValue(const char* begin, const char* end) {
+    return std::find_if(begin, end, [](char c) { return c == '=' || c == '&'; });
 }
 
 }  // namespace
@@ -108,12 +108,12 @@ ErrorCode UrlParser::ParseQuery() {
     }
     const char* const end = m_strQuery.data() + m_strQuery.size();
     for (const char* name = m_strQuery.data();;) {
-        const char* const nameEnd = std::find_if(name, end, EndsNameOrValue);
+        const char* const nameEnd = FindEndOfNameOrValue(name, end);
         if (nameEnd == end || *nameEnd == '&') {
             return VELM_ERROR_UTIL_INVALID_PARAM;
         }
         const char* const value = nameEnd + 1;
-        const char* const valueEnd = std::find_if(value, end, EndsNameOrValue);
+        const char* const valueEnd = FindEndOfNameOrValue(value, end);
         if (valueEnd != end && *valueEnd == '=') {
             return VELM_ERROR_UTIL_INVALID_PARAM;
         }
