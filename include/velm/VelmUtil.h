@@ -9,6 +9,7 @@
 #include "velm/IniConfigReader.h"
 #include "velm/JsonConfigReader.h"
 #include "velm/KeyStringToByteData.h"
+#include "velm/UrlParser.h"
 #include "velm/UtilErrorCode.h"
 #include "velm/WaveFileReadHelper.h"
 #include "velm/WindowsUtil.h"

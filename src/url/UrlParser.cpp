@@ -1,0 +1,138 @@
+#include "velm/UrlParser.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace velm {
+namespace {
+
+const char* FindEndOfNameOrValue(const char* begin, const char* end) {
+    return std::find_if(begin, end, [](char c) { return c == '=' || c == '&'; });
+}
+
+}  // namespace
+
+UrlParser::UrlParser() = default;
+UrlParser::UrlParser(const UrlParser& other) = default;
+UrlParser& UrlParser::operator=(const UrlParser& other) = default;
+UrlParser::~UrlParser() = default;
+
+ErrorCode UrlParser::Parse(const char* url) {
+    ErrorCode result = ParseUrl(url);
+    if (!result.IsFailed()) {
+        result = ParseQuery();
+    }
+    if (result.IsFailed()) {
+        Clear();
+    }
+    return result;
+}
+
+const char* UrlParser::Url() const {
+    return m_strUrl.c_str();
+}
+
+const char* UrlParser::Scheme() const {
+    return m_strScheme.c_str();
+}
+
+const char* UrlParser::Authority() const {
+    return m_strAuthority.c_str();
+}
+
+const char* UrlParser::Path() const {
+    return m_strPath.c_str();
+}
+
+const char* UrlParser::Query() const {
+    return m_strQuery.c_str();
+}
+
+const char* UrlParser::Fragment() const {
+    return m_strFragment.c_str();
+}
+
+const char* UrlParser::Param(const char* name) {
+    return m_mapParam[name].c_str();
+}
+
+const std::map<std::string, std::string> UrlParser::ParamMap() const {
+    return m_mapParam;
+}
+
+void UrlParser::DebugPrint() const {}
+
+// The expression of RFC 3986, appendix B,
+//
+//     ^(([^:/?#]+):)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?
+//
+// matched in full from left to right, each optional piece taken wherever it stands. That is also what an
+// engine that tries alternatives arrives at: every piece ends at a character which the piece itself may not
+// hold, so giving one up never helps a later one. All text matches, unless the fragment holds one of the two
+// line ends that "." excludes: no other piece can hold the first "#".
+ErrorCode UrlParser::ParseUrl(const char* url) {
+    if (url == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    m_strUrl = url;
+    std::string_view rest = m_strUrl;
+
+    const std::size_t hash = rest.find('#');
+    const std::string_view fragment = hash == rest.npos ? std::string_view() : rest.substr(hash + 1);
+    if (fragment.find_first_of("\n\r") != fragment.npos) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    m_strFragment = fragment;
+    rest = rest.substr(0, hash);
+
+    const std::size_t question = rest.find('?');
+    m_strQuery = question == rest.npos ? std::string_view() : rest.substr(question + 1);
+    rest = rest.substr(0, question);
+
+    const std::size_t schemeEnd = rest.find_first_of(":/");
+    const bool hasScheme = schemeEnd != rest.npos && schemeEnd != 0 && rest[schemeEnd] == ':';
+    m_strScheme = hasScheme ? rest.substr(0, schemeEnd) : std::string_view();
+    rest.remove_prefix(hasScheme ? schemeEnd + 1 : 0);
+
+    const bool hasAuthority = rest.starts_with("//");
+    rest.remove_prefix(hasAuthority ? 2 : 0);
+    m_strAuthority = hasAuthority ? rest.substr(0, rest.find('/')) : std::string_view();
+    m_strPath = rest.substr(m_strAuthority.size());
+    return 0;
+}
+
+ErrorCode UrlParser::ParseQuery() {
+    m_mapParam.clear();
+    if (m_strQuery.empty()) {
+        return 0;
+    }
+    const char* const end = m_strQuery.data() + m_strQuery.size();
+    for (const char* name = m_strQuery.data();;) {
+        const char* const nameEnd = FindEndOfNameOrValue(name, end);
+        if (nameEnd == end || *nameEnd == '&') {
+            return VELM_ERROR_UTIL_INVALID_PARAM;
+        }
+        const char* const value = nameEnd + 1;
+        const char* const valueEnd = FindEndOfNameOrValue(value, end);
+        if (valueEnd != end && *valueEnd == '=') {
+            return VELM_ERROR_UTIL_INVALID_PARAM;
+        }
+        // A name that follows all others, as in a sorted query, finds its place in one comparison.
+        m_mapParam.insert_or_assign(m_mapParam.end(), std::string(name, nameEnd),
+                                    std::string_view(value, valueEnd));
+        if (valueEnd == end) {
+            return 0;
+        }
+        name = valueEnd + 1;
+    }
+}
+
+void UrlParser::Clear() {
+    for (std::string* const part :
+         {&m_strUrl, &m_strScheme, &m_strAuthority, &m_strPath, &m_strQuery, &m_strFragment}) {
+        part->clear();
+    }
+    m_mapParam.clear();
+}
+
+}  // namespace velm
