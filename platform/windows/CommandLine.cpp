@@ -38,6 +38,17 @@ std::vector<std::string> Utf8CommandLine(int argc, char** argv) {
     return arguments;
 }
 
+std::string NarrowFileName(const std::string& utf8) {
+    const int units = MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(units), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, wide.data(), units);
+    const int size = WideCharToMultiByte(CP_ACP, 0, wide.c_str(), -1, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(size), '\0');
+    BOOL lost = FALSE;
+    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.c_str(), -1, narrow.data(), size, nullptr, &lost);
+    return lost ? std::string() : std::string(narrow.c_str());
+}
+
 bool OutputIsTerminal() {
     return _isatty(_fileno(stdout)) != 0;
 }

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <new>
 #include <string_view>
+
+#include "JsonNesting.h"
 
 namespace velm {
 namespace {
@@ -15,11 +18,18 @@ constexpr int kReadFailed = 1;
 /// Appends a file to `text`; false when reading fails.
 bool ReadAll(std::istream& file, std::string& text) {
     constexpr std::size_t kChunk = 1 << 16;
+    constexpr std::streamoff kMostReserved = 1 << 26;
+    const std::streamoff size = file.seekg(0, std::ios::end).tellg();
+    file.clear();  // a pipe has no size and cannot seek
+    if (size > 0) {
+        file.seekg(0);
+        text.reserve(static_cast<std::size_t>(std::min(size, kMostReserved)) + kChunk);
+    }
     while (file) {
-        const std::size_t size = text.size();
-        text.resize(size + kChunk);
-        file.read(&text[size], kChunk);
-        text.resize(size + static_cast<std::size_t>(file.gcount()));
+        const std::size_t held = text.size();
+        text.resize(held + kChunk);
+        file.read(&text[held], kChunk);
+        text.resize(held + static_cast<std::size_t>(file.gcount()));
     }
     return !file.bad();
 }
@@ -40,65 +50,21 @@ void JoinLines(std::string& text) {
         if (lineFeed != nullptr && lineEnd != in && lineEnd[-1] == '\r') {
             --lineEnd;
         }
-        std::memmove(out, in, static_cast<std::size_t>(lineEnd - in));
+        if (out != in) {
+            std::memmove(out, in, static_cast<std::size_t>(lineEnd - in));
+        }
         out += lineEnd - in;
         in = next;
     }
     text.resize(static_cast<std::size_t>(out - text.data()));
 }
 
-/// The end of the string that begins at `quote`: its closing quote, or the end of the text.
-const char* EndOfString(const char* quote, const char* end) {
-    const char* next = quote + 1;
-    while (next < end && *next != '"') {
-        next += *next == '\\' ? 2 : 1;
-    }
-    return std::min(next, end);
-}
-
-/// The first bracket of the first value in a text that is nested deeper than picojson follows arrays, or
-/// null.
-///
-/// The parser goes down at an opening bracket outside a string and up at a closing one. Up to its first error
-/// all brackets match, so counting both kinds alike gives its depth; beyond, this may find a bracket that the
-/// parser would not have come to, in a text that is refused in any case.
-const char* FindTooDeep(const std::string& text) {
-    const char* next = text.data() + std::min(text.find_first_not_of(" \t\r\n"), text.size());
-    const char* const end = text.data() + text.size();
-    if (next == end || (*next != '[' && *next != '{')) {
-        return nullptr;
-    }
-    int depth = 0;
-    for (; next < end; ++next) {
-        switch (*next) {
-            case '[':
-            case '{':
-                if (++depth > picojson::DEFAULT_MAX_DEPTHS) {
-                    return next;
-                }
-                break;
-            case ']':
-            case '}':
-                if (--depth == 0) {
-                    return nullptr;
-                }
-                break;
-            case '"':
-                next = EndOfString(next, end);
-                break;
-            default:
-                break;
-        }
-    }
-    return nullptr;
-}
-
-/// What picojson says of an error that it meets after `where`.
-std::string SyntaxErrorAfter(const std::string& text, const char* where) {
-    const char* const end = text.data() + text.size();
+/// What picojson says of an error that it meets after the byte at `where`.
+std::string SyntaxErrorAfter(const std::string& text, std::size_t where) {
+    const auto next = text.begin() + static_cast<std::ptrdiff_t>(where) + 1;
     std::string error =
-        "syntax error at line " + std::to_string(1 + std::count(text.data(), where, '\n')) + " near: ";
-    std::copy_if(where + 1, std::find(where + 1, end, '\n'), std::back_inserter(error),
+        "syntax error at line " + std::to_string(1 + std::count(text.begin(), next, '\n')) + " near: ";
+    std::copy_if(next, std::find(next, text.end(), '\n'), std::back_inserter(error),
                  [](char c) { return static_cast<unsigned char>(c) >= ' '; });
     return error;
 }
@@ -134,7 +100,8 @@ int JsonConfigReader::Read(const std::string& json) {
 
 bool JsonConfigReader::getJsonValue(picojson::value& value, std::string& error) {
     // picojson recurses into both kinds of brackets but limits the depth of arrays only.
-    if (const char* const tooDeep = FindTooDeep(m_strJson)) {
+    const std::size_t tooDeep = FindTooDeep(m_strJson, picojson::DEFAULT_MAX_DEPTHS);
+    if (tooDeep != m_strJson.npos) {
         error = SyntaxErrorAfter(m_strJson, tooDeep);
         return false;
     }

@@ -8,6 +8,10 @@ std::vector<std::string> Utf8CommandLine(int argc, char** argv) {
     return {argv, argv + argc};
 }
 
+std::string NarrowFileName(const std::string& utf8) {
+    return utf8;
+}
+
 bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
 }

@@ -9,6 +9,9 @@ namespace velm::platform {
 /// that is set to show UTF-8. Called once, from main.
 std::vector<std::string> Utf8CommandLine(int argc, char** argv);
 
+/// A file's name as the C library's narrow calls take it; empty when they cannot.
+std::string NarrowFileName(const std::string& utf8);
+
 /// Whether standard output goes to a terminal.
 bool OutputIsTerminal();
 
