@@ -7,6 +7,10 @@ namespace velm::yuv {
 namespace {
 
 constexpr Kernel kKernels[] = {
+    {"avx512vbmi", CpuLevel::kAvx512Vbmi, ConvertAvx512Vbmi},
+    {"avx512bw", CpuLevel::kAvx512Bw, ConvertAvx512Bw},
+    {"avx2", CpuLevel::kAvx2, ConvertAvx2},
+    {"sse2", CpuLevel::kBaseline, ConvertSse2},
     {"scalar", CpuLevel::kBaseline, ConvertScalar},
 };
 

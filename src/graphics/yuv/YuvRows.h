@@ -39,6 +39,10 @@ struct Rows {
     unsigned char* argb[2];  // 4 * width bytes each
 };
 
+void ConvertAvx2(const Matrix& matrix, const Rows& rows);
+void ConvertAvx512Bw(const Matrix& matrix, const Rows& rows);
+void ConvertAvx512Vbmi(const Matrix& matrix, const Rows& rows);
 void ConvertScalar(const Matrix& matrix, const Rows& rows);
+void ConvertSse2(const Matrix& matrix, const Rows& rows);
 
 }  // namespace velm::yuv
