@@ -13,3 +13,7 @@
 #include "velm/UtilErrorCode.h"
 #include "velm/WaveFileReadHelper.h"
 #include "velm/WindowsUtil.h"
+#include "velm/CrossDotRotate.h"
+#include "velm/UtilErrorCode.h"
+#include "velm/WaveFileReadHelper.h"
+#include "velm/YuvToArgb.h"

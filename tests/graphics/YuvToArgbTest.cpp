@@ -1,0 +1,307 @@
+#include "velm/YuvToArgb.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "GuardedRows.h"
+#include "YuvKernels.h"
+
+namespace velm {
+namespace {
+
+using test::Guard;
+using test::GuardedRows;
+using yuv::Kernel;
+using yuv::Matrix;
+using yuv::Picture;
+
+const Matrix* const kMatrices[] = {&yuv::kBt601, &yuv::kBt709};
+
+int ClampToByte(int value) {
+    return std::clamp(value, 0, 255);
+}
+
+/// The formula, with the numbers of the two standards written out.
+std::uint32_t PixelOf(const Matrix& matrix, int luma, int cb, int cr) {
+    const int y = 74 * (luma - 16);
+    const int u = cb - 128;
+    const int v = cr - 128;
+    const bool is601 = &matrix == &yuv::kBt601;
+    const int red = ClampToByte((y + (is601 ? 102 : 115) * v) >> 6);
+    const int green = ClampToByte((y - (is601 ? 25 : 14) * u - (is601 ? 52 : 34) * v) >> 6);
+    const int blue = ClampToByte((y + (is601 ? 129 : 135) * u) >> 6);
+    return static_cast<std::uint32_t>(red << 16 | green << 8 | blue);
+}
+
+/// A picture in memory of its own, chroma and luma random, and what must come of it.
+class Sample {
+public:
+    struct Layout {
+        std::size_t yStride;
+        std::size_t uvStride;
+        std::size_t argbStride;  // a multiple of 4
+        Guard guard;
+    };
+
+    Sample(std::size_t width, std::size_t height, const Layout& layout, std::mt19937& random)
+        : m_width(width),
+          m_height(height),
+          m_y(height, width, layout.yStride, layout.guard),
+          m_u((height + 1) / 2, (width + 1) / 2, layout.uvStride, layout.guard),
+          m_v((height + 1) / 2, (width + 1) / 2, layout.uvStride, layout.guard),
+          m_argb(height, 4 * width, layout.argbStride, layout.guard) {
+        Fill(m_y, height, width, random);
+        Fill(m_u, (height + 1) / 2, (width + 1) / 2, random);
+        Fill(m_v, (height + 1) / 2, (width + 1) / 2, random);
+    }
+
+    Picture GetPicture() const {
+        return {m_y.Row(0),
+                m_u.Row(0),
+                m_v.Row(0),
+                static_cast<unsigned int>(m_y.Stride()),
+                static_cast<unsigned int>(m_u.Stride()),
+                static_cast<int>(m_width),
+                static_cast<int>(m_height),
+                m_argb.Row(0),
+                static_cast<unsigned int>(m_argb.Stride())};
+    }
+
+    /// The number of pixels that are not what the formula gives.
+    int WrongPixels(const Matrix& matrix) const {
+        int wrong = 0;
+        for (std::size_t row = 0; row < m_height; ++row) {
+            for (std::size_t x = 0; x < m_width; ++x) {
+                std::uint32_t pixel = 0;
+                std::memcpy(&pixel, m_argb.Row(row) + 4 * x, sizeof pixel);
+                wrong += pixel !=
+                         PixelOf(matrix, m_y.Row(row)[x], m_u.Row(row / 2)[x / 2], m_v.Row(row / 2)[x / 2]);
+            }
+        }
+        return wrong;
+    }
+
+    /// The bytes between the rows of the output that have not stayed 0; for strides below a page.
+    std::size_t TouchedBytesBetweenRows() const {
+        std::size_t touched = 0;
+        for (std::size_t at = 0; m_width != 0 && at < m_argb.Span(); ++at) {
+            touched += at % m_argb.Stride() >= 4 * m_width && m_argb.Row(0)[at] != 0;
+        }
+        return touched;
+    }
+
+private:
+    static void Fill(const GuardedRows& rows, std::size_t height, std::size_t width, std::mt19937& random) {
+        for (std::size_t row = 0; row < height; ++row) {
+            std::generate_n(rows.Row(row), width, [&] { return static_cast<unsigned char>(random()); });
+        }
+    }
+
+    std::size_t m_width;
+    std::size_t m_height;
+    GuardedRows m_y;
+    GuardedRows m_u;
+    GuardedRows m_v;
+    GuardedRows m_argb;
+};
+
+std::vector<const Kernel*> RunnableKernels() {
+    std::vector<const Kernel*> kernels;
+    for (const Kernel& kernel : yuv::GetKernels()) {
+        if (yuv::FindKernel(kernel.name) != nullptr) {
+            kernels.push_back(&kernel);
+        }
+    }
+    return kernels;
+}
+
+class YuvKernelTest : public testing::TestWithParam<const Kernel*> {
+protected:
+    static void Convert(const Matrix& matrix, const Picture& picture) {
+        yuv::Convert(*GetParam(), matrix, picture);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Every, YuvKernelTest, testing::ValuesIn(RunnableKernels()),
+                         [](const auto& instance) { return std::string(instance.param->name); });
+
+/// All triples, as 256 frames of one V each: a block row for each U, in it 64 blocks of the four next Y.
+TEST(YuvKernels, GiveTheFormulaForEveryTriple) {
+    constexpr std::size_t kWidth = 128;
+    constexpr std::size_t kHeight = 512;
+    std::vector<unsigned char> y(kWidth * kHeight);
+    std::vector<unsigned char> u(kWidth / 2 * kHeight / 2);
+    for (std::size_t row = 0; row < kHeight; ++row) {
+        for (std::size_t x = 0; x < kWidth; ++x) {
+            y[row * kWidth + x] = static_cast<unsigned char>(x / 2 * 4 + row % 2 * 2 + x % 2);
+            u[row / 2 * (kWidth / 2) + x / 2] = static_cast<unsigned char>(row / 2);
+        }
+    }
+    std::vector<std::uint32_t> expected(y.size());
+    for (const Matrix* const matrix : kMatrices) {
+        for (int cr = 0; cr < 256; ++cr) {
+            const std::vector<unsigned char> v(u.size(), static_cast<unsigned char>(cr));
+            for (std::size_t i = 0; i < expected.size(); ++i) {
+                expected[i] = PixelOf(*matrix, y[i], static_cast<int>(i / (2 * kWidth)), cr);
+            }
+            for (const Kernel* const kernel : RunnableKernels()) {
+                std::vector<std::uint32_t> argb(expected.size(), 0xFFFFFFFF);
+                yuv::Convert(*kernel, *matrix,
+                             {y.data(), u.data(), v.data(), kWidth, kWidth / 2, kWidth, kHeight, argb.data(),
+                              4 * kWidth});
+                ASSERT_EQ(argb, expected) << kernel->name << ", BT." << matrix->name << ", V " << cr;
+            }
+        }
+    }
+}
+
+/// Each row of each plane in pages of its own, then with strides that put every row on another alignment.
+TEST_P(YuvKernelTest, StaysInsideThePictureForEverySmallSize) {
+    const std::size_t pages = 2 * test::Reservation::PageSize();
+    std::mt19937 random(1);
+    for (std::size_t width = 0; width <= 67; ++width) {
+        for (std::size_t height = 0; height <= 5; ++height) {
+            for (const Guard guard : {Guard::kBefore, Guard::kAfter}) {
+                const Sample apart(width, height, {pages, pages, pages, guard}, random);
+                const Sample odd(width, height, {width | 1, (width / 2) | 1, 4 * width + 4, guard}, random);
+                for (const Sample* const sample : {&apart, &odd}) {
+                    const Matrix& matrix = *kMatrices[height % 2];
+                    Convert(matrix, sample->GetPicture());
+                    ASSERT_EQ(sample->WrongPixels(matrix), 0) << width << " x " << height;
+                }
+                ASSERT_EQ(odd.TouchedBytesBetweenRows(), 0U) << width << " x " << height;
+            }
+        }
+    }
+}
+
+TEST_P(YuvKernelTest, ConvertsPicturesOfRandomSizeAndAlignment) {
+    const unsigned int seed = std::random_device{}();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    const auto below = [&random](std::size_t limit) { return random() % limit; };
+    for (int round = 0; round < 100; ++round) {
+        const std::size_t width = 1 + below(700);
+        const std::size_t height = 1 + below(20);
+        const Sample sample(width, height,
+                            {width + below(70), (width + 1) / 2 + below(70), 4 * (width + below(70)),
+                             below(2) != 0 ? Guard::kBefore : Guard::kAfter},
+                            random);
+        const Matrix& matrix = *kMatrices[below(2)];
+        Convert(matrix, sample.GetPicture());
+        ASSERT_EQ(sample.WrongPixels(matrix), 0) << width << " x " << height;
+        ASSERT_EQ(sample.TouchedBytesBetweenRows(), 0U) << width << " x " << height;
+    }
+}
+
+TEST_P(YuvKernelTest, WritesToAddressesThatAreNotAMultipleOfFour) {
+    constexpr int kWidth = 150;
+    std::mt19937 random(2);
+    for (std::size_t offset = 0; offset < 4; ++offset) {
+        Sample sample(kWidth, 2, {kWidth, kWidth / 2, 4 * kWidth, Guard::kAfter}, random);
+        Picture picture = sample.GetPicture();
+        std::vector<unsigned char> argb(4 * kWidth * 2 + offset);
+        void* const wanted = picture.argb;
+        picture.argb = argb.data() + offset;
+        Convert(yuv::kBt709, picture);
+        std::memcpy(wanted, picture.argb, argb.size() - offset);
+        EXPECT_EQ(sample.WrongPixels(yuv::kBt709), 0) << "offset " << offset;
+    }
+}
+
+TEST(YuvToArgb, WrapsNoStrideThatNeeds32Bits) {
+    constexpr std::size_t kLarge = (std::size_t{1} << 31) + 4096 + 4;
+    std::mt19937 random(3);
+    const Sample sample(35, 3, {kLarge, kLarge, kLarge, Guard::kAfter}, random);
+    yuv::Convert(yuv::BestKernel(), yuv::kBt601, sample.GetPicture());
+    EXPECT_EQ(sample.WrongPixels(yuv::kBt601), 0);
+}
+
+TEST(YuvToArgb, GivesTheKnownColoursThroughBothExportedFunctions) {
+    static const struct {
+        unsigned char y, u, v;
+        unsigned int bt601, bt709;
+    } kCases[] = {
+        {16, 128, 128, 0x00000000, 0x00000000},  {235, 128, 128, 0x00FDFDFD, 0x00FDFDFD},
+        {128, 128, 128, 0x00818181, 0x00818181}, {81, 90, 240, 0x00FD0000, 0x00FF1700},
+        {41, 240, 110, 0x000000FE, 0x00000DFF},  {255, 255, 255, 0x00FF7BFF, 0x00FFB5FF},
+        {0, 0, 0, 0x00008700, 0x00004D00},
+    };
+    for (const auto& [y, u, v, bt601, bt709] : kCases) {
+        unsigned char planes[] = {y, u, v};
+        unsigned int pixel = 0xFFFFFFFF;
+        Yuv420ToArgb8888_BT601(&planes[0], &planes[1], &planes[2], 1, 1, 1, 1, &pixel, 4);
+        EXPECT_EQ(pixel, bt601);
+        Yuv420ToArgb8888_BT709(&planes[0], &planes[1], &planes[2], 1, 1, 1, 1, &pixel, 4);
+        EXPECT_EQ(pixel, bt709);
+    }
+}
+
+TEST(YuvToArgb, RoundsAnOutputStrideDownToPixels) {
+    unsigned char y[] = {16, 235, 16, 235};
+    unsigned char chroma[] = {128};
+    for (const unsigned int stride : {8U, 9U, 11U}) {
+        unsigned int argb[4] = {1, 1, 1, 1};
+        Yuv420ToArgb8888_BT601(y, chroma, chroma, 2, 1, 2, 2, argb, stride);
+        EXPECT_EQ(argb[2], 0U) << stride;
+        EXPECT_EQ(argb[3], 0x00FDFDFDU) << stride;
+    }
+}
+
+TEST(YuvToArgb, TouchesNothingWithoutAPicture) {
+    unsigned char byte = 128;
+    unsigned int pixel = 1;
+    static const struct {
+        bool y, u, v, argb;
+        int width, height;
+    } kCases[] = {
+        {true, true, true, true, 0, 1},   {true, true, true, true, 1, 0},  {true, true, true, true, -1, 1},
+        {true, true, true, true, 1, -16}, {false, true, true, true, 1, 1}, {true, false, true, true, 1, 1},
+        {true, true, false, true, 1, 1},  {true, true, true, false, 1, 1},
+    };
+    for (const auto& at : kCases) {
+        Yuv420ToArgb8888_BT601(at.y ? &byte : nullptr, at.u ? &byte : nullptr, at.v ? &byte : nullptr, 1, 1,
+                               at.width, at.height, at.argb ? &pixel : nullptr, 4);
+        EXPECT_EQ(pixel, 1U);
+    }
+}
+
+TEST(YuvKernels, FindsNoKernelThatIsUnknown) {
+    for (const char* const name : {"", "Scalar", "sse", "scalar "}) {
+        EXPECT_EQ(yuv::FindKernel(name), nullptr) << name;
+    }
+    EXPECT_EQ(yuv::FindKernel("scalar"), &yuv::GetKernels().back());
+    EXPECT_EQ(yuv::FindKernel(yuv::BestKernel().name), &yuv::BestKernel());
+}
+
+TEST(CpuFeatures, TrustsNoExtensionWhoseRegistersTheSystemDoesNotSave) {
+    using yuv::CpuLevel;
+    constexpr unsigned int kOsxsaveAvx = 0x18000000;
+    constexpr unsigned int kAvx2 = 0x20;
+    constexpr unsigned int kAvx512 = 0x40010020;
+    static const struct {
+        yuv::CpuReport report;
+        CpuLevel level;
+    } kCases[] = {
+        {{7, kOsxsaveAvx, kAvx512, 0x2, 0xE7}, CpuLevel::kAvx512Vbmi},
+        {{7, kOsxsaveAvx, kAvx512, 0x0, 0xE7}, CpuLevel::kAvx512Bw},
+        {{7, kOsxsaveAvx, 0x00010020, 0x2, 0xE7}, CpuLevel::kAvx2},  // AVX-512F without BW
+        {{7, kOsxsaveAvx, kAvx512, 0x2, 0x07}, CpuLevel::kAvx2},     // no 512-bit state
+        {{7, kOsxsaveAvx, kAvx512, 0x2, 0x67}, CpuLevel::kAvx2},     // part of it
+        {{7, kOsxsaveAvx, kAvx2, 0x0, 0x07}, CpuLevel::kAvx2},
+        {{7, kOsxsaveAvx, kAvx2, 0x0, 0x03}, CpuLevel::kBaseline},  // no 256-bit state
+        {{7, 0x10000000, kAvx2, 0x0, 0x00}, CpuLevel::kBaseline},   // XGETBV not enabled
+        {{1, kOsxsaveAvx, kAvx2, 0x0, 0x07}, CpuLevel::kBaseline},  // no leaf 7
+    };
+    for (const auto& at : kCases) {
+        EXPECT_EQ(yuv::LevelOf(at.report), at.level) << "case " << &at - kCases;
+    }
+}
+
+}  // namespace
+}  // namespace velm

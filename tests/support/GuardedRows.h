@@ -1,0 +1,106 @@
+/// @file
+/// Memory whose surroundings cannot be touched: an access outside ends the test program.
+#pragma once
+
+#include <cstddef>
+#include <new>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+namespace velm::test {
+
+/// Address space that cannot be accessed until parts of it are opened.
+class Reservation {
+public:
+    explicit Reservation(std::size_t size) : m_size(size) {
+#if defined(_WIN32)
+        m_base = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
+#else
+        m_base = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        m_base = m_base != MAP_FAILED ? m_base : nullptr;
+#endif
+        if (m_base == nullptr) {
+            throw std::bad_alloc();
+        }
+    }
+    ~Reservation() {
+#if defined(_WIN32)
+        VirtualFree(m_base, 0, MEM_RELEASE);
+#else
+        munmap(m_base, m_size);
+#endif
+    }
+    Reservation(const Reservation&) = delete;
+    Reservation& operator=(const Reservation&) = delete;
+
+    unsigned char* Base() const {
+        return static_cast<unsigned char*>(m_base);
+    }
+
+    /// Makes the pages that hold some bytes readable and writable; what they hold stays.
+    void Open(std::size_t offset, std::size_t size) {
+        const std::size_t begin = offset / PageSize() * PageSize();
+#if defined(_WIN32)
+        const bool opened =
+            VirtualAlloc(Base() + begin, offset + size - begin, MEM_COMMIT, PAGE_READWRITE) != nullptr;
+#else
+        const bool opened = mprotect(Base() + begin, offset + size - begin, PROT_READ | PROT_WRITE) == 0;
+#endif
+        if (!opened) {
+            throw std::bad_alloc();
+        }
+    }
+
+    static std::size_t PageSize() {
+#if defined(_WIN32)
+        return 4096;
+#else
+        return static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+#endif
+    }
+
+private:
+    std::size_t m_size;
+    void* m_base;
+};
+
+/// Which end of its bytes lies against a page that cannot be touched; the rows then have no alignment.
+enum class Guard { kBefore, kAfter };
+
+/// Rows of bytes, a stride apart, in pages of their own. With a stride of at least two pages that is a
+/// multiple of a page, every row is guarded; otherwise the first row before it, or the last row after it. All
+/// bytes begin as 0.
+class GuardedRows {
+public:
+    GuardedRows(std::size_t rows, std::size_t rowBytes, std::size_t stride, Guard guard)
+        : m_stride(stride),
+          m_span(rows != 0 ? (rows - 1) * stride + rowBytes : 0),
+          m_reservation(RoundUp(m_span) + 2 * Reservation::PageSize()),
+          m_offset(Reservation::PageSize() + (guard == Guard::kAfter ? RoundUp(m_span) - m_span : 0)) {
+        for (std::size_t row = 0; row < rows && rowBytes != 0; ++row) {
+            m_reservation.Open(m_offset + row * stride, rowBytes);
+        }
+    }
+
+    unsigned char* Row(std::size_t row) const { return m_reservation.Base() + m_offset + row * m_stride; }
+    std::size_t Stride() const { return m_stride; }
+    /// From the first byte of the first row to the last byte of the last.
+    std::size_t Span() const { return m_span; }
+
+private:
+    static std::size_t RoundUp(std::size_t size) {
+        return (size + Reservation::PageSize() - 1) / Reservation::PageSize() * Reservation::PageSize();
+    }
+
+    std::size_t m_stride;
+    std::size_t m_span;
+    Reservation m_reservation;
+    std::size_t m_offset;
+};
+
+}  // namespace velm::test
