@@ -3,6 +3,8 @@
 /// Windows gives them; each call is implemented in ../src, in the file of that topic.
 #pragma once
 
+#include "guiddef.h"
 #include "winbase.h"
 #include "windef.h"
+#include "winerror.h"
 #include "winnls.h"
