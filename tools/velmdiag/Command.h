@@ -20,8 +20,10 @@ struct Failure {
 std::string NameOf(velm::ErrorCode code);
 
 // Each adds its command; `exitStatus` receives what the program ends with once the command has run.
+void AddAdapterCommand(CLI::App& app, int& exitStatus);
 void AddAudioCommand(CLI::App& app, int& exitStatus);
 void AddConfigCommand(CLI::App& app, int& exitStatus);
 void AddKeyCommand(CLI::App& app, int& exitStatus);
+void AddDeviceCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag

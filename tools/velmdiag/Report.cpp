@@ -38,11 +38,7 @@ void Report::Add(const std::string& key, picojson::value value, const std::strin
 
 void Report::Print(bool json) const {
     if (json) {
-        picojson::object object;
-        for (const Entry& entry : m_entries) {
-            object[entry.key] = entry.value;
-        }
-        std::cout << picojson::value(object).serialize(true);
+        std::cout << Json().serialize(true);
         return;
     }
     std::size_t width = 0;
@@ -54,6 +50,31 @@ void Report::Print(bool json) const {
         std::replace(label.begin(), label.end(), '_', ' ');
         std::cout << std::left << std::setw(static_cast<int>(width) + 2) << label << entry.text << '\n';
     }
+}
+
+void Report::PrintList(const std::string& key, const std::vector<Report>& reports, bool json) {
+    if (json) {
+        picojson::array list;
+        for (const Report& report : reports) {
+            list.push_back(report.Json());
+        }
+        Report whole;
+        whole.Add(key, picojson::value(list), "");
+        whole.Print(true);
+        return;
+    }
+    for (const Report& report : reports) {
+        std::cout << (&report != &reports.front() ? "\n" : "");
+        report.Print(false);
+    }
+}
+
+picojson::value Report::Json() const {
+    picojson::object object;
+    for (const Entry& entry : m_entries) {
+        object[entry.key] = entry.value;
+    }
+    return picojson::value(object);
 }
 
 }  // namespace velmdiag

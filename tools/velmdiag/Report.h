@@ -23,7 +23,12 @@ public:
 
     void Print(bool json) const;
 
+    /// Prints reports of one kind: for a program one JSON object, with all of them in the list `key`.
+    static void PrintList(const std::string& key, const std::vector<Report>& reports, bool json);
+
 private:
+    picojson::value Json() const;
+
     struct Entry {
         std::string key;
         picojson::value value;

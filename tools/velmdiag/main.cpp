@@ -29,9 +29,11 @@ int Run(std::vector<std::string> arguments) {
     app.require_subcommand(1);
     app.allow_windows_style_options(false);  // "/" begins a path, also on Windows
     int exitStatus = 0;
+    AddAdapterCommand(app, exitStatus);
     AddAudioCommand(app, exitStatus);
     AddConfigCommand(app, exitStatus);
     AddKeyCommand(app, exitStatus);
+    AddDeviceCommand(app, exitStatus);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));

@@ -39,9 +39,18 @@ using HANDLE = void*;
 using HMODULE = struct HINSTANCE__*;
 using HINSTANCE = HMODULE;
 using FARPROC = LONG_PTR (*)();
+using HMONITOR = struct HMONITOR__*;
+using HWND = struct HWND__*;
 
 union LARGE_INTEGER {
     LONGLONG QuadPart;
+};
+
+struct RECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
 };
 
 #define WINAPI

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "corecrt_wstdlib.h"
+#include "guiddef.h"
 #include "winbase.h"
 #include "windef.h"
+#include "winerror.h"
 #include "winnls.h"

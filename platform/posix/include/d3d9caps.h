@@ -1,0 +1,17 @@
+/// @file
+/// The capabilities of a Direct3D 9 device.
+#pragma once
+
+#include "d3d9types.h"
+
+#define D3DCAPS_READ_SCANLINE 0x00020000U
+
+/// The beginning of Windows' structure; nothing here reads the rest.
+struct D3DCAPS9 {
+    D3DDEVTYPE DeviceType;
+    UINT AdapterOrdinal;
+    DWORD Caps;
+    DWORD Caps2;
+    DWORD Caps3;
+    DWORD PresentationIntervals;
+};

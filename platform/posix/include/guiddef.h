@@ -1,0 +1,16 @@
+/// @file
+/// The 16-byte identifier.
+#pragma once
+
+#include "windef.h"
+
+struct GUID {
+    ULONG Data1;
+    WORD Data2;
+    WORD Data3;
+    BYTE Data4[8];
+};
+
+using IID = GUID;
+
+#define REFIID const IID&

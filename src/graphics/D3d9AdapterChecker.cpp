@@ -1,0 +1,60 @@
+#include "D3d9AdapterChecker.h"
+
+namespace velm {
+namespace {
+
+/// Whether a fact of the item's type satisfies the item.
+bool Satisfies(const D3d9AdapterFact& fact, D3d9AdapterCheckItem& item) {
+    switch (item.GetType()) {
+        case D3D9_ADAPTER_PARAM_STRING:
+            return item.CheckAsString(fact.text);
+        case D3D9_ADAPTER_PARAM_DWORD:
+            return item.CheckAsDWORD(static_cast<DWORD>(fact.number));
+        case D3D9_ADAPTER_PARAM_UINT:
+            return item.CheckAsUINT(static_cast<unsigned int>(fact.number));
+        case D3D9_ADAPTER_PARAM_INT64:
+            return item.CheckAsInt64(fact.number);
+        case D3D9_ADAPTER_PARAM_GUID:
+            return item.CheckAsGUID(fact.guid);
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+const D3d9AdapterChecker& D3d9AdapterChecker::GetInstance() {
+    static const D3d9AdapterChecker checker;
+    return checker;
+}
+
+D3d9AdapterChecker::D3d9AdapterChecker() : m_commandTable() {
+    for (const D3d9AdapterCommand& entry : kD3d9AdapterCommands) {
+        m_commandTable[entry.command] = &entry;
+    }
+}
+
+D3d9AdapterChecker::~D3d9AdapterChecker() = default;
+
+const D3d9AdapterCommand* D3d9AdapterChecker::Find(D3d9AdapterCheckCommand command) const {
+    const auto index = static_cast<unsigned int>(command);  // a negative command is out of range, too
+    return index < std::size(m_commandTable) ? m_commandTable[index] : nullptr;
+}
+
+ErrorCode D3d9AdapterChecker::Check(bool* passed, const D3d9AdapterContext& context,
+                                    const std::tr1::shared_ptr<D3d9AdapterCheckItem>& item) const {
+    if (item == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    const D3d9AdapterCommand* const entry = Find(item->GetCommand());
+    if (entry == nullptr) {
+        return VELM_ERROR_UTIL_NOT_EXIST;
+    }
+    if (!item->CheckType(entry->type)) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    *passed = Satisfies(entry->read(context), *item);
+    return 0;
+}
+
+}  // namespace velm

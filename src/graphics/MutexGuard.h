@@ -1,0 +1,24 @@
+#pragma once
+
+#include "velm/core/Mutex.h"
+
+namespace velm {
+
+/// Holds a mutex while it lives. When the lock fails the work goes on unguarded, and there is no unlock.
+class MutexGuard {
+public:
+    explicit MutexGuard(Mutex& mutex) : m_mutex(mutex), m_locked(!mutex.Lock().IsFailed()) {}
+    ~MutexGuard() {
+        if (m_locked) {
+            m_mutex.Unlock();
+        }
+    }
+    MutexGuard(const MutexGuard&) = delete;
+    MutexGuard& operator=(const MutexGuard&) = delete;
+
+private:
+    Mutex& m_mutex;
+    const bool m_locked;
+};
+
+}  // namespace velm

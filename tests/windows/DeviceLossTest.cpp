@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "velm/D3d9AdapterContext.h"
+#include "velm/D3D9ResourceManager.h"
+#include "velm/D3D9Surface.h"
+#include "velm/platform/Direct3D.h"
+
+namespace velm {
+namespace {
+
+using platform::InterfacePtr;
+
+constexpr UINT kSize = 64;
+
+ULONG References(IUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+/// A real device with a hidden window.
+class DeviceLoss : public testing::Test {
+protected:
+    void SetUp() override {
+        m_d3d = platform::CreateDirect3D9();
+        m_window = platform::CreateDrawingWindow("DeviceLossTest", kSize, kSize, false);
+        ASSERT_NE(m_d3d, nullptr);
+        ASSERT_NE(m_window, nullptr);
+        m_parameters.BackBufferWidth = kSize;
+        m_parameters.BackBufferHeight = kSize;
+        m_parameters.BackBufferFormat = D3DFMT_X8R8G8B8;
+        m_parameters.BackBufferCount = 1;
+        m_parameters.SwapEffect = D3DSWAPEFFECT_DISCARD;
+        m_parameters.hDeviceWindow = m_window.get();
+        m_parameters.Windowed = TRUE;
+        IDirect3DDevice9* device = nullptr;
+        ASSERT_EQ(m_d3d->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, m_window.get(),
+                                      D3DCREATE_SOFTWARE_VERTEXPROCESSING, &m_parameters, &device),
+                  D3D_OK);
+        m_device.reset(device);
+        m_references = References(device);
+        ASSERT_EQ(D3D9ResourceManager::Initialize(), 0U);
+    }
+
+    void TearDown() override {
+        D3D9ResourceManager::Finalize();
+        if (m_device != nullptr) {
+            EXPECT_EQ(References(m_device.get()), m_references) << "a surface still holds the device";
+            EXPECT_EQ(m_device.release()->Release(), 0U);
+        }
+        if (m_d3d != nullptr) {
+            EXPECT_EQ(m_d3d.release()->Release(), 0U);
+        }
+    }
+
+    HRESULT Reset() {
+        D3DPRESENT_PARAMETERS parameters = m_parameters;
+        return m_device->Reset(&parameters);
+    }
+
+    IDirect3DSurface9* NewTarget() {
+        IDirect3DSurface9* surface = nullptr;
+        EXPECT_EQ(m_device->CreateRenderTarget(kSize, kSize, D3DFMT_A8R8G8B8, D3DMULTISAMPLE_NONE, 0, FALSE,
+                                               &surface, nullptr),
+                  D3D_OK);
+        return surface;
+    }
+
+    IDirect3DSurface9* NewDepth() {
+        IDirect3DSurface9* surface = nullptr;
+        EXPECT_EQ(m_device->CreateDepthStencilSurface(kSize, kSize, D3DFMT_D24S8, D3DMULTISAMPLE_NONE, 0,
+                                                      TRUE, &surface, nullptr),
+                  D3D_OK);
+        return surface;
+    }
+
+    /// A square over the left half or the whole of the target, at a depth.
+    void DrawSquare(float right, float z, D3DCOLOR color) {
+        const struct {
+            float x, y, z, w;
+            D3DCOLOR color;
+        } corners[] = {{-0.5f, -0.5f, z, 1, color},
+                       {right - 0.5f, -0.5f, z, 1, color},
+                       {-0.5f, kSize - 0.5f, z, 1, color},
+                       {right - 0.5f, kSize - 0.5f, z, 1, color}};
+        EXPECT_EQ(m_device->DrawPrimitiveUP(D3DPT_TRIANGLESTRIP, 2, corners, sizeof corners[0]), D3D_OK);
+    }
+
+    /// Draws near over the left half, then far over all: the far square must stay behind the near one, which
+    /// takes both surfaces.
+    void Draw(IDirect3DSurface9* target, IDirect3DSurface9* depth, D3DCOLOR nearColor, D3DCOLOR farColor) {
+        IDirect3DSurface9* backBuffer = nullptr;
+        ASSERT_EQ(m_device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &backBuffer), D3D_OK);
+        const InterfacePtr<IDirect3DSurface9> back(backBuffer);
+        EXPECT_EQ(m_device->SetRenderTarget(0, target), D3D_OK);
+        EXPECT_EQ(m_device->SetDepthStencilSurface(depth), D3D_OK);
+        m_device->SetRenderState(D3DRS_ZENABLE, D3DZB_TRUE);
+        m_device->SetRenderState(D3DRS_LIGHTING, FALSE);
+        m_device->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
+        m_device->SetFVF(D3DFVF_XYZRHW | D3DFVF_DIFFUSE);
+        EXPECT_EQ(m_device->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, 0, 1.0f, 0), D3D_OK);
+        EXPECT_EQ(m_device->BeginScene(), D3D_OK);
+        DrawSquare(kSize / 2, 0.25f, nearColor);
+        DrawSquare(kSize, 0.75f, farColor);
+        EXPECT_EQ(m_device->EndScene(), D3D_OK);
+        EXPECT_EQ(m_device->SetRenderTarget(0, back.get()), D3D_OK);
+        EXPECT_EQ(m_device->SetDepthStencilSurface(nullptr), D3D_OK);
+    }
+
+    std::vector<D3DCOLOR> ReadBack(IDirect3DSurface9* target) {
+        std::vector<D3DCOLOR> pixels(kSize * kSize);
+        IDirect3DSurface9* surface = nullptr;
+        EXPECT_EQ(m_device->CreateOffscreenPlainSurface(kSize, kSize, D3DFMT_A8R8G8B8, D3DPOOL_SYSTEMMEM,
+                                                        &surface, nullptr),
+                  D3D_OK);
+        const InterfacePtr<IDirect3DSurface9> memory(surface);
+        EXPECT_EQ(m_device->GetRenderTargetData(target, memory.get()), D3D_OK);
+        D3DLOCKED_RECT locked{};
+        EXPECT_EQ(memory->LockRect(&locked, nullptr, D3DLOCK_READONLY), D3D_OK);
+        for (UINT y = 0; locked.pBits != nullptr && y < kSize; ++y) {
+            std::memcpy(&pixels[y * kSize],
+                        static_cast<char*>(locked.pBits) + static_cast<int>(y) * locked.Pitch,
+                        kSize * sizeof(D3DCOLOR));
+        }
+        memory->UnlockRect();
+        return pixels;
+    }
+
+    InterfacePtr<IDirect3D9> m_d3d;
+    platform::WindowPtr m_window;
+    D3DPRESENT_PARAMETERS m_parameters{};
+    InterfacePtr<IDirect3DDevice9> m_device;
+    ULONG m_references = 0;
+};
+
+TEST_F(DeviceLoss, AHundredRoundsLeaveSurfacesThatDrawAndNoReference) {
+    D3D9Surface target;
+    D3D9Surface depth;
+    target.Bind(NewTarget());
+    depth.Bind(NewDepth());
+    for (DWORD round = 0; round < 100; ++round) {
+        ASSERT_TRUE(FAILED(Reset())) << "a reset that live surfaces do not stop proves nothing";
+        D3D9ResourceManager::OnLost();
+        ASSERT_EQ(Reset(), D3D_OK);
+        EXPECT_EQ(m_device->TestCooperativeLevel(), D3D_OK);
+        EXPECT_EQ(References(m_device.get()), m_references);
+        D3D9ResourceManager::OnRecoverLost(m_device.get(), m_parameters);
+        ASSERT_NE(target.GetSurface(), nullptr);
+        ASSERT_NE(depth.GetSurface(), nullptr);
+        EXPECT_EQ(References(target.GetSurface()), 1U);
+        EXPECT_EQ(References(depth.GetSurface()), 1U);
+
+        const D3DCOLOR nearColor = 0xFF000000 | (round * 0x020307 + 1);
+        const D3DCOLOR farColor = 0x80FFFFFF - round;
+        Draw(target.GetSurface(), depth.GetSurface(), nearColor, farColor);
+        const auto pixels = ReadBack(target.GetSurface());
+        for (UINT i = 0; i < kSize * kSize; ++i) {
+            ASSERT_EQ(pixels[i], i % kSize < kSize / 2 ? nearColor : farColor)
+                << "round " << round << " pixel " << i;
+        }
+    }
+    D3D9ResourceManager::OnLost();
+}
+
+TEST_F(DeviceLoss, EveryKindOfSurfaceAndEveryCopyLetsTheResetGo) {
+    D3D9Surface target;
+    target.Bind(NewTarget());
+    const D3D9Surface copy(target);
+    IDirect3DSurface9* surface = nullptr;
+    ASSERT_EQ(m_device->CreateOffscreenPlainSurface(kSize, kSize, D3DFMT_X8R8G8B8, D3DPOOL_DEFAULT, &surface,
+                                                    nullptr),
+              D3D_OK);
+    D3D9Surface plain;
+    plain.Bind(surface);
+    ASSERT_EQ(m_device->CreateOffscreenPlainSurface(kSize, kSize, D3DFMT_X8R8G8B8, D3DPOOL_SYSTEMMEM,
+                                                    &surface, nullptr),
+              D3D_OK);
+    D3D9Surface memory;
+    memory.Bind(surface);
+    EXPECT_TRUE(FAILED(Reset()));
+    D3D9ResourceManager::OnLost();
+    EXPECT_EQ(Reset(), D3D_OK);
+    D3D9ResourceManager::OnRecoverLost(m_device.get(), m_parameters);
+    EXPECT_NE(target.GetSurface(), nullptr);
+    EXPECT_EQ(plain.GetSurface(), nullptr);
+    EXPECT_EQ(memory.GetSurface(), surface);
+}
+
+TEST_F(DeviceLoss, AnAdapterThatDoesNotExistHasNoFacts) {
+    D3d9AdapterContext none;
+    EXPECT_EQ(none.Setup(m_d3d.get(), 77), VELM_ERROR_UTIL_D3D9_FAILED);
+    D3d9AdapterContext first;
+    ASSERT_EQ(first.Setup(m_d3d.get(), 0), 0U);
+    D3DDISPLAYMODE mode{};
+    ASSERT_EQ(m_d3d->GetAdapterDisplayMode(0, &mode), D3D_OK);
+    EXPECT_EQ(first.m_displayMode.Width, mode.Width);
+    EXPECT_NE(first.m_identifier.VendorId, 0U);
+    EXPECT_NE(first.m_caps.PresentationIntervals, 0U);
+    EXPECT_EQ(none.m_identifier.VendorId, 0U);
+}
+
+}  // namespace
+}  // namespace velm
