@@ -2,8 +2,15 @@
 /// Every exported header of the library.
 #pragma once
 
+#include "velm/AbortMessage.h"
 #include "velm/AudioFrame.h"
 #include "velm/AudioFrameStream.h"
 #include "velm/AudioStream.h"
+#include "velm/AutoResetSyncEventWrapper.h"
+#include "velm/LocalMachineTime.h"
+#include "velm/MemoryInfo.h"
+#include "velm/Scheduling.h"
+#include "velm/ThreadCaller.h"
 #include "velm/UtilErrorCode.h"
+#include "velm/Watchdog.h"
 #include "velm/WaveFileReadHelper.h"

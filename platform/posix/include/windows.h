@@ -5,4 +5,6 @@
 
 #include "winbase.h"
 #include "windef.h"
+#include "wingdi.h"
 #include "winnls.h"
+#include "winuser.h"
