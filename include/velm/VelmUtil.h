@@ -14,3 +14,4 @@
 #include "velm/UtilErrorCode.h"
 #include "velm/Watchdog.h"
 #include "velm/WaveFileReadHelper.h"
+#include "velm/WindowsUtil.h"
