@@ -9,8 +9,10 @@ extern "C" {
 #define CP_ACP 0U
 #define CP_OEMCP 1U
 #define CP_UTF8 65001U
-#define MB_ERR_INVALID_CHARS 0x8U
 
+/// Both take no flags, and WideCharToMultiByte no default character: they answer as Windows does without.
+/// What a code page lacks becomes a look-alike only where that is a letter without its accent or a full-width
+/// form.
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits);
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,
                         LPCSTR defaultChar, LPBOOL usedDefault);

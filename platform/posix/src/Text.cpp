@@ -1,8 +1,10 @@
 #include <windows.h>
 
+#include <climits>
 #include <cstring>
 #include <cwchar>
 
+#include "CodePage.h"
 #include "Intercept.h"
 #include "velm/posix/Control.h"
 
@@ -11,7 +13,10 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-std::atomic<UINT> g_oemCodePage{437};
+constexpr UINT kAnsiCodePage = 1252;
+constexpr UINT kFirstOemCodePage = 437;
+
+std::atomic<UINT> g_oemCodePage{kFirstOemCodePage};
 
 /// Writes into a buffer of a given size, or only counts when the size is 0.
 template <typename Unit>
@@ -28,57 +33,61 @@ public:
 
     /// What the call returns.
     int Result() const {
-        if (m_size != 0 && m_count > m_size) {
+        if ((m_size != 0 && m_count > m_size) || m_count > INT_MAX) {
             SetLastError(ERROR_INSUFFICIENT_BUFFER);
             return 0;
         }
-        return m_count;
+        return static_cast<int>(m_count);
     }
 
 private:
     Unit* m_out;
     int m_size;
-    int m_count = 0;
+    long long m_count = 0;
 };
 
 bool IsContinuation(unsigned char byte) {
     return (byte & 0xC0U) == 0x80U;
 }
 
-/// Takes one character off the text; a malformed sequence counts as one replacement character for each
-/// maximal part of it that could have begun a character (Unicode, 3.9).
+/// Whether the first two bytes of a character of three or four leave it neither overlong nor a surrogate nor
+/// above U+10FFFF.
+bool CanBegin(char32_t bits, int more) {
+    switch (more) {
+        case 2:
+            return bits >= 0x800 >> 6 && (bits < 0xD800 >> 6 || bits > 0xDFFF >> 6);
+        case 3:
+            return bits >= 0x10000 >> 12 && bits <= 0x10FFFF >> 12;
+        default:
+            return true;
+    }
+}
+
+/// Takes one character off the text. As in Wine, a malformed sequence counts as one replacement character and
+/// reaches to the end of the text, when its lead byte announces more than there is; to the first byte that
+/// continues no character; or to the end of its second byte, when no character begins with those two.
 char32_t TakeUtf8(const unsigned char*& next, const unsigned char* end) {
     const unsigned char lead = *next++;
     if (lead < 0x80) {
         return lead;
     }
-    int more = 0;
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;
-    char32_t value = 0;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        more = 1;
-        value = lead & 0x1FU;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        more = 2;
-        value = lead & 0x0FU;
-        low = lead == 0xE0 ? 0xA0 : 0x80;
-        high = lead == 0xED ? 0x9F : 0xBF;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        more = 3;
-        value = lead & 0x07U;
-        low = lead == 0xF0 ? 0x90 : 0x80;
-        high = lead == 0xF4 ? 0x8F : 0xBF;
-    } else {
+    if (lead < 0xC2 || lead > 0xF4) {
         return kReplacement;
     }
-    for (; more != 0; --more) {
-        if (next == end || !IsContinuation(*next) || *next < low || *next > high) {
+    const int more = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    if (end - next < more) {
+        next = end;
+        return kReplacement;
+    }
+    char32_t value = lead & (0x3FU >> more);
+    for (int i = 0; i < more; ++i) {
+        if (!IsContinuation(*next)) {
             return kReplacement;
         }
         value = value << 6 | (*next++ & 0x3FU);
-        low = 0x80;
-        high = 0xBF;
+        if (i == 0 && !CanBegin(value, more)) {
+            return kReplacement;
+        }
     }
     return value;
 }
@@ -127,6 +136,25 @@ void PutUtf8(Output<char>& out, char32_t character) {
     out.Put(0x80 | (character & 0x3F));
 }
 
+void PutBytes(Output<char>& out, unsigned int bytes) {
+    if (bytes > 0xFF) {
+        out.Put(bytes >> 8);
+    }
+    out.Put(bytes & 0xFF);
+}
+
+/// The code page that a number stands for, but for UTF-8, which has no table; null when there is none.
+const CodePage* FindCodePage(UINT number) {
+    switch (number) {
+        case CP_ACP:
+            return CodePage::Find(kAnsiCodePage);
+        case CP_OEMCP:
+            return CodePage::Find(g_oemCodePage);
+        default:
+            return CodePage::Find(number);
+    }
+}
+
 }  // namespace
 
 void SetOemCodePage(UINT codePage) {
@@ -134,7 +162,7 @@ void SetOemCodePage(UINT codePage) {
 }
 
 void ResetText() {
-    g_oemCodePage = 437;
+    g_oemCodePage = kFirstOemCodePage;
 }
 
 }  // namespace velm::posix
@@ -145,12 +173,13 @@ UINT GetOEMCP() {
     return g_oemCodePage;
 }
 
-int MultiByteToWideChar(UINT codePage, DWORD, LPCSTR in, int inSize, LPWSTR out, int outUnits) {
+int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits) {
     if (MustFail("MultiByteToWideChar")) {
         return 0;
     }
-    if (in == nullptr || inSize == 0 || outUnits < 0 || (out == nullptr && outUnits != 0) ||
-        codePage != CP_UTF8) {
+    const CodePage* const page = codePage == CP_UTF8 ? nullptr : FindCodePage(codePage);
+    if (in == nullptr || inSize == 0 || outUnits < 0 || (out == nullptr && outUnits != 0) || flags != 0 ||
+        (page == nullptr && codePage != CP_UTF8)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
@@ -159,18 +188,19 @@ int MultiByteToWideChar(UINT codePage, DWORD, LPCSTR in, int inSize, LPWSTR out,
         next + (inSize < 0 ? std::strlen(in) + 1 : static_cast<std::size_t>(inSize));
     Output<wchar_t> output(out, outUnits);
     while (next != end) {
-        PutUtf16(output, TakeUtf8(next, end));
+        PutUtf16(output, page != nullptr ? page->Take(next, end) : TakeUtf8(next, end));
     }
     return output.Result();
 }
 
-int WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR in, int inUnits, LPSTR out, int outSize, LPCSTR,
-                        LPBOOL) {
+int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,
+                        LPCSTR defaultChar, LPBOOL usedDefault) {
     if (MustFail("WideCharToMultiByte")) {
         return 0;
     }
-    if (in == nullptr || inUnits == 0 || outSize < 0 || (out == nullptr && outSize != 0) ||
-        codePage != CP_UTF8) {
+    const CodePage* const page = codePage == CP_UTF8 ? nullptr : FindCodePage(codePage);
+    if (in == nullptr || inUnits == 0 || outSize < 0 || (out == nullptr && outSize != 0) || flags != 0 ||
+        defaultChar != nullptr || usedDefault != nullptr || (page == nullptr && codePage != CP_UTF8)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
@@ -178,7 +208,11 @@ int WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR in, int inUnits, LPSTR out
     const wchar_t* const end = in + (inUnits < 0 ? std::wcslen(in) + 1 : static_cast<std::size_t>(inUnits));
     Output<char> output(out, outSize);
     while (next != end) {
-        PutUtf8(output, TakeUtf16(next, end));
+        if (page != nullptr) {
+            PutBytes(output, page->BytesOf(static_cast<char16_t>(*next++)));
+        } else {
+            PutUtf8(output, TakeUtf16(next, end));
+        }
     }
     return output.Result();
 }
