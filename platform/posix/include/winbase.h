@@ -46,6 +46,15 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES*
                    DWORD flags, HANDLE templateFile);
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD readSize, OVERLAPPED* overlapped);
 
+// Settings. corecrt_wstdlib.h has _wdupenv_s.
+BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
+
+// Files of sections and keys. A relative path counts from the current folder, not from that of Windows, and
+// neither call lists the sections or the keys when it is given null for one.
+UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR path);
+DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR buffer, DWORD units,
+                               LPCWSTR path);
+
 // Threads. process.h has _beginthreadex.
 #define INFINITE 0xFFFFFFFFU
 #define WAIT_OBJECT_0 0U

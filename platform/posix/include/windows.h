@@ -3,6 +3,7 @@
 /// Windows gives them; each call is implemented in ../src, in the file of that topic.
 #pragma once
 
+#include "corecrt_wstdlib.h"
 #include "winbase.h"
 #include "windef.h"
 #include "wingdi.h"

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "velm/core/Export.h"
+
+namespace velm {
+
+/// Reads settings from the environment of the process.
+/// Threads: any number at once.
+class VELM_UTIL_API EnvConfigReader {
+public:
+    EnvConfigReader();
+    EnvConfigReader(const EnvConfigReader& other);
+    EnvConfigReader& operator=(const EnvConfigReader& other);
+    virtual ~EnvConfigReader();
+
+    /// Reads one variable.
+    /// @param name  in the OEM code page
+    /// @param value  receives the value in UTF-8, which is empty for a variable that is set but empty; keeps
+    /// what
+    ///               it holds when the variable is not set or anything fails
+    void GetIfOk(const std::string& name, std::string& value);
+};
+
+}  // namespace velm

@@ -1,0 +1,96 @@
+#include <windows.h>
+#include <strings.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "Intercept.h"
+
+using namespace velm::posix;
+
+namespace {
+
+// Guards the environment among the calls of this file.
+std::mutex g_mutex;
+
+/// The text in UTF-8; empty for null.
+std::string Utf8(LPCWSTR text) {
+    std::string utf8;
+    if (text != nullptr) {
+        const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+        utf8.resize(static_cast<std::size_t>(size));
+        WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
+        utf8.resize(std::strlen(utf8.c_str()));
+    }
+    return utf8;
+}
+
+/// The "NAME=VALUE" of a variable, or null.
+char* FindVariable(const std::string& name) {
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        if (strncasecmp(*entry, name.c_str(), name.size()) == 0 && (*entry)[name.size()] == '=') {
+            return *entry;
+        }
+    }
+    return nullptr;
+}
+
+bool IsName(const std::string& name) {
+    return !name.empty() && name.find('=') == name.npos;
+}
+
+}  // namespace
+
+BOOL SetEnvironmentVariableW(LPCWSTR wideName, LPCWSTR value) {
+    if (MustFail("SetEnvironmentVariableW")) {
+        return FALSE;
+    }
+    std::string name = Utf8(wideName);
+    if (!IsName(name)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    const std::lock_guard lock(g_mutex);
+    if (const char* const entry = FindVariable(name)) {
+        name.assign(entry, name.size());  // in its own case
+    }
+    return (value != nullptr ? setenv(name.c_str(), Utf8(value).c_str(), 1) : unsetenv(name.c_str())) == 0;
+}
+
+int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
+    if (value == nullptr || wideName == nullptr) {
+        return EINVAL;
+    }
+    *value = nullptr;
+    if (units != nullptr) {
+        *units = 0;
+    }
+    if (MustFail("_wdupenv_s")) {
+        return ENOMEM;
+    }
+    const std::string name = Utf8(wideName);
+    const std::lock_guard lock(g_mutex);
+    const char* const entry = IsName(name) ? FindVariable(name) : nullptr;
+    if (entry == nullptr) {
+        return 0;
+    }
+    const char* const text = entry + name.size() + 1;
+    const int count = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
+    auto* const copy =
+        static_cast<wchar_t*>(std::calloc(static_cast<std::size_t>(count) + 1, sizeof(wchar_t)));
+    if (copy == nullptr) {
+        return ENOMEM;
+    }
+    MultiByteToWideChar(CP_UTF8, 0, text, -1, copy, count);
+    *value = copy;
+    if (units != nullptr) {
+        *units = std::wcslen(copy) + 1;
+    }
+    return 0;
+}
