@@ -7,6 +7,8 @@
 #include "velm/AudioFrameStream.h"
 #include "velm/AudioStream.h"
 #include "velm/AutoResetSyncEventWrapper.h"
+#include "velm/FileStdio.h"
+#include "velm/LoadClassPointerFromDll.h"
 #include "velm/LocalMachineTime.h"
 #include "velm/MemoryInfo.h"
 #include "velm/Scheduling.h"

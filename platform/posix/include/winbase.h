@@ -88,7 +88,7 @@ void WakeByAddressAll(void* address);
 #define DLL_THREAD_DETACH 3U
 
 BOOL DisableThreadLibraryCalls(HMODULE module);
-/// Knows "kernel32.dll", which is this layer.
+/// Knows "kernel32.dll", which is this layer, and what is loaded.
 HMODULE GetModuleHandleW(LPCWSTR name);
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 /// Loads a shared object; a path may use "\" or "/".

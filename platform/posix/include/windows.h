@@ -4,6 +4,7 @@
 #pragma once
 
 #include "corecrt_wstdlib.h"
+#include "sec_api/stdio_s.h"
 #include "winbase.h"
 #include "windef.h"
 #include "wingdi.h"

@@ -72,11 +72,20 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
     if (MustFail("GetModuleHandleW")) {
         return nullptr;
     }
-    if (name == nullptr || std::wcscmp(name, L"kernel32.dll") != 0) {
+    if (name == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    if (std::wcscmp(name, L"kernel32.dll") == 0) {
+        return static_cast<HMODULE>(KernelModule());
+    }
+    void* const module = dlopen(NativePath(name).c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (module == nullptr) {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
-    return static_cast<HMODULE>(KernelModule());
+    dlclose(module);  // as on Windows, the handle given is not counted
+    return static_cast<HMODULE>(module);
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {

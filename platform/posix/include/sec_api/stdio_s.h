@@ -1,5 +1,5 @@
 /// @file
-/// What Windows' C runtime adds to standard C, as far as the libraries call it.
+/// What Windows' C runtime adds to <stdio.h>.
 #pragma once
 
 #include <cstdio>

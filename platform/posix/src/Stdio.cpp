@@ -1,4 +1,4 @@
-#include "velm/platform/Runtime.h"
+#include <windows.h>
 
 #include <cerrno>
 
