@@ -23,7 +23,7 @@ std::string NameOf(velm::ErrorCode code);
 void AddAdapterCommand(CLI::App& app, int& exitStatus);
 void AddAudioCommand(CLI::App& app, int& exitStatus);
 void AddConfigCommand(CLI::App& app, int& exitStatus);
-void AddKeyCommand(CLI::App& app, int& exitStatus);
 void AddDeviceCommand(CLI::App& app, int& exitStatus);
+void AddKeyCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag

@@ -32,8 +32,8 @@ int Run(std::vector<std::string> arguments) {
     AddAdapterCommand(app, exitStatus);
     AddAudioCommand(app, exitStatus);
     AddConfigCommand(app, exitStatus);
-    AddKeyCommand(app, exitStatus);
     AddDeviceCommand(app, exitStatus);
+    AddKeyCommand(app, exitStatus);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));

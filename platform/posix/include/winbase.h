@@ -19,6 +19,7 @@ extern "C" {
 #define ERROR_INVALID_NAME 123U
 #define ERROR_MOD_NOT_FOUND 126U
 #define ERROR_PROC_NOT_FOUND 127U
+#define ERROR_INVALID_WINDOW_HANDLE 1400U
 #define ERROR_NO_UNICODE_TRANSLATION 1113U
 #define ERROR_TIMEOUT 1460U
 
@@ -87,9 +88,28 @@ void WakeByAddressAll(void* address);
 #define DLL_THREAD_DETACH 3U
 
 BOOL DisableThreadLibraryCalls(HMODULE module);
-/// Knows "kernel32.dll", which is this layer.
+/// Knows "kernel32.dll", which is this layer, and what is loaded.
 HMODULE GetModuleHandleW(LPCWSTR name);
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
+/// Loads a shared object; a path may use "\" or "/".
+HMODULE LoadLibraryW(LPCWSTR path);
+BOOL FreeLibrary(HMODULE module);
+DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
+
+// Processes.
+#define PROCESS_QUERY_INFORMATION 0x400U
+#define NORMAL_PRIORITY_CLASS 0x20U
+#define HIGH_PRIORITY_CLASS 0x80U
+
+HANDLE GetCurrentProcess();
+DWORD GetCurrentProcessId();
+/// Opens the calling process only.
+HANDLE OpenProcess(DWORD access, BOOL inheritHandle, DWORD processId);
+/// Keeps the class for GetPriorityClass; Linux' own priorities stay as they are.
+BOOL SetPriorityClass(HANDLE process, DWORD priorityClass);
+DWORD GetPriorityClass(HANDLE process);
+
+void OutputDebugStringW(LPCWSTR text);
 
 // The clock.
 BOOL QueryPerformanceCounter(LARGE_INTEGER* count);

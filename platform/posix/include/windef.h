@@ -36,11 +36,20 @@ using LPBOOL = BOOL*;
 using LPDWORD = DWORD*;
 
 using HANDLE = void*;
+using HDC = struct HDC__*;
 using HMODULE = struct HINSTANCE__*;
 using HINSTANCE = HMODULE;
-using FARPROC = LONG_PTR (*)();
 using HMONITOR = struct HMONITOR__*;
 using HWND = struct HWND__*;
+using FARPROC = LONG_PTR (*)();
+using WPARAM = UINT_PTR;
+using LPARAM = LONG_PTR;
+using LRESULT = LONG_PTR;
+
+struct POINT {
+    LONG x;
+    LONG y;
+};
 
 union LARGE_INTEGER {
     LONGLONG QuadPart;

@@ -5,7 +5,10 @@
 
 #include "corecrt_wstdlib.h"
 #include "guiddef.h"
+#include "sec_api/stdio_s.h"
 #include "winbase.h"
 #include "windef.h"
 #include "winerror.h"
+#include "wingdi.h"
 #include "winnls.h"
+#include "winuser.h"

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <utility>
 
 #include "Intercept.h"
 
@@ -18,11 +19,12 @@ struct Control {
     std::mutex mutex;
     std::map<std::string, Failure, std::less<>> failures;
     std::vector<std::string> calls;
+    std::vector<ShownCall> shown;
     bool recording = false;
 };
 
 Control& TheControl() {
-    static Control control;
+    static Control& control = *new Control;  // for good: libraries call in as they are unloaded
     return control;
 }
 
@@ -74,6 +76,18 @@ std::vector<std::string> RecordedCalls() {
     return control.calls;
 }
 
+void RecordShown(ShownCall call) {
+    Control& control = TheControl();
+    const std::lock_guard lock(control.mutex);
+    control.shown.push_back(std::move(call));
+}
+
+std::vector<ShownCall> ShownCalls() {
+    Control& control = TheControl();
+    const std::lock_guard lock(control.mutex);
+    return control.shown;
+}
+
 void Reset() {
     Control& control = TheControl();
     {
@@ -81,9 +95,13 @@ void Reset() {
         g_watching = false;
         control.failures.clear();
         control.calls.clear();
+        control.shown.clear();
         control.recording = false;
     }
     ResetClock();
+    ResetDisplays();
+    ResetModules();
+    ResetProcess();
     ResetText();
 }
 

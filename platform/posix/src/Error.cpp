@@ -9,6 +9,10 @@ thread_local DWORD t_lastError = ERROR_SUCCESS;
 
 }  // namespace
 
+unsigned int velm::posix::OpenHandles() {
+    return Object::Count();
+}
+
 DWORD GetLastError() {
     return t_lastError;
 }

@@ -62,6 +62,16 @@ std::string NativePath(LPCWSTR path) {
     return native;
 }
 
+std::wstring WidePath(const std::string& path) {
+    std::wstring wide;
+    if (!path.empty()) {
+        const int size = static_cast<int>(path.size());
+        wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, path.data(), size, nullptr, 0)));
+        MultiByteToWideChar(CP_UTF8, 0, path.data(), size, wide.data(), static_cast<int>(wide.size()));
+    }
+    return wide;
+}
+
 }  // namespace velm::posix
 
 using namespace velm::posix;

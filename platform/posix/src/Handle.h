@@ -4,12 +4,22 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 namespace velm::posix {
 
 /// A kernel object. A handle is a pointer to one; CloseHandle deletes it.
 class Object {
 public:
-    virtual ~Object() = default;
+    Object() { ++s_count; }
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+    virtual ~Object() { --s_count; }
+
+    static unsigned int Count() { return s_count; }
+
+private:
+    static inline std::atomic<unsigned int> s_count{0};
 };
 
 /// The object behind a handle, or null when the handle is none or of another type.

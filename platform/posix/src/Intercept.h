@@ -4,6 +4,8 @@
 
 #include <atomic>
 
+#include "velm/posix/Control.h"
+
 namespace velm::posix {
 
 /// Whether a test makes calls fail or records them.
@@ -17,7 +19,13 @@ inline bool MustFail(const char* name) {
     return g_watching.load(std::memory_order_relaxed) && MustFailWatched(name);
 }
 
+/// Keeps what a call was handed, for ShownCalls.
+void RecordShown(ShownCall call);
+
 void ResetClock();
+void ResetDisplays();
+void ResetModules();
+void ResetProcess();
 void ResetText();
 
 }  // namespace velm::posix

@@ -1,9 +1,17 @@
 #include <windows.h>
 #include <dlfcn.h>
+#include <link.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <climits>
 #include <cwchar>
+#include <mutex>
+#include <optional>
+#include <string>
 
 #include "Intercept.h"
+#include "Path.h"
 
 using namespace velm::posix;
 
@@ -19,7 +27,42 @@ void* KernelModule() {
     return self;
 }
 
+std::mutex g_mutex;
+std::optional<std::wstring> g_executablePath;
+
+std::wstring ExecutablePath() {
+    const std::lock_guard lock(g_mutex);
+    if (g_executablePath) {
+        return *g_executablePath;
+    }
+    char path[PATH_MAX];
+    const ssize_t size = readlink("/proc/self/exe", path, sizeof path);
+    return size > 0 ? WidePath({path, static_cast<std::size_t>(size)}) : std::wstring();
+}
+
+std::wstring ModulePath(HMODULE module) {
+    link_map* map = nullptr;
+    if (dlinfo(module, RTLD_DI_LINKMAP, &map) != 0) {
+        return {};
+    }
+    return WidePath(map->l_name);
+}
+
 }  // namespace
+
+namespace velm::posix {
+
+void SetExecutablePath(const std::wstring& path) {
+    const std::lock_guard lock(g_mutex);
+    g_executablePath = path;
+}
+
+void ResetModules() {
+    const std::lock_guard lock(g_mutex);
+    g_executablePath.reset();
+}
+
+}  // namespace velm::posix
 
 BOOL DisableThreadLibraryCalls(HMODULE module) {
     return !MustFail("DisableThreadLibraryCalls") && module != nullptr;
@@ -29,11 +72,20 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
     if (MustFail("GetModuleHandleW")) {
         return nullptr;
     }
-    if (name == nullptr || std::wcscmp(name, L"kernel32.dll") != 0) {
+    if (name == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    if (std::wcscmp(name, L"kernel32.dll") == 0) {
+        return static_cast<HMODULE>(KernelModule());
+    }
+    void* const module = dlopen(NativePath(name).c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (module == nullptr) {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
-    return static_cast<HMODULE>(KernelModule());
+    dlclose(module);  // as on Windows, the handle given is not counted
+    return static_cast<HMODULE>(module);
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
@@ -45,4 +97,42 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
         SetLastError(ERROR_PROC_NOT_FOUND);
     }
     return reinterpret_cast<FARPROC>(address);
+}
+
+HMODULE LoadLibraryW(LPCWSTR path) {
+    if (MustFail("LoadLibraryW")) {
+        return nullptr;
+    }
+    if (path == nullptr || *path == 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    void* const module = dlopen(NativePath(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module == nullptr) {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+    }
+    return static_cast<HMODULE>(module);
+}
+
+BOOL FreeLibrary(HMODULE module) {
+    return !MustFail("FreeLibrary") && module != nullptr && dlclose(module) == 0;
+}
+
+DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
+    if (MustFail("GetModuleFileNameW")) {
+        return 0;
+    }
+    const std::wstring full = module == nullptr ? ExecutablePath() : ModulePath(module);
+    if (full.empty() || size == 0) {
+        SetLastError(full.empty() ? ERROR_MOD_NOT_FOUND : ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    const std::size_t units = std::min<std::size_t>(full.size(), size - 1);
+    full.copy(path, units);
+    path[units] = 0;
+    if (units == full.size()) {
+        return static_cast<DWORD>(units);
+    }
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return size;  // the path was cut, and its NUL counts
 }

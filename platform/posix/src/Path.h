@@ -10,4 +10,7 @@ namespace velm::posix {
 /// alone; otherwise every "\" in it counts as "/".
 std::string NativePath(LPCWSTR path);
 
+/// A path of this system, in UTF-8, as Windows' calls give it.
+std::wstring WidePath(const std::string& path);
+
 }  // namespace velm::posix

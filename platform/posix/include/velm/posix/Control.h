@@ -22,6 +22,38 @@ void StartRecording();
 /// The names of the calls since StartRecording, in order.
 std::vector<std::string> RecordedCalls();
 
+/// What a call that shows or writes something was handed: its texts, and its numbers without the handles,
+/// each in the order of the parameters.
+struct ShownCall {
+    std::string name;
+    std::vector<std::wstring> texts;
+    std::vector<long long> numbers;
+};
+
+/// The calls of MessageBoxW, SetWindowTextW, TextOutW, LoadImageW, OutputDebugStringW and
+/// AvSetMmThreadPriority that succeeded, in order.
+std::vector<ShownCall> ShownCalls();
+
+/// A display device, as EnumDisplayDevicesW and a device context of its name give it.
+struct Display {
+    std::wstring name;
+    DWORD stateFlags = 0;
+    int width = 0;
+    int height = 0;
+};
+
+/// Sets the display devices, none at first.
+void SetDisplays(std::vector<Display> displays);
+
+/// How many device contexts are open.
+unsigned int OpenDeviceContexts();
+
+/// How many handles are open.
+unsigned int OpenHandles();
+
+/// Sets the path of the process's executable.
+void SetExecutablePath(const std::wstring& path);
+
 /// Gives the clock a fixed reading and frequency.
 void SetPerformanceCounter(unsigned long long count, unsigned long long frequency);
 

@@ -1,0 +1,63 @@
+#include <windows.h>
+#include <avrt.h>
+
+#include <cwchar>
+#include <new>
+
+#include "Handle.h"
+#include "Intercept.h"
+
+using namespace velm::posix;
+
+namespace {
+
+class Registration : public Object {
+public:
+    const DWORD m_thread = GetCurrentThreadId();
+};
+
+/// The registration, when it is one of the calling thread.
+Registration* OwnRegistration(HANDLE handle) {
+    auto* registration = FromHandle<Registration>(handle);
+    if (registration == nullptr || registration->m_thread != GetCurrentThreadId()) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return nullptr;
+    }
+    return registration;
+}
+
+}  // namespace
+
+HANDLE AvSetMmThreadCharacteristicsW(LPCWSTR task, LPDWORD taskIndex) {
+    if (MustFail("AvSetMmThreadCharacteristicsW")) {
+        return nullptr;
+    }
+    if (task == nullptr || taskIndex == nullptr || std::wcscmp(task, L"Audio") != 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    auto* registration = new (std::nothrow) Registration;
+    if (registration == nullptr) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return nullptr;
+    }
+    *taskIndex = 1;
+    return ToHandle(registration);
+}
+
+BOOL AvSetMmThreadPriority(HANDLE registration, AVRT_PRIORITY priority) {
+    if (MustFail("AvSetMmThreadPriority") || OwnRegistration(registration) == nullptr) {
+        return FALSE;
+    }
+    RecordShown({"AvSetMmThreadPriority", {}, {priority}});
+    return TRUE;
+}
+
+BOOL AvRevertMmThreadCharacteristics(HANDLE handle) {
+    if (MustFail("AvRevertMmThreadCharacteristics")) {
+        return FALSE;
+    }
+    const Registration* const registration = OwnRegistration(handle);
+    delete registration;
+    return registration != nullptr;
+}

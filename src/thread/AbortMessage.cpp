@@ -1,0 +1,19 @@
+#include "velm/AbortMessage.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace velm {
+
+void AbortMessage(const char* format, ...) {
+    if (format == nullptr) {
+        return;
+    }
+    char message[1024];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(message, sizeof message, format, arguments);
+    va_end(arguments);
+}
+
+}  // namespace velm

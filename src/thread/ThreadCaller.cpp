@@ -1,0 +1,104 @@
+#include "velm/ThreadCaller.h"
+
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "velm/core/Thread.h"
+
+namespace velm {
+namespace {
+
+enum State : int {
+    kNoThread = 65535,
+    kStarted = 0,
+    kStartFailed = 1,
+    kInitializeFailed = 2,
+    kNoMemory = 3,
+    kJoinFailed = -1,
+};
+
+/// A thread, with those that its caller had started before and never stopped; it waits for them as it is
+/// destroyed.
+class OwnedThread : public Thread {
+public:
+    ~OwnedThread() override {
+        // One by one: the list may be longer than a recursion through destructors can go.
+        while (m_earlier != nullptr) {
+            m_earlier->Join(nullptr);
+            m_earlier = std::exchange(m_earlier->m_earlier, nullptr);
+        }
+    }
+
+    void TakeOver(Thread* earlier) { m_earlier.reset(static_cast<OwnedThread*>(earlier)); }
+
+private:
+    std::unique_ptr<OwnedThread> m_earlier;
+};
+
+int ThreadId(int idBase, int count) {
+    return static_cast<int>(static_cast<unsigned int>(idBase) * 1000U + static_cast<unsigned int>(count));
+}
+
+}  // namespace
+
+int ThreadCaller::mCount = 0;
+
+ThreadCaller::ThreadCaller() : mId(0), mState(kNoThread), mThread(nullptr) {}
+
+ThreadCaller::ThreadCaller(const ThreadCaller& other)
+    : mId(other.mId), mState(other.mState), mConfig(other.mConfig), mThread(nullptr) {}
+
+ThreadCaller& ThreadCaller::operator=(const ThreadCaller& other) {
+    if (this != &other) {
+        Stop();
+        mId = other.mId;
+        mState = other.mState;
+        mConfig = other.mConfig;
+    }
+    return *this;
+}
+
+ThreadCaller::~ThreadCaller() {
+    Stop();
+}
+
+void ThreadCaller::Start(int (*function)(void*), void* argument, const char* name, int idBase) {
+    ++mCount;
+    mId = ThreadId(idBase, mCount);
+    mConfig.SetName(name);
+
+    auto* const thread = new (std::nothrow) OwnedThread;
+    if (thread == nullptr) {
+        mState = kNoMemory;
+        return;
+    }
+    thread->TakeOver(std::exchange(mThread, thread));
+    if (mThread->Initialize(mConfig, function, argument) != 0) {
+        mState = kInitializeFailed;
+        return;
+    }
+    mState = mThread->Start(nullptr) == 0 ? kStarted : kStartFailed;
+}
+
+void ThreadCaller::Start(int (*function)(void*), void* argument, const char* name) {
+    Start(function, argument, name, 0);
+}
+
+void ThreadCaller::Start(int (*function)(void*), void* argument, int idBase) {
+    Start(function, argument, "0", idBase);
+}
+
+void ThreadCaller::Stop() {
+    if (mState == kStarted) {
+        const bool joined = mThread == nullptr || mThread->Join(nullptr) == 0;
+        mState = joined ? kNoThread : kJoinFailed;
+    }
+    delete std::exchange(mThread, nullptr);
+}
+
+int ThreadCaller::GetState() {
+    return mState;
+}
+
+}  // namespace velm

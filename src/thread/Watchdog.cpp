@@ -1,0 +1,105 @@
+#include "velm/Watchdog.h"
+
+#include <windows.h>
+
+namespace velm {
+namespace {
+
+// The identifier that the timer is asked for.
+constexpr UINT_PTR kTimer = 0;
+
+/// Ends the watchdog's timer of a window. Such a timer goes by the identifier that was asked for; what the
+/// system calls it is never 0, so it may be another's, and is tried only when the first finds no timer.
+void RemoveTimer(HWND window, unsigned long long timerId) {
+    if (!KillTimer(window, kTimer)) {
+        KillTimer(window, static_cast<UINT_PTR>(timerId));
+    }
+}
+
+}  // namespace
+
+WatchdogChecker::~WatchdogChecker() = default;
+
+bool WatchdogChecker::IsActive() {
+    return true;
+}
+
+Watchdog::Watchdog()
+    : mActive(false), mWindow(nullptr), mTimerId(100), mElapse(1000), mExitCode(16), mChecker(nullptr) {}
+
+Watchdog::Watchdog(const Watchdog& other) = default;
+
+Watchdog::~Watchdog() {
+    if (mActive) {
+        Stop();
+    }
+}
+
+Watchdog* Watchdog::GetInstance() {
+    static Watchdog instance;
+    return &instance;
+}
+
+void Watchdog::SetElapse(unsigned int milliseconds) {
+    mElapse = milliseconds;
+}
+
+void Watchdog::SetExitCode(int exitCode) {
+    mExitCode = exitCode;
+}
+
+int Watchdog::GetExitCode() {
+    return mExitCode;
+}
+
+ErrorCode Watchdog::Start(HWND__* window, WatchdogChecker* checker) {
+    if (window == nullptr || checker == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    const unsigned long long earlierTimerId = mTimerId;
+    mTimerId = SetTimer(window, kTimer, mElapse, [](HWND owner, UINT message, UINT_PTR timerId, DWORD time) {
+        TimerProc(owner, message, timerId, time);
+    });
+    if (mTimerId == 0) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    // The same window's timer has been replaced; another window's would tick on.
+    if (mWindow != nullptr && mWindow != window) {
+        RemoveTimer(mWindow, earlierTimerId);
+    }
+    mWindow = window;
+    mChecker = checker;
+    mActive = true;
+    return 0;
+}
+
+ErrorCode Watchdog::Stop() {
+    mActive = false;
+    if (mWindow != nullptr) {
+        RemoveTimer(mWindow, mTimerId);
+    }
+    mWindow = nullptr;
+    mTimerId = 0;
+    mChecker = nullptr;
+    return 0;
+}
+
+bool Watchdog::IsActive() {
+    if (!mActive) {
+        return true;
+    }
+    return mChecker != nullptr && mChecker->IsActive();
+}
+
+void Watchdog::TimerProc(HWND__*, unsigned int, unsigned long long, unsigned long) {
+    Watchdog* const watchdog = GetInstance();
+    if (!watchdog->mActive) {
+        return;
+    }
+    if (watchdog->mChecker != nullptr && watchdog->mChecker->IsActive()) {
+        return;
+    }
+    PostQuitMessage(watchdog->mExitCode);
+}
+
+}  // namespace velm
