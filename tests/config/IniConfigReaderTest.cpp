@@ -36,135 +36,118 @@ std::string Utf16(const std::u16string& text, bool bigEndian) {
     return bytes;
 }
 
-TEST(IniConfigReader, TextsFollowTheRulesOfTheSystem) {
+TEST(IniConfigReader, ValuesFollowTheRulesOfTheSystem) {
+    const struct {
+        std::string setting;
+        std::string value;
+    } rows[] = {
+        {"  a b  ", "a b"},
+        {"\ta\tb\t\v\x1A", "a\tb"},
+        {"\xA0v\xA0", "\xC2\xA0v\xC2\xA0"},
+        {"", ""},
+        {"c ;d", "c ;d"},
+        {"\" a \"  ", " a "},
+        {"' a '", " a "},
+        {"\"a", "\"a"},
+        {"\"", "\""},
+        {"\"a\"b\"", "a\"b"},
+        {"\"a\" b", "\"a\" b"},
+        {"'\"a\"'", "\"a\""},
+        {"a\0b"_s, "a"},
+        {"\"a\"\0b"_s, "a"},
+        {"\xE9\x80\x81", "\xC3\xA9\xE2\x82\xAC\xC2\x81"},
+    };
+    for (const auto& row : rows) {
+        const std::string path = WriteFile("value.ini", "[s]\n  k  =" + row.setting + "\nj=1\n");
+        EXPECT_EQ(ReadText(path, "s", "k"), row.value) << testing::PrintToString(row.setting);
+    }
+}
+
+TEST(IniConfigReader, LinesFollowTheRulesOfTheSystem) {
     const struct {
         std::string file;
         std::string value;
         std::string section = "s";
         std::string key = "k";
     } rows[] = {
-        // blanks
-        {"[s]\n  k  =  a b  \n", "a b"},
-        {"[s]\n\tk\t=\ta\tb\t\v\n", "a\tb"},
         {"  [ s\t] x\n\x1A\n\x1Ak=v", "v"},
         {"[s]\nk=v\n", "v", " s\t", "\nk "},
         {"[s]\na b=1\na  b=2\n", "2", "s", "a  b"},
-        {"[s]\nk=\xA0v\xA0\n", "\xC2\xA0v\xC2\xA0"},
-        // quotes
-        {"[s]\nk=\" a \"  \n", " a "},
-        {"[s]\nk=' a '\n", " a "},
-        {"[s]\nk=\"a\n", "\"a"},
-        {"[s]\nk=\"a'\n", "\"a'"},
-        {"[s]\nk=\"\n", "\""},
-        {"[s]\nk=\"\"\n", ""},
-        {"[s]\nk=\"a\"b\"\n", "a\"b"},
-        {"[s]\nk=\"a\" b\n", "\"a\" b"},
-        {"[s]\nk='\"a\"'\n", "\"a\""},
-        // comments
-        {"[s]\n;k=a\n ;k=b\nk=c ;d\n", "c ;d"},
+        // there are no comments, only keys that nobody asks for
+        {"[s]\n;k=a\n ;k=b\nk=c\n", "c"},
         {"[s]\n;k=a\n", "a", "s", ";k"},
         {"; [s]\nk=v\n", "DEF"},
-        // lines
+        // what ends a line
         {"[s]\r\nk=v\r\n", "v"},
         {"[s]\rk=v\rj=w", "v"},
         {"[s]\n\rk=a\rb\n", "a"},
-        {"[s]\nk=v", "v"},
-        {"[s]\nk=", ""},
-        {"[s]", "DEF"},
-        {"", "DEF"},
-        {"[s]\nk=a=b\n", "a=b"},
-        {"[s]\n=\n\nk=v\n", "v"},
-        {"[s]\nkk=1\nk=2\n", "2"},
         // the first one counts
-        {"[s]\nk=1\nk=2\n", "1"},
         {"[s]\nk\nk=v\n", "DEF"},
         {"[s]\na=1\n[s]\nk=2\n", "DEF"},
-        {"[t]\nk=1\n[ss]\nk=2\n[s]\nk=3\n", "3"},
-        // the case of letters
-        {"[S]\nK=v\n", "v"},
+        {"[t]\nk=1\n[ss]\nk=2\n[S]\nkk=3\nK=4\nk=5\n", "4"},
+        // the case of letters, in ASCII only
         {"[s]\n\xE9=v\n", "v", "s", "\x82"},
         {"[s]\n\xC9=v\n", "DEF", "s", "\x82"},
-        // section lines
+        // odd sections and keys
         {"[s] x]\nk=v\n", "DEF"},
         {"[s] x]\nk=v\n", "v", "s] x"},
         {"[[s]\nk=v\n", "v", "[s"},
-        {"[s]\n[x\n[y=1\nk=v\n", "v"},
+        {"[s]\n[x\n[y=1\n=\n\nk=v\n", "v"},
         {"[s]\n[y=1\n", "1", "s", "[y"},
         {"k=v\n[s]\n", "DEF"},
         {"k=v\n[s]\n", "v", ""},
         {"[s]\nk=v\n[]\nk=w\n", "DEF", ""},
         {"[s]\nk=v\n =x\n", "x", "s", ""},
-        // NULs
-        {"[s\0t]\nk=a\0b\n"_s, "a"},
-        {"[s]\nk=a \0b\n"_s, "a "},
-        {"[s]\nk=\"a\"\0b\n"_s, "a"},
-        {"[s]\nk\0x=1\nk=2\n"_s, "1"},
+        {"[s\0t]\nk\0x=1\nk=2\n"_s, "1"},
         {"\0[s]\nk=v\n"_s, "DEF"},
         // encodings
-        {"[s]\nk=\xE9\x80\x81\n", "\xC3\xA9\xE2\x82\xAC\xC2\x81"},
         {"\xEF\xBB\xBF[s]\nk=\xC3\xA9\xFF\n", "\xC3\xA9\xEF\xBF\xBD"},
         {"\xEF\xBB\xBF", "DEF"},
-        {Utf16(u"[s]\r\nk=\u20AC\xD83D\xDE00\r\n", false), "\xE2\x82\xAC\xF0\x9F\x98\x80"},
-        {Utf16(u"[s]\nk=a\u0A0D\u2029b\xD800", true), "a\xE0\xA8\x8D\xE2\x80\xA9"_s + "b\xEF\xBF\xBD"},
-        {Utf16(u"[s]\nk=v\n", false).substr(2), "DEF"},
         {"\xFF\xFE", "DEF"},
-        {"\xFF", "DEF"},
+        {Utf16(u"[s]\r\nk=\u20AC\xD83D\xDE00\r\n", false), "\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {Utf16(u"[s]\nk=a\u0A0D\u2029\xD800", true), "a\xE0\xA8\x8D\xE2\x80\xA9\xEF\xBF\xBD"},
+        {Utf16(u"[s]\nk=v\n", false).substr(2), "DEF"},
     };
     for (const auto& row : rows) {
-        const std::string path = WriteFile("text.ini", row.file);
+        const std::string path = WriteFile("lines.ini", row.file);
         EXPECT_EQ(ReadText(path, row.section, row.key), row.value) << testing::PrintToString(row.file);
     }
 }
 
 TEST(IniConfigReader, NumbersFollowTheRulesOfTheSystem) {
+    const std::string thirty = std::string(29, '0') + "7";  // of which 29 characters are read
     const struct {
-        const char* setting;
+        std::string setting;
         int value;
     } rows[] = {
-        {"7", 7},
         {"  +7 ", 7},
         {"-5", -5},
         {"- 5", 0},
-        {"--5", 0},
-        {"+-7", 0},
         {"0x10", 16},
         {"0xabCDefg", 0xABCDEF},
         {"-0x1F", -31},
         {"0X10", 0},
         {"0x", 0},
-        {"0x-5", 0},
         {"00x5", 0},
-        {"x10", 0},
         {"0o178", 15},
         {"-0b112", -3},
-        {"0B1", 0},
         {"010", 10},
         {"12abc", 12},
-        {"1.5", 1},
-        {"1,000", 1},
         {"abc", 0},
         {"\"  7\"", 7},
-        {"' '", 0},
-        {"7;c", 7},
-        {"\xA0"
-         "7",
-         0},
-        {"\"\x01"
-         "7\"",
-         7},
-        {"", 99},
+        {"\2407", 0},
+        {"\"\0017\"", 7},
         {"\"\"", 99},
         {"4294967295", -1},
-        {"4294967296", 0},
         {"2147483648", -2147483647 - 1},
         {"-4294967295", 1},
         {"99999999999999", 276447231},
         {"0x1FFFFFFFF", -1},
-        {"00000000000000000000000000007", 7},
-        {"000000000000000000000000000007", 0},  // of which 29 characters are read
+        {thirty, 0},
+        {thirty.substr(1), 7},
     };
     for (const auto& row : rows) {
-        const std::string path = WriteFile("int.ini", std::string("[s]\nk=") + row.setting + "\n");
+        const std::string path = WriteFile("int.ini", "[s]\nk=" + row.setting + "\n");
         EXPECT_EQ(ReadInt(path, "k", 99), row.value) << row.setting;
     }
     EXPECT_EQ(ReadInt(WriteFile("int.ini", "[s]\n"), "k", -3), -3);

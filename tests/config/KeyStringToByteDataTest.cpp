@@ -9,14 +9,6 @@
 namespace velm {
 namespace {
 
-std::string Repeat(const std::string& text, std::size_t size) {
-    std::string repeated;
-    while (repeated.size() < size) {
-        repeated += text;
-    }
-    return repeated.substr(0, size);
-}
-
 TEST(KeyStringToByteData, DigitsOfEveryKindGiveTheirHalfByte) {
     const struct {
         const char* digits;
@@ -28,7 +20,10 @@ TEST(KeyStringToByteData, DigitsOfEveryKindGiveTheirHalfByte) {
         {"gG z", 0x77, 0x0A}, {"/:@`", 0xFA, 0x00}, {"\xFF\x80\xC3\xA9", 0xF0, 0x39},
     };
     for (const auto& row : rows) {
-        const std::string text = Repeat(row.digits, 100);  // the rest is ignored
+        std::string text;
+        while (text.size() < 100) {  // of which 64 count
+            text += row.digits;
+        }
         std::array<unsigned char, 34> buffer{};
         EXPECT_EQ(KeyStringToByteData::Translate(100, text.c_str(), 34, buffer.data()), 0U);
         for (std::size_t i = 0; i < 32; i += 2) {

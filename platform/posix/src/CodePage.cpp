@@ -136,7 +136,7 @@ void CodePage::LoadPairs(Converter& decoder, unsigned char lead) {
         const unsigned char bytes[] = {lead, static_cast<unsigned char>(i)};
         char16_t unit = 0;
         if (decoder.Convert(bytes, sizeof bytes, &unit, sizeof unit) != 0) {
-            m_pairs[static_cast<std::size_t>(lead << 8 | i)] = unit;
+            m_pairs[lead * 256U + i] = unit;
         }
     }
 }
