@@ -1,4 +1,4 @@
-// SSE2, which every 64-bit processor has.
+// SSE2, which every 64-bit processor has. It multiplies no bytes, so U and V become words first.
 #include <emmintrin.h>
 
 #include "YuvBlocks.h"
@@ -6,27 +6,31 @@
 namespace velm::yuv {
 namespace {
 
+__m128i Words(int value) {
+    return _mm_set1_epi16(static_cast<short>(value));
+}
+
 class Sse2Block {
 public:
     static constexpr std::size_t kPixels = 16;
 
     struct Chroma {
-        __m128i red;
+        __m128i red;  // with kClampBias
         __m128i green;
         __m128i blue;
     };
 
     explicit Sse2Block(const Matrix& matrix)
-        : m_luma(_mm_set1_epi16(matrix.luma)),
-          m_vToRed(_mm_set1_epi16(matrix.vToRed)),
-          m_uToGreen(_mm_set1_epi16(matrix.uToGreen)),
-          m_vToGreen(_mm_set1_epi16(matrix.vToGreen)),
-          m_uToBlue(_mm_set1_epi16(matrix.uToBlue)),
-          m_redOffset(Offset(matrix, matrix.vToRed)),
-          m_greenOffset(Offset(matrix, -matrix.uToGreen - matrix.vToGreen)),
-          m_blueOffset(Offset(matrix, matrix.uToBlue)) {}
+        : m_luma(Words(matrix.luma)),
+          m_vToRed(Words(matrix.vToRed)),
+          m_uToGreen(Words(matrix.uToGreen)),
+          m_vToGreen(Words(matrix.vToGreen)),
+          m_uToBlue(Words(matrix.uToBlue)),
+          m_redOffset(Words(Offset(matrix, matrix.vToRed) - kClampBias)),
+          m_greenOffset(Words(Offset(matrix, -matrix.uToGreen - matrix.vToGreen))),
+          m_blueOffset(Words(Offset(matrix, matrix.uToBlue))) {}
 
-    // The products may wrap in 16 bits; what they are after the offset does not, so it is right.
+    // U and V are not centred here: the products of blue may wrap, and taking the offset off wraps them back.
     Chroma LoadChroma(const unsigned char* u, const unsigned char* v) const {
         const __m128i us = LoadWords(u);
         const __m128i vs = LoadWords(v);
@@ -36,24 +40,26 @@ public:
                 _mm_sub_epi16(_mm_mullo_epi16(us, m_uToBlue), m_blueOffset)};
     }
 
+    template <bool kStream>
     void StoreRow(const Chroma& chroma, const unsigned char* y, unsigned char* argb) const {
         const __m128i luma = _mm_loadu_si128(reinterpret_cast<const __m128i*>(y));
-        const __m128i even = _mm_mullo_epi16(_mm_and_si128(luma, _mm_set1_epi16(0xFF)), m_luma);
+        const __m128i even = _mm_mullo_epi16(_mm_and_si128(luma, Words(0xFF)), m_luma);
         const __m128i odd = _mm_mullo_epi16(_mm_srli_epi16(luma, 8), m_luma);
         const __m128i blue = Pack(_mm_adds_epi16(even, chroma.blue), _mm_adds_epi16(odd, chroma.blue));
         const __m128i green = Pack(_mm_sub_epi16(even, chroma.green), _mm_sub_epi16(odd, chroma.green));
-        const __m128i red = Pack(_mm_add_epi16(even, chroma.red), _mm_add_epi16(odd, chroma.red));
-        const __m128i zero = _mm_setzero_si128();
-        StoreHalf(_mm_unpacklo_epi16(_mm_unpacklo_epi8(blue, green), _mm_unpacklo_epi8(red, zero)),
-                  _mm_unpacklo_epi16(_mm_unpackhi_epi8(blue, green), _mm_unpackhi_epi8(red, zero)), argb);
-        StoreHalf(_mm_unpackhi_epi16(_mm_unpacklo_epi8(blue, green), _mm_unpacklo_epi8(red, zero)),
-                  _mm_unpackhi_epi16(_mm_unpackhi_epi8(blue, green), _mm_unpackhi_epi8(red, zero)),
-                  argb + 32);
+        const __m128i evenRed = ClampRed(_mm_adds_epu16(even, chroma.red));
+        const __m128i oddRed = ClampRed(_mm_adds_epu16(odd, chroma.red));
+        const __m128i evenBlueGreen = _mm_unpacklo_epi8(blue, green);
+        const __m128i oddBlueGreen = _mm_unpackhi_epi8(blue, green);
+        StoreHalf<kStream>(_mm_unpacklo_epi16(evenBlueGreen, evenRed),
+                           _mm_unpacklo_epi16(oddBlueGreen, oddRed), argb);
+        StoreHalf<kStream>(_mm_unpackhi_epi16(evenBlueGreen, evenRed),
+                           _mm_unpackhi_epi16(oddBlueGreen, oddRed), argb + 32);
     }
 
 private:
-    static __m128i Offset(const Matrix& matrix, int chromaFactor) {
-        return _mm_set1_epi16(static_cast<short>(matrix.luma * kLumaOffset + chromaFactor * kChromaOffset));
+    static int Offset(const Matrix& matrix, int chromaFactor) {
+        return matrix.luma * kLumaOffset + chromaFactor * kChromaOffset;
     }
 
     static __m128i LoadWords(const unsigned char* bytes) {
@@ -65,9 +71,24 @@ private:
         return _mm_packus_epi16(_mm_srai_epi16(even, kFractionBits), _mm_srai_epi16(odd, kFractionBits));
     }
 
+    // The multiplier shifts here: the other shifts and the packing already fill the units that shift.
+    static __m128i ClampRed(__m128i biased) {
+        return _mm_mulhi_epi16(_mm_subs_epu16(biased, Words(kClampBias)), Words(kShiftFactor));
+    }
+
+    template <bool kStream>
     static void StoreHalf(__m128i even, __m128i odd, unsigned char* argb) {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(argb), _mm_unpacklo_epi32(even, odd));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(argb + 16), _mm_unpackhi_epi32(even, odd));
+        Store<kStream>(_mm_unpacklo_epi32(even, odd), argb);
+        Store<kStream>(_mm_unpackhi_epi32(even, odd), argb + 16);
+    }
+
+    template <bool kStream>
+    static void Store(__m128i pixels, unsigned char* argb) {
+        if constexpr (kStream) {
+            _mm_stream_si128(reinterpret_cast<__m128i*>(argb), pixels);
+        } else {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(argb), pixels);
+        }
     }
 
     __m128i m_luma;
