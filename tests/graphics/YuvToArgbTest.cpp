@@ -143,6 +143,7 @@ TEST(YuvKernels, GiveTheFormulaForEveryTriple) {
         }
     }
     std::vector<std::uint32_t> expected(y.size());
+    std::vector<std::uint32_t> argb(y.size());
     for (const Matrix* const matrix : kMatrices) {
         for (int cr = 0; cr < 256; ++cr) {
             const std::vector<unsigned char> v(u.size(), static_cast<unsigned char>(cr));
@@ -150,7 +151,7 @@ TEST(YuvKernels, GiveTheFormulaForEveryTriple) {
                 expected[i] = PixelOf(*matrix, y[i], static_cast<int>(i / (2 * kWidth)), cr);
             }
             for (const Kernel* const kernel : RunnableKernels()) {
-                std::vector<std::uint32_t> argb(expected.size(), 0xFFFFFFFF);
+                std::ranges::fill(argb, 0xFFFFFFFF);
                 yuv::Convert(*kernel, *matrix,
                              {y.data(), u.data(), v.data(), kWidth, kWidth / 2, kWidth, kHeight, argb.data(),
                               4 * kWidth});
