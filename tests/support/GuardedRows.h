@@ -78,10 +78,7 @@ enum class Guard { kBefore, kAfter };
 class GuardedRows {
 public:
     GuardedRows(std::size_t rows, std::size_t rowBytes, std::size_t stride, Guard guard)
-        : m_stride(stride),
-          m_span(rows != 0 ? (rows - 1) * stride + rowBytes : 0),
-          m_reservation(RoundUp(m_span) + 2 * Reservation::PageSize()),
-          m_offset(Reservation::PageSize() + (guard == Guard::kAfter ? RoundUp(m_span) - m_span : 0)) {
+        : GuardedRows(rows != 0 ? (rows - 1) * stride + rowBytes : 0, stride, guard) {
         for (std::size_t row = 0; row < rows && rowBytes != 0; ++row) {
             m_reservation.Open(m_offset + row * stride, rowBytes);
         }
@@ -89,16 +86,18 @@ public:
 
     unsigned char* Row(std::size_t row) const { return m_reservation.Base() + m_offset + row * m_stride; }
     std::size_t Stride() const { return m_stride; }
-    /// From the first byte of the first row to the last byte of the last.
-    std::size_t Span() const { return m_span; }
 
 private:
+    GuardedRows(std::size_t span, std::size_t stride, Guard guard)
+        : m_stride(stride),
+          m_reservation(RoundUp(span) + 2 * Reservation::PageSize()),
+          m_offset(Reservation::PageSize() + (guard == Guard::kAfter ? RoundUp(span) - span : 0)) {}
+
     static std::size_t RoundUp(std::size_t size) {
         return (size + Reservation::PageSize() - 1) / Reservation::PageSize() * Reservation::PageSize();
     }
 
     std::size_t m_stride;
-    std::size_t m_span;
     Reservation m_reservation;
     std::size_t m_offset;
 };

@@ -3,17 +3,16 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <iomanip>
 #include <iostream>
 #include <memory>
 #include <numeric>
 #include <optional>
 #include <sstream>
-#include <system_error>
 #include <thread>
 
 #include "Command.h"
+#include "Path.h"
 #include "Report.h"
 #include "velm/AudioFrame.h"
 #include "velm/AudioFrameStream.h"
@@ -258,19 +257,8 @@ private:
     std::string m_consumerFailure;
 };
 
-void RefuseToOverwriteInput(const Options& options) {
-    const auto path = [](const std::string& utf8) {
-        return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
-    };
-    std::error_code ignored;
-    if (!options.output.empty() &&
-        std::filesystem::equivalent(path(options.input), path(options.output), ignored)) {
-        throw Failure{options.output + ": is the input itself", 2};
-    }
-}
-
 int RunAudio(const Options& options) {
-    RefuseToOverwriteInput(options);
+    RefuseToOverwriteInput(options.input, options.output);
     const WaveFormat format = ReadWaveFormat(options.input);
     Transfer transfer(options, format);
     transfer.Run(!options.json && velm::platform::OutputIsTerminal(), format.dataSize);

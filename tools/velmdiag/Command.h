@@ -25,5 +25,6 @@ void AddAudioCommand(CLI::App& app, int& exitStatus);
 void AddConfigCommand(CLI::App& app, int& exitStatus);
 void AddDeviceCommand(CLI::App& app, int& exitStatus);
 void AddKeyCommand(CLI::App& app, int& exitStatus);
+void AddPictureCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag

@@ -1,10 +1,10 @@
 #include "WaveFile.h"
 
 #include <cstring>
-#include <filesystem>
 #include <sstream>
 
 #include "Command.h"
+#include "Path.h"
 #include "velm/core/FileReader.h"
 #include "velm/UtilErrorCode.h"
 
@@ -125,8 +125,7 @@ std::string NameOfFormat(const WaveFormat& format) {
 }
 
 WaveWriter::WaveWriter(const std::string& path, const WaveFormat& format)
-    : m_file(std::filesystem::path(std::u8string(path.begin(), path.end())),
-             std::ios::binary | std::ios::trunc) {
+    : m_file(PathOf(path), std::ios::binary | std::ios::trunc) {
     const auto formatSize = static_cast<std::uint32_t>(format.chunkBody.size());
     m_file.write("RIFF\0\0\0\0WAVEfmt ", 16);
     Put32(formatSize);

@@ -34,6 +34,7 @@ int Run(std::vector<std::string> arguments) {
     AddConfigCommand(app, exitStatus);
     AddDeviceCommand(app, exitStatus);
     AddKeyCommand(app, exitStatus);
+    AddPictureCommand(app, exitStatus);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));

@@ -58,7 +58,11 @@ constexpr Index kPixelIndex[4] = {MakePixelIndex(0), MakePixelIndex(16), MakePix
 constexpr __mmask64 kColourBytes = 0x7777777777777777;
 
 __m512i Load(const Index& index) {
-    return _mm512_load_si512(&index);
+    return _mm512_loadu_si512(&index);
+}
+
+__m512i Words(int value) {
+    return _mm512_set1_epi16(static_cast<short>(value));
 }
 
 class Avx512VbmiBlock {
@@ -72,12 +76,12 @@ public:
     };
 
     explicit Avx512VbmiBlock(const Matrix& matrix)
-        : m_evenLuma(Factors(matrix.luma, 0)),
-          m_oddLuma(Factors(0, matrix.luma)),
-          m_red(Factors(0, matrix.vToRed)),
-          m_green(Factors(matrix.uToGreen, matrix.vToGreen)),
-          m_blue(Factors(matrix.uToBlue, 0)),
-          m_lumaOffset(_mm512_set1_epi16(static_cast<short>(matrix.luma * kLumaOffset))) {}
+        : m_evenLuma(Words(BytePair(matrix.luma, 0))),
+          m_oddLuma(Words(BytePair(0, matrix.luma))),
+          m_red(Words(BytePair(0, matrix.vToRed))),
+          m_green(Words(BytePair(matrix.uToGreen, matrix.vToGreen))),
+          m_blue(Words(BytePair(matrix.uToBlue, 0))),
+          m_lumaOffset(Words(matrix.luma * kLumaOffset)) {}
 
     Chroma LoadChroma(const unsigned char* u, const unsigned char* v) const {
         const __m256i us = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(u));
@@ -90,6 +94,7 @@ public:
                 _mm512_sub_epi16(_mm512_maddubs_epi16(m_blue, centred), m_lumaOffset)};
     }
 
+    template <bool kStream>
     void StoreRow(const Chroma& chroma, const unsigned char* y, unsigned char* argb) const {
         const __m512i luma = _mm512_loadu_si512(y);
         const __m512i even = _mm512_maddubs_epi16(luma, m_evenLuma);
@@ -102,20 +107,24 @@ public:
             for (int quarter = 2 * half; quarter < 2 * half + 2; ++quarter) {
                 const __m512i pixels =
                     _mm512_maskz_permutex2var_epi8(kColourBytes, blueGreen, Load(kPixelIndex[quarter]), red);
-                _mm512_storeu_si512(argb + 64 * quarter, pixels);
+                Store<kStream>(pixels, argb + 64 * quarter);
             }
         }
     }
 
 private:
-    /// The factors of the first and of the second of two neighbouring bytes.
-    static __m512i Factors(int first, int second) {
-        return _mm512_set1_epi16(static_cast<short>(second << 8 | first));
-    }
-
     static __m512i Pack(__m512i even, __m512i odd) {
         return _mm512_packus_epi16(_mm512_srai_epi16(even, kFractionBits),
                                    _mm512_srai_epi16(odd, kFractionBits));
+    }
+
+    template <bool kStream>
+    static void Store(__m512i pixels, unsigned char* argb) {
+        if constexpr (kStream) {
+            _mm512_stream_si512(reinterpret_cast<__m512i*>(argb), pixels);
+        } else {
+            _mm512_storeu_si512(argb, pixels);
+        }
     }
 
     __m512i m_evenLuma;

@@ -32,6 +32,7 @@ constexpr int kFractionBits = 6;
 /// One row of a picture, or the two that share a chroma row.
 struct Rows {
     int count;                  // 1 or 2; with 1 the second addresses are not used
+    bool stream;                // write past the caches; only when the output rows begin at multiples of 64
     std::size_t width;          // in pixels
     const unsigned char* y[2];  // width bytes each
     const unsigned char* u;     // (width + 1) / 2 bytes each

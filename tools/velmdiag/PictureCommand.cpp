@@ -1,0 +1,204 @@
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "Command.h"
+#include "Path.h"
+#include "PngFile.h"
+#include "Report.h"
+#include "velm/core/FileReader.h"
+#include "velm/YuvToArgb.h"
+#include "YuvKernels.h"
+
+namespace velmdiag {
+namespace {
+
+constexpr int kLargestSide = 16384;
+constexpr int kConversions = 21;
+
+struct Options {
+    std::string input;
+    std::string output;
+    std::string size;
+    std::string matrix = "601";
+    std::string kernel;
+    unsigned int frame = 0;
+    bool json = false;
+};
+
+/// One matrix: what the library exports for it, and what a kernel is told.
+struct Conversion {
+    const velm::yuv::Matrix* matrix;
+    decltype(&velm::Yuv420ToArgb8888_BT601) function;
+};
+
+constexpr Conversion kConversionTable[] = {
+    {&velm::yuv::kBt601, velm::Yuv420ToArgb8888_BT601},
+    {&velm::yuv::kBt709, velm::Yuv420ToArgb8888_BT709},
+};
+
+/// A frame of planar 4:2:0 as files hold it: Y, then U, then V, without gaps.
+struct Frame {
+    int width = 0;
+    int height = 0;
+    std::vector<unsigned char> bytes;
+
+    int ChromaWidth() const { return (width + 1) / 2; }
+    std::size_t LumaSize() const {
+        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    }
+    std::size_t ChromaSize() const {
+        return static_cast<std::size_t>(ChromaWidth()) * static_cast<std::size_t>((height + 1) / 2);
+    }
+    unsigned char* Y() { return bytes.data(); }
+    unsigned char* U() { return Y() + LumaSize(); }
+    unsigned char* V() { return U() + ChromaSize(); }
+};
+
+bool ParseSide(std::string_view text, int& side) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
+    return error == std::errc() && end == text.data() + text.size() && side >= 1 && side <= kLargestSide;
+}
+
+Frame MakeFrame(const std::string& size) {
+    const std::size_t cross = size.find('x');
+    Frame frame;
+    if (cross == std::string::npos || !ParseSide(std::string_view(size).substr(0, cross), frame.width) ||
+        !ParseSide(std::string_view(size).substr(cross + 1), frame.height)) {
+        throw Failure{"--size " + size + ": not a width and a height from 1 to " +
+                          std::to_string(kLargestSide) + ", such as 1280x720",
+                      2};
+    }
+    frame.bytes.resize(frame.LumaSize() + 2 * frame.ChromaSize());
+    return frame;
+}
+
+/// Reads frame after frame up to the wanted one.
+void ReadFrame(const Options& options, Frame& frame) {
+    velm::FileReader reader;
+    if (const velm::ErrorCode result = reader.Open(options.input.c_str()); result.IsFailed()) {
+        throw Failure{options.input + ": " + NameOf(result)};
+    }
+    for (unsigned int i = 0; i <= options.frame; ++i) {
+        unsigned long long size = 0;
+        const velm::ErrorCode result = reader.Read(&size, frame.bytes.data(), frame.bytes.size());
+        if (result.IsFailed()) {
+            throw Failure{options.input + ": frame " + std::to_string(i) + " has " + std::to_string(size) +
+                          " of the " + std::to_string(frame.bytes.size()) + " bytes that " + options.size +
+                          " pixels need: " + NameOf(result)};
+        }
+    }
+}
+
+const velm::yuv::Kernel& FindKernel(const std::string& name) {
+    if (name.empty()) {
+        return velm::yuv::BestKernel();
+    }
+    if (const velm::yuv::Kernel* const kernel = velm::yuv::FindKernel(name)) {
+        return *kernel;
+    }
+    std::string names;
+    for (const velm::yuv::Kernel& kernel : velm::yuv::GetKernels()) {
+        if (velm::yuv::FindKernel(kernel.name) != nullptr) {
+            names += std::string(" ") + kernel.name;
+        }
+    }
+    throw Failure{"--kernel " + name + ": not one that this processor runs:" + names, 2};
+}
+
+/// Converts with the library itself, or with a kernel of the caller's choice.
+void Convert(const Options& options, const Conversion& conversion, const velm::yuv::Kernel& kernel,
+             Frame& frame, std::vector<unsigned int>& argb) {
+    const auto yStride = static_cast<unsigned int>(frame.width);
+    const auto uvStride = static_cast<unsigned int>(frame.ChromaWidth());
+    const unsigned int argbStride = yStride * 4;
+    if (options.kernel.empty()) {
+        conversion.function(frame.Y(), frame.U(), frame.V(), yStride, uvStride, frame.width, frame.height,
+                            argb.data(), argbStride);
+    } else {
+        velm::yuv::Convert(kernel, *conversion.matrix,
+                           {frame.Y(), frame.U(), frame.V(), yStride, uvStride, frame.width, frame.height,
+                            argb.data(), argbStride});
+    }
+}
+
+/// The median time of a call, in microseconds.
+template <class Function>
+double MedianTime(Function function) {
+    std::vector<double> times(kConversions);
+    for (double& time : times) {
+        const auto start = std::chrono::steady_clock::now();
+        function();
+        time = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
+    }
+    std::ranges::nth_element(times, times.begin() + kConversions / 2);
+    return times[kConversions / 2];
+}
+
+std::vector<unsigned char> RgbOf(const std::vector<unsigned int>& argb) {
+    std::vector<unsigned char> rgb;
+    rgb.reserve(argb.size() * 3);
+    for (const unsigned int pixel : argb) {
+        for (const int shift : {16, 8, 0}) {
+            rgb.push_back(static_cast<unsigned char>(pixel >> shift));
+        }
+    }
+    return rgb;
+}
+
+int RunPicture(const Options& options) {
+    Frame frame = MakeFrame(options.size);
+    const velm::yuv::Kernel& kernel = FindKernel(options.kernel);
+    const Conversion& conversion = *std::ranges::find_if(
+        kConversionTable, [&](const Conversion& at) { return at.matrix->name == options.matrix; });
+    RefuseToOverwriteInput(options.input, options.output);
+    ReadFrame(options, frame);
+
+    std::vector<unsigned int> argb(frame.LumaSize());
+    const double time = MedianTime([&] { Convert(options, conversion, kernel, frame, argb); });
+    WritePng(options.output, frame.width, frame.height, RgbOf(argb));
+
+    Report report;
+    report.Add("file", options.input);
+    report.Add("frame", static_cast<long long>(options.frame));
+    report.Add("width", static_cast<long long>(frame.width));
+    report.Add("height", static_cast<long long>(frame.height));
+    report.Add("matrix", std::string("BT.") + conversion.matrix->name);
+    report.Add("kernel", kernel.name);
+    report.Add("time_per_frame", time, "us", 1);
+    report.Add("picture", options.output);
+    report.Print(options.json);
+    return 0;
+}
+
+}  // namespace
+
+void AddPictureCommand(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("picture", "Converts a YUV picture into a PNG file");
+    command->description(
+        "Reads a frame of planar YUV 4:2:0 in limited range (the Y, U and V planes one after another, no "
+        "header), "
+        "converts it into 32-bit pixels, prints the median time that takes and writes the picture.\n"
+        "Example: velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
+    command->add_option("IN", options->input, "the YUV file")->required();
+    command->add_option("--size", options->size, "width and height in pixels, such as 1280x720")->required();
+    command->add_option("--out", options->output, "the PNG file")->required();
+    command->add_option("--matrix", options->matrix, "the matrix of ITU-R BT.601 or BT.709")
+        ->check(CLI::IsMember({"601", "709"}))
+        ->capture_default_str();
+    command->add_option("--frame", options->frame, "number of the frame, from 0")->capture_default_str();
+    command->add_option(
+        "--kernel", options->kernel,
+        "convert with this kernel instead of the best: avx512vbmi, avx512bw, avx2, sse2, scalar");
+    command->add_flag("--json", options->json, "print one JSON object");
+    command->callback([options, &exitStatus] { exitStatus = RunPicture(*options); });
+}
+
+}  // namespace velmdiag
