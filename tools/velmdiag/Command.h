@@ -21,5 +21,8 @@ std::string NameOf(velm::ErrorCode code);
 
 // Each adds its command; `exitStatus` receives what the program ends with once the command has run.
 void AddAudioCommand(CLI::App& app, int& exitStatus);
+void AddPluginCommand(CLI::App& app, int& exitStatus);
+void AddSystemCommand(CLI::App& app, int& exitStatus);
+void AddWatchCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag
