@@ -26,5 +26,8 @@ void AddConfigCommand(CLI::App& app, int& exitStatus);
 void AddDeviceCommand(CLI::App& app, int& exitStatus);
 void AddKeyCommand(CLI::App& app, int& exitStatus);
 void AddPictureCommand(CLI::App& app, int& exitStatus);
+void AddPluginCommand(CLI::App& app, int& exitStatus);
+void AddSystemCommand(CLI::App& app, int& exitStatus);
+void AddWatchCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag

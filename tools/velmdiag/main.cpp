@@ -35,6 +35,9 @@ int Run(std::vector<std::string> arguments) {
     AddDeviceCommand(app, exitStatus);
     AddKeyCommand(app, exitStatus);
     AddPictureCommand(app, exitStatus);
+    AddPluginCommand(app, exitStatus);
+    AddSystemCommand(app, exitStatus);
+    AddWatchCommand(app, exitStatus);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));

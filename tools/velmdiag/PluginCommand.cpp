@@ -1,0 +1,80 @@
+#include <windows.h>
+
+#include <memory>
+#include <type_traits>
+
+#include "Command.h"
+#include "Report.h"
+#include "velm/LoadClassPointerFromDll.h"
+#include "velm/WindowsUtil.h"
+
+namespace velmdiag {
+namespace {
+
+struct Options {
+    std::string file;
+    bool json = false;
+};
+
+struct ModuleFreer {
+    void operator()(HMODULE module) const { FreeLibrary(module); }
+};
+using UniqueModule = std::unique_ptr<std::remove_pointer_t<HMODULE>, ModuleFreer>;
+
+/// The path under which the system knows a loaded library; empty when it has none that fits.
+std::wstring PathOf(HMODULE module) {
+    wchar_t path[MAX_PATH];
+    const DWORD units = GetModuleFileNameW(module, path, MAX_PATH);
+    return units < MAX_PATH ? std::wstring(path, units) : std::wstring();
+}
+
+int RunPlugin(const Options& options) {
+    const auto fail = [&](const std::string& step) { throw Failure{options.file + ": " + step}; };
+    velm::LoadClassPointerFromDll plugin;
+    void* object = nullptr;
+    switch (plugin.Initialize(options.file.c_str(), &object)) {
+        case 0:
+            break;
+        case 1:
+            fail("loading failed, error " + std::to_string(GetLastError()));
+            break;
+        case 2:
+            fail("obtaining the object failed: the library exports no AllocateClass");
+            break;
+        default:
+            fail("obtaining the object failed: AllocateClass gave none");
+    }
+    UniqueModule module(velm::WindowsUtil::CallLoadLibrary(options.file.c_str()));
+    if (GetProcAddress(module.get(), "ReleaseClass") == nullptr) {
+        fail("releasing the object failed: the library exports no ReleaseClass");
+    }
+    const std::wstring path = PathOf(module.get());
+    module.reset();
+    plugin.Terminate();
+    if (!path.empty() && GetModuleHandleW(path.c_str()) != nullptr) {
+        fail("unloading failed: the library is still in the process");
+    }
+    Report report;
+    report.Add("file", options.file);
+    for (const char* const step : {"loaded", "obtained", "released", "unloaded"}) {
+        report.Add(step, true);
+    }
+    report.Print(options.json);
+    return 0;
+}
+
+}  // namespace
+
+void AddPluginCommand(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("plugin", "Takes a plug-in library through its life");
+    command->description(
+        "Loads a plug-in library, obtains its object, releases it, unloads the library, and says which step "
+        "failed.\n"
+        "Example: velmdiag plugin sample_plugin.dll");
+    command->add_option("FILE", options->file, "the library")->required();
+    command->add_flag("--json", options->json, "print one JSON object");
+    command->callback([options, &exitStatus] { exitStatus = RunPlugin(*options); });
+}
+
+}  // namespace velmdiag

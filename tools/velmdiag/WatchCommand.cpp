@@ -1,0 +1,163 @@
+#include <windows.h>
+
+#include <atomic>
+#include <iomanip>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <type_traits>
+
+#include "Command.h"
+#include "velm/core/Thread.h"
+#include "velm/LocalMachineTime.h"
+#include "velm/ThreadCaller.h"
+#include "velm/Watchdog.h"
+
+namespace velmdiag {
+namespace {
+
+constexpr unsigned int kMostMilliseconds = 24 * 60 * 60 * 1000;
+
+struct Options {
+    unsigned int duration = 5000;  // this and the next two in milliseconds
+    unsigned int stallAfter = 0;   // 0 for never
+    unsigned int period = 500;
+    int exitCode = 16;
+};
+
+struct WindowDestroyer {
+    void operator()(HWND window) const { DestroyWindow(window); }
+};
+using UniqueWindow = std::unique_ptr<std::remove_pointer_t<HWND>, WindowDestroyer>;
+
+/// A thread that makes a step of progress every few milliseconds, until it is told to end or stalls.
+class Worker {
+public:
+    explicit Worker(unsigned int stallAfter)
+        : m_stallAt(stallAfter != 0 ? velm::GetLocalMachineTime() + stallAfter : ~0ULL) {
+        m_thread.Start([](void* self) { return static_cast<Worker*>(self)->Work(); }, this, "worker");
+        if (m_thread.GetState() != 0) {
+            throw Failure{"the worker thread cannot be started"};
+        }
+    }
+    ~Worker() {
+        m_end = true;
+        m_thread.Stop();
+    }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
+    unsigned long long Steps() const { return m_steps; }
+
+private:
+    int Work() {
+        while (!m_end) {
+            if (velm::GetLocalMachineTime() < m_stallAt) {
+                ++m_steps;
+            }
+            velm::Thread::Sleep(5);
+        }
+        return 0;
+    }
+
+    unsigned long long m_stallAt;
+    std::atomic<unsigned long long> m_steps{0};
+    std::atomic<bool> m_end{false};
+    velm::ThreadCaller m_thread;
+};
+
+/// Says that the worker is alive when it has made a step since the last tick, and shows each tick.
+class ProgressChecker : public velm::WatchdogChecker {
+public:
+    explicit ProgressChecker(const Worker& worker) : m_worker(worker), m_start(velm::GetLocalMachineTime()) {}
+
+    bool IsActive() override {
+        const unsigned long long steps = m_worker.Steps() - m_seen;
+        m_seen += steps;
+        const double seconds = static_cast<double>(velm::GetLocalMachineTime() - m_start) / 1000.0;
+        std::cout << "tick " << std::setw(3) << ++m_ticks << std::fixed << std::setprecision(2)
+                  << std::setw(8) << seconds << " s  " << (steps != 0 ? "alive, " : "stalled, ") << steps
+                  << " steps" << std::endl;
+        return steps != 0;
+    }
+
+private:
+    const Worker& m_worker;
+    unsigned long long m_start;
+    unsigned long long m_seen = 0;
+    unsigned int m_ticks = 0;
+};
+
+/// Runs the message loop until a quit message, whose exit code it gives, or for the duration, which gives 0.
+int RunLoop(HWND window, unsigned int milliseconds) {
+    constexpr UINT_PTR kEndTimer = 1;
+    if (SetTimer(window, kEndTimer, milliseconds, nullptr) == 0) {
+        throw Failure{"the system gives no timer"};
+    }
+    MSG message{};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (message.hwnd == window && message.message == WM_TIMER && message.wParam == kEndTimer) {
+            std::cout << "time is up, nothing stalled\n";
+            return 0;
+        }
+        DispatchMessageW(&message);
+    }
+    const int exitCode = static_cast<int>(message.wParam);
+    std::cout << "the watchdog ended the message loop with " << exitCode << '\n';
+    return exitCode;
+}
+
+int RunWatch(const Options& options) {
+    const UniqueWindow window(
+        CreateWindowExW(0, L"STATIC", L"velmdiag watch", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
+    if (window == nullptr) {
+        throw Failure{"a window cannot be made"};
+    }
+    const Worker worker(options.stallAfter);
+    ProgressChecker checker(worker);
+    velm::Watchdog* const watchdog = velm::Watchdog::GetInstance();
+    watchdog->SetElapse(options.period);
+    watchdog->SetExitCode(options.exitCode);
+    const velm::ErrorCode result = watchdog->Start(window.get(), &checker);
+    if (result.IsFailed()) {
+        throw Failure{std::string("the watchdog cannot be started: ") + NameOf(result)};
+    }
+    const int exitCode = RunLoop(window.get(), options.duration);
+    watchdog->Stop();
+    return exitCode;
+}
+
+}  // namespace
+
+void AddWatchCommand(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<Options>();
+    const CLI::AsNumberWithUnit duration(
+        std::map<std::string, unsigned int>{{"ms", 1}, {"s", 1000}, {"m", 60'000}},
+        CLI::AsNumberWithUnit::UNIT_REQUIRED, "DURATION");
+    const CLI::Range range(1U, kMostMilliseconds);
+    CLI::App* const command = app.add_subcommand("watch", "Puts a watchdog over a worker thread");
+    command->description(
+        "Opens a window, starts a worker thread and a watchdog that looks at its progress, and shows each "
+        "look. When "
+        "the worker stalls, the watchdog ends the message loop, and the program ends with the watchdog's "
+        "exit code. "
+        "A DURATION is a number with ms, s or m.\n"
+        "Example: velmdiag watch --for 6s --stall-after 2s");
+    command->add_option("--for", options->duration, "how long to watch; 5s if not given")
+        ->transform(duration)
+        ->check(range)
+        ->option_text("DURATION");
+    command->add_option("--stall-after", options->stallAfter, "when the worker stalls; never if not given")
+        ->transform(duration)
+        ->check(range)
+        ->option_text("DURATION");
+    command->add_option("--period", options->period, "time between two looks; 500ms if not given")
+        ->transform(duration)
+        ->check(range)
+        ->option_text("DURATION");
+    command->add_option("--exit-code", options->exitCode, "what the watchdog ends the message loop with")
+        ->capture_default_str();
+    command->callback([options, &exitStatus] { exitStatus = RunWatch(*options); });
+}
+
+}  // namespace velmdiag
