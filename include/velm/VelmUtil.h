@@ -6,5 +6,6 @@
 #include "velm/AudioFrameStream.h"
 #include "velm/AudioStream.h"
 #include "velm/UrlParser.h"
+#include "velm/UrlSchemeUtil.h"
 #include "velm/UtilErrorCode.h"
 #include "velm/WaveFileReadHelper.h"
