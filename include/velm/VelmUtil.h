@@ -25,6 +25,7 @@
 #include "velm/Scheduling.h"
 #include "velm/ThreadCaller.h"
 #include "velm/UrlParser.h"
+#include "velm/UrlSchemeUtil.h"
 #include "velm/UtilErrorCode.h"
 #include "velm/Watchdog.h"
 #include "velm/WaveFileReadHelper.h"
