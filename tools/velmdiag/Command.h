@@ -21,5 +21,7 @@ std::string NameOf(velm::ErrorCode code);
 
 // Each adds its command; `exitStatus` receives what the program ends with once the command has run.
 void AddAudioCommand(CLI::App& app, int& exitStatus);
+void AddLinkCommand(CLI::App& app, int& exitStatus);
+void AddUrlCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag

@@ -30,6 +30,8 @@ int Run(std::vector<std::string> arguments) {
     app.allow_windows_style_options(false);  // "/" begins a path, also on Windows
     int exitStatus = 0;
     AddAudioCommand(app, exitStatus);
+    AddLinkCommand(app, exitStatus);
+    AddUrlCommand(app, exitStatus);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
