@@ -8,7 +8,7 @@
 #include <string>
 
 #include "LoadStoreRows.h"
-#include "Ratio.h"
+#include "Turns.h"
 #include "YuvKernels.h"
 
 namespace velm::bench {

@@ -1,74 +1,77 @@
 /// @file
-/// Measures contenders against the first of them: in turns, so that what else the machine does meets them
-/// alike.
+/// Runs the benchmarks of a program in interleaved rounds and prints how their medians compare.
 #pragma once
 
-#include <time.h>
+#include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstddef>
-#include <functional>
+#include <cstdio>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace velm::bench {
 
-struct Contender {
-    std::string name;
-    std::function<void()> run;
-    std::function<void()> prepare = [] {};  // before each turn, not timed
+/// The benchmark `ours` is to be at least `wanted` times as fast as `other`.
+struct Ratio {
+    const char* ours;
+    const char* other;
+    double wanted;
 };
 
-struct Result {
-    double seconds;  // of one run, the median of the turns
-    double ratio;    // the first contender's time over this one's, the median of the rounds
+/// Prints as usual and keeps the medians of the processor time.
+class MedianReporter : public benchmark::ConsoleReporter {
+public:
+    MedianReporter() : ConsoleReporter(OO_Tabular) {}
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+                m_medians[run.run_name.function_name + (run.run_name.args.empty() ? "" : "/") +
+                          run.run_name.args] = run.GetAdjustedCPUTime();
+            }
+        }
+    }
+
+    /// 0 where the benchmark did not run.
+    double MedianOf(const std::string& name) const {
+        const auto found = m_medians.find(name);
+        return found != m_medians.end() ? found->second : 0.0;
+    }
+
+private:
+    std::map<std::string, double> m_medians;
 };
 
-inline double MedianOf(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-/// What this thread has used of the processor, in seconds: on a busy machine, other programs' turns do not
-/// count.
-inline double ThreadSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-/// The time of one turn of `repetitions` runs, in seconds per run.
-inline double TimeTurn(const Contender& contender, int repetitions) {
-    contender.prepare();
-    contender.run();  // the caches are this contender's now
-    const double start = ThreadSeconds();
-    for (int i = 0; i < repetitions; ++i) {
-        contender.run();
+/// A program's main function. Options of Google Benchmark override the rounds.
+/// @return 0; 1 when a ratio is below what is wanted; 2 for wrong usage
+inline int RunAndCompare(int argc, char** argv, const std::vector<Ratio>& ratios) {
+    std::vector<char*> arguments(argv, argv + argc);
+    char interleaved[] = "--benchmark_enable_random_interleaving=true";
+    char rounds[] = "--benchmark_repetitions=15";
+    char shortly[] = "--benchmark_min_time=0.02";
+    char medians[] = "--benchmark_report_aggregates_only=true";
+    arguments.insert(arguments.begin() + 1, {interleaved, rounds, shortly, medians});
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) {
+        return 2;
     }
-    return (ThreadSeconds() - start) / repetitions;
-}
+    MedianReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
 
-/// Every contender runs once per round, for about `turnSeconds`.
-inline std::vector<Result> Measure(const std::vector<Contender>& contenders, int rounds,
-                                   double turnSeconds = 0.002) {
-    const double once = TimeTurn(contenders.front(), 1);
-    const int repetitions = std::max(1, static_cast<int>(turnSeconds / once));
-    std::vector<std::vector<double>> times(contenders.size());
-    for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < contenders.size(); ++i) {
-            times[i].push_back(TimeTurn(contenders[i], repetitions));
+    int status = 0;
+    for (const Ratio& ratio : ratios) {
+        const double ours = reporter.MedianOf(ratio.ours);
+        const double other = reporter.MedianOf(ratio.other);
+        if (ours > 0.0 && other > 0.0) {
+            const bool reached = other / ours >= ratio.wanted;
+            status = reached ? status : 1;
+            std::printf("%-16s is %8.2f times as fast as %-16s (wanted: %6.2f)%s\n", ratio.ours, other / ours,
+                        ratio.other, ratio.wanted, reached ? "" : "  BELOW");
         }
     }
-    std::vector<Result> results;
-    for (const std::vector<double>& own : times) {
-        std::vector<double> ratios;
-        for (std::size_t round = 0; round < own.size(); ++round) {
-            ratios.push_back(times.front()[round] / own[round]);
-        }
-        results.push_back({MedianOf(own), MedianOf(ratios)});
-    }
-    return results;
+    return status;
 }
 
 }  // namespace velm::bench

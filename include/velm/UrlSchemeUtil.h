@@ -9,14 +9,13 @@ namespace velm {
 /// Reads links that are handed to the client, and decides which addresses it accepts. Links and addresses are
 /// matched, in full and as bytes, against regular expressions (ECMAScript) that are kept scrambled.
 ///
-/// Every text may come from a stranger, patterns included. Matching never uses the stack per character and is
-/// bounded in time, to well under 100 ms, whatever the texts are:
-/// - a pattern is refused above 16,384 bytes, above 65,536 instructions when its counted repetitions are
-/// written
-///   out, and when look-ahead is nested more than 16 deep;
-/// - a match is given up, as not matching, after 16.7 million steps. A pattern takes a few steps for each
-///   character of the address, so addresses of a megabyte are matched. Back-references and look-ahead work on
-///   short text; where they lead to more ways than the steps suffice for, they are refused in the same way.
+/// Every text may come from a stranger, patterns included: whatever they are, matching uses no stack per
+/// character and takes well under 100 ms. What would take more is refused, as if it did not match:
+/// - a pattern of more than 16,384 bytes, or of more than 65,536 instructions once its counted repetitions
+///   are written out, or with look-ahead nested more than 16 deep;
+/// - a match of more than 8,388,608 steps. An address of a megabyte takes one to seven steps a byte for most
+///   patterns. It can take more for a pattern that leaves many ways open, such as "(a+)+b", and for one with
+///   look-ahead or back-references, which suit short addresses.
 ///
 /// Threads: any number at once, each with output strings of its own.
 class VELM_UTIL_API UrlSchemeUtil {
@@ -33,20 +32,16 @@ public:
     /// @param url  on entry, its beginning chooses the scheme of the address: "http:" or "https". It receives
     ///        the scheme, "://" and BODY; a resume link leaves it as it is
     /// @param param1, param2  receive TITLE and TICKET
-    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for another beginning of `url` or another form of link, with
-    /// the
-    ///         outputs unchanged, and for an address that checkPavix refuses, with the outputs set
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for another beginning of `url` or another form of link, all
+    ///         outputs unchanged, and for an address that checkPavix refuses, the outputs being set
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode read(const std::string& source, std::string& url, std::string& param1,
                           std::string& param2);
 
     /// Whether a pattern of the caller's covers the whole of an address.
-    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. It ends
-    /// at
-    ///        its first NUL
-    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when it does not, or when the pattern is not valid or exceeds
-    /// a
-    ///         limit
+    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. It
+    ///        ends at its first NUL
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when it does not, and for a pattern that is not valid
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode checkDomain(const std::string& url, const std::string& pattern);
 

@@ -25,9 +25,11 @@ void AddAudioCommand(CLI::App& app, int& exitStatus);
 void AddConfigCommand(CLI::App& app, int& exitStatus);
 void AddDeviceCommand(CLI::App& app, int& exitStatus);
 void AddKeyCommand(CLI::App& app, int& exitStatus);
+void AddLinkCommand(CLI::App& app, int& exitStatus);
 void AddPictureCommand(CLI::App& app, int& exitStatus);
 void AddPluginCommand(CLI::App& app, int& exitStatus);
 void AddSystemCommand(CLI::App& app, int& exitStatus);
+void AddUrlCommand(CLI::App& app, int& exitStatus);
 void AddWatchCommand(CLI::App& app, int& exitStatus);
 
 }  // namespace velmdiag

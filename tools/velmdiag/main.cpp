@@ -34,9 +34,11 @@ int Run(std::vector<std::string> arguments) {
     AddConfigCommand(app, exitStatus);
     AddDeviceCommand(app, exitStatus);
     AddKeyCommand(app, exitStatus);
+    AddLinkCommand(app, exitStatus);
     AddPictureCommand(app, exitStatus);
     AddPluginCommand(app, exitStatus);
     AddSystemCommand(app, exitStatus);
+    AddUrlCommand(app, exitStatus);
     AddWatchCommand(app, exitStatus);
     try {
         // The parser takes the arguments from the back.

@@ -1,0 +1,51 @@
+// UrlSchemeUtil::checkDomain on any pattern and address: the first line is the address, the rest the pattern,
+// in plain form. Short ones are held against the standard library.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <regex>
+#include <string>
+
+#include "Fuzz.h"
+#include "velm/UrlSchemeUtil.h"
+
+namespace {
+
+std::string Scrambled(std::string text) {
+    for (char& c : text) {
+        c = c >= 33 && c <= 126 ? static_cast<char>(33 + (c + 14) % 94) : c;
+    }
+    return text;
+}
+
+/// Whether the standard library can be asked: it takes exponential time for quantifiers of quantifiers, and
+/// its arithmetic on long numbers overflows.
+bool IsTame(const std::string& address, const std::string& pattern) {
+    const auto quantifiers = std::count_if(pattern.begin(), pattern.end(),
+                                           [](char c) { return c == '*' || c == '+' || c == '{'; });
+    static const std::regex longNumber("[0-9][0-9]");
+    return address.size() <= 8 && pattern.size() <= 48 && quantifiers <= 3 &&
+           !std::regex_search(pattern, longNumber);
+}
+
+bool MatchesStandard(const std::string& address, const std::string& pattern) {
+    try {
+        return std::regex_match(address, std::regex(pattern));
+    } catch (const std::regex_error&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::string address = input.substr(0, input.find('\n'));
+    const std::string rest = address.size() < input.size() ? input.substr(address.size() + 1) : "";
+    const std::string pattern(rest.c_str());
+    const bool matches = velm::UrlSchemeUtil::checkDomain(address, Scrambled(rest)) == 0U;
+    if (IsTame(address, pattern)) {
+        VELM_FUZZ_DEMAND(matches == MatchesStandard(address, pattern));
+    }
+    return 0;
+}

@@ -1,0 +1,61 @@
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Command.h"
+#include "Report.h"
+#include "velm/UrlSchemeUtil.h"
+
+namespace velmdiag {
+namespace {
+
+struct Options {
+    std::string link;
+    std::string scheme = "https";
+    std::optional<std::string> address;
+    bool json = false;
+};
+
+int RunLink(const Options& options) {
+    std::string address = options.address.value_or(options.scheme + ":");
+    std::string title;
+    std::string ticket;
+    const velm::ErrorCode result = velm::UrlSchemeUtil::read(options.link, address, title, ticket);
+    const bool isRead = !title.empty();
+
+    Report report;
+    report.Add("link", options.link);
+    report.Add("accepted", !result.IsFailed());
+    if (isRead) {
+        report.Add("address", address);
+        report.Add("title", title);
+        report.Add("ticket", ticket);
+    }
+    report.Print(options.json);
+    if (result.IsFailed()) {
+        throw Failure{std::string(isRead ? "the address" : "the link") + " is refused: " + NameOf(result)};
+    }
+    return 0;
+}
+
+}  // namespace
+
+void AddLinkCommand(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("link", "Reads a link and checks where it leads");
+    command->description(
+        "Reads a link as the client does and checks the address that it leads to. The exit status is 0 when "
+        "the client would follow it and 1 when not.\n"
+        "Example: velmdiag link 'velm://connect/play.velm.example/a?title=T1&ticket=abc' --scheme https");
+    command->add_option("LINK", options->link, "the link")->required();
+    CLI::Option* const scheme =
+        command->add_option("--scheme", options->scheme, "scheme of the address that the link names")
+            ->check(CLI::IsMember({"https", "http"}))
+            ->capture_default_str();
+    command->add_option("--address", options->address, "address that a resume link returns to")
+        ->excludes(scheme);
+    command->add_flag("--json", options->json, "print one JSON object");
+    command->callback([options, &exitStatus] { exitStatus = RunLink(*options); });
+}
+
+}  // namespace velmdiag
