@@ -85,15 +85,15 @@ void MeasureSize(Size size, int rounds) {
     contenders.push_back(Libyuv("libyuv avx2", withoutAvx512, frame));
     contenders.push_back(Libyuv("libyuv ssse3", withoutAvx512 & ~libyuv::kCpuHasAVX2, frame));
     contenders.push_back(Libyuv("libyuv best", -1, frame));
-    for (const yuv::Kernel& kernel : yuv::GetKernels()) {
-        if (yuv::FindKernel(kernel.name) != nullptr) {
-            contenders.push_back({.name = kernel.name, .run = [&frame, &kernel] { frame.Convert(kernel); }});
-        }
-    }
     const yuv::Kernel loadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStoreRows};
     if (loadAndStore.needs <= yuv::GetCpuLevel()) {
         contenders.push_back(
             {.name = loadAndStore.name, .run = [&frame, &loadAndStore] { frame.Convert(loadAndStore); }});
+    }
+    for (const yuv::Kernel& kernel : yuv::GetKernels()) {
+        if (yuv::FindKernel(kernel.name) != nullptr) {
+            contenders.push_back({.name = kernel.name, .run = [&frame, &kernel] { frame.Convert(kernel); }});
+        }
     }
 
     const std::vector<Result> results = Measure(contenders, rounds);
