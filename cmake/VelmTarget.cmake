@@ -46,6 +46,16 @@ function(velm_version_resource target description)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 endfunction()
 
+# velm_unloadable(<target>): a library that leaves nothing in the process when it is unloaded.
+function(velm_unloadable target)
+    if(MINGW)
+        target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/EmergencyPool.cpp)
+    elseif(UNIX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # A library with a "unique" symbol of a template's cannot be unloaded.
+        target_compile_options(${target} PRIVATE -fno-gnu-unique)
+    endif()
+endfunction()
+
 # velm_library(<target> <description>): one of the shared libraries, with the settings that they have in common.
 function(velm_library target description)
     set_target_properties(${target} PROPERTIES
@@ -56,10 +66,8 @@ function(velm_library target description)
         SOVERSION ${PROJECT_VERSION_MAJOR})
     if(WIN32)
         set_target_properties(${target} PROPERTIES PREFIX "")
-    elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # A library with a "unique" symbol of a template's cannot be unloaded.
-        target_compile_options(${target} PRIVATE -fno-gnu-unique)
     endif()
     target_link_libraries(${target} PRIVATE velm_build_flags velm_platform)
+    velm_unloadable(${target})
     velm_version_resource(${target} "${description}")
 endfunction()

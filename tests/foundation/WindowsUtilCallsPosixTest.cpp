@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "../thread/MessageLoop.h"
+#include "MessageLoop.h"
 #include "velm/posix/Control.h"
 #include "velm/WindowsUtil.h"
 
@@ -45,7 +45,7 @@ namespace {
 
 class WindowsUtilPosixTest : public testing::Test {
 protected:
-    void SetUp() override { posix::Reset(); }
+    void SetUp() override { posix::StartRecording(); }
     void TearDown() override {
         t_freeSetsError = false;
         posix::Reset();

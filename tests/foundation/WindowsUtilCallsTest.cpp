@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "../thread/MessageLoop.h"
+#include "MessageLoop.h"
 #include "velm/FileStdio.h"
 #include "velm/WindowsUtil.h"
 

@@ -108,6 +108,7 @@ TEST_F(SchedulingPosixTest, MakesTheCallsInOrder) {
 }
 
 TEST_F(SchedulingPosixTest, AsksForCriticalAndKeepsWhatItCannotRevert) {
+    posix::StartRecording();
     SchedulingThread thread;
     ASSERT_TRUE(thread.StartThreadPriorityHigh());
     ASSERT_EQ(posix::ShownCalls().size(), 1U);

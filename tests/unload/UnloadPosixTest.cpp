@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "../thread/MessageLoop.h"
 #include "Library.h"
+#include "MessageLoop.h"
 #include "velm/posix/Control.h"
 
 namespace velm {

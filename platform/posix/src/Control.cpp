@@ -66,6 +66,7 @@ void StartRecording() {
     Control& control = TheControl();
     const std::lock_guard lock(control.mutex);
     control.calls.clear();
+    control.shown.clear();
     control.recording = true;
     g_watching = true;
 }
@@ -79,7 +80,9 @@ std::vector<std::string> RecordedCalls() {
 void RecordShown(ShownCall call) {
     Control& control = TheControl();
     const std::lock_guard lock(control.mutex);
-    control.shown.push_back(std::move(call));
+    if (control.recording) {
+        control.shown.push_back(std::move(call));
+    }
 }
 
 std::vector<ShownCall> ShownCalls() {

@@ -19,7 +19,7 @@ inline bool MustFail(const char* name) {
     return g_watching.load(std::memory_order_relaxed) && MustFailWatched(name);
 }
 
-/// Keeps what a call was handed, for ShownCalls.
+/// Keeps what a call was handed, for ShownCalls, while calls are recorded.
 void RecordShown(ShownCall call);
 
 void ResetClock();

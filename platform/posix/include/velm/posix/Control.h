@@ -31,7 +31,7 @@ struct ShownCall {
 };
 
 /// The calls of MessageBoxW, SetWindowTextW, TextOutW, LoadImageW, OutputDebugStringW and
-/// AvSetMmThreadPriority that succeeded, in order.
+/// AvSetMmThreadPriority that succeeded since StartRecording, in order.
 std::vector<ShownCall> ShownCalls();
 
 /// A display device, as EnumDisplayDevicesW and a device context of its name give it.

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace velm {
+
+/// What the test process holds of the system.
+struct ProcessResources {
+    long long handles = 0;  ///< handles, or file descriptors and the Linux layer's handles
+    long long threads = 0;
+    long long memory = 0;  ///< bytes in use on the heap; 0 where a sanitizer has replaced the heap
+};
+
+ProcessResources GetProcessResources();
+
+}  // namespace velm
