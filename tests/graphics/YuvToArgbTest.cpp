@@ -205,11 +205,15 @@ TEST(YuvKernels, ConvertPicturesOfRandomSizeAndAlignment) {
     }
 }
 
-/// Rows that begin at multiples of 64 in a picture this large are written past the caches.
+/// A picture this large is written past the caches where its rows begin at multiples of 64, and only there.
 TEST(YuvKernels, WriteLargePicturesAsExactlyAsSmallOnes) {
     std::mt19937 random(2);
-    const Sample sample(2036, 1601, {2048, 1024, 8192, Guard::kBefore}, random);
-    EXPECT_TRUE(ConvertsExactly(sample, yuv::kBt709));
+    const Sample aligned(2036, 1601, {2048, 1024, 8192, Guard::kBefore}, random);
+    EXPECT_TRUE(ConvertsExactly(aligned, yuv::kBt709));
+    const Sample oddStride(2036, 1601, {2048, 1024, 8196, Guard::kBefore}, random);
+    EXPECT_TRUE(ConvertsExactly(oddStride, yuv::kBt709));
+    const Sample oddAddress(2036, 1601, {2048, 1024, 8192, Guard::kAfter}, random);
+    EXPECT_TRUE(ConvertsExactly(oddAddress, yuv::kBt601));
 }
 
 TEST(YuvKernels, WrapNoStrideThatNeeds32Bits) {
