@@ -49,8 +49,10 @@ public:
         Guard guard;
     };
 
-    Sample(std::size_t width, std::size_t height, const Layout& layout, std::mt19937& random)
-        : m_width(width),
+    Sample(const Matrix& matrix, std::size_t width, std::size_t height, const Layout& layout,
+           std::mt19937& random)
+        : m_matrix(matrix),
+          m_width(width),
           m_height(height),
           m_y(height, width, layout.yStride, layout.guard),
           m_u((height + 1) / 2, (width + 1) / 2, layout.uvStride, layout.guard),
@@ -59,7 +61,16 @@ public:
         Fill(m_y, height, width, random);
         Fill(m_u, (height + 1) / 2, (width + 1) / 2, random);
         Fill(m_v, (height + 1) / 2, (width + 1) / 2, random);
+        m_expected.reserve(width * height);
+        for (std::size_t row = 0; row < height; ++row) {
+            for (std::size_t x = 0; x < width; ++x) {
+                m_expected.push_back(
+                    PixelOf(matrix, m_y.Row(row)[x], m_u.Row(row / 2)[x / 2], m_v.Row(row / 2)[x / 2]));
+            }
+        }
     }
+
+    const Matrix& GetMatrix() const { return m_matrix; }
 
     Picture GetPicture() const {
         return {m_y.Row(0),
@@ -79,30 +90,26 @@ public:
         }
     }
 
-    /// Pixels that are not what the formula gives, and bytes between rows close together that have not stayed
+    /// Rows that are not what the formula gives, and bytes between rows close together that have not stayed
     /// 0.
-    std::size_t WrongBytes(const Matrix& matrix) const {
-        std::size_t wrong = 0;
+    std::size_t Faults() const {
+        std::size_t faults = 0;
         for (std::size_t row = 0; row < m_height; ++row) {
-            for (std::size_t x = 0; x < m_width; ++x) {
-                std::uint32_t pixel = 0;
-                std::memcpy(&pixel, m_argb.Row(row) + 4 * x, sizeof pixel);
-                wrong += pixel !=
-                         PixelOf(matrix, m_y.Row(row)[x], m_u.Row(row / 2)[x / 2], m_v.Row(row / 2)[x / 2]);
-            }
+            faults +=
+                m_width != 0 && std::memcmp(m_argb.Row(row), &m_expected[row * m_width], 4 * m_width) != 0;
             const std::size_t gap = m_argb.Stride() - 4 * m_width;
             if (row + 1 < m_height && m_width != 0 && gap < test::Reservation::PageSize()) {
-                wrong += gap - static_cast<std::size_t>(
-                                   std::count(m_argb.Row(row) + 4 * m_width, m_argb.Row(row + 1), '\0'));
+                faults += gap - static_cast<std::size_t>(
+                                    std::count(m_argb.Row(row) + 4 * m_width, m_argb.Row(row + 1), '\0'));
             }
         }
-        return wrong;
+        return faults;
     }
 
     std::string Description() const {
-        return std::to_string(m_width) + " x " + std::to_string(m_height) + ", strides " +
-               std::to_string(m_y.Stride()) + ", " + std::to_string(m_u.Stride()) + ", " +
-               std::to_string(m_argb.Stride());
+        return std::string("BT.") + m_matrix.name + ", " + std::to_string(m_width) + " x " +
+               std::to_string(m_height) + ", strides " + std::to_string(m_y.Stride()) + ", " +
+               std::to_string(m_u.Stride()) + ", " + std::to_string(m_argb.Stride());
     }
 
 private:
@@ -112,12 +119,14 @@ private:
         }
     }
 
+    const Matrix& m_matrix;
     std::size_t m_width;
     std::size_t m_height;
     GuardedRows m_y;
     GuardedRows m_u;
     GuardedRows m_v;
     GuardedRows m_argb;
+    std::vector<std::uint32_t> m_expected;
 };
 
 std::vector<const Kernel*> RunnableKernels() {
@@ -129,6 +138,13 @@ std::vector<const Kernel*> RunnableKernels() {
     }
     return kernels;
 }
+
+// The thread sanitizer, which has nothing to find in one thread, takes every fifth V.
+#if defined(__SANITIZE_THREAD__)
+constexpr int kStep = 5;
+#else
+constexpr int kStep = 1;
+#endif
 
 /// All triples, as 256 frames of one V each: a block row for each U, in it 64 blocks of the four next Y.
 TEST(YuvKernels, GiveTheFormulaForEveryTriple) {
@@ -145,7 +161,7 @@ TEST(YuvKernels, GiveTheFormulaForEveryTriple) {
     std::vector<std::uint32_t> expected(y.size());
     std::vector<std::uint32_t> argb(y.size());
     for (const Matrix* const matrix : kMatrices) {
-        for (int cr = 0; cr < 256; ++cr) {
+        for (int cr = 0; cr < 256; cr += kStep) {
             const std::vector<unsigned char> v(u.size(), static_cast<unsigned char>(cr));
             for (std::size_t i = 0; i < expected.size(); ++i) {
                 expected[i] = PixelOf(*matrix, y[i], static_cast<int>(i / (2 * kWidth)), cr);
@@ -162,12 +178,11 @@ TEST(YuvKernels, GiveTheFormulaForEveryTriple) {
 }
 
 /// Converts a sample with every kernel; false, and a failure is reported, when one of them is wrong.
-bool ConvertsExactly(const Sample& sample, const Matrix& matrix) {
+bool ConvertsExactly(const Sample& sample) {
     for (const Kernel* const kernel : RunnableKernels()) {
         sample.ClearOutput();
-        yuv::Convert(*kernel, matrix, sample.GetPicture());
-        EXPECT_EQ(sample.WrongBytes(matrix), 0U)
-            << kernel->name << ", BT." << matrix.name << ", " << sample.Description();
+        yuv::Convert(*kernel, sample.GetMatrix(), sample.GetPicture());
+        EXPECT_EQ(sample.Faults(), 0U) << kernel->name << ", " << sample.Description();
     }
     return !testing::Test::HasFailure();
 }
@@ -179,11 +194,12 @@ TEST(YuvKernels, StayInsideThePictureForEverySmallSize) {
     for (std::size_t width = 0; width <= 67; ++width) {
         for (std::size_t height = 0; height <= 5; ++height) {
             for (const Guard guard : {Guard::kBefore, Guard::kAfter}) {
-                const Sample apart(width, height, {pages, pages, pages, guard}, random);
-                const Sample odd(width, height, {width | 1, (width / 2) | 1, 4 * width + 4, guard}, random);
                 const Matrix& matrix = *kMatrices[height % 2];
-                ASSERT_TRUE(ConvertsExactly(apart, matrix));
-                ASSERT_TRUE(ConvertsExactly(odd, matrix));
+                const Sample apart(matrix, width, height, {pages, pages, pages, guard}, random);
+                ASSERT_TRUE(ConvertsExactly(apart));
+                const Sample odd(matrix, width, height, {width | 1, (width / 2) | 1, 4 * width + 4, guard},
+                                 random);
+                ASSERT_TRUE(ConvertsExactly(odd));
             }
         }
     }
@@ -197,32 +213,36 @@ TEST(YuvKernels, ConvertPicturesOfRandomSizeAndAlignment) {
     for (int round = 0; round < 100; ++round) {
         const std::size_t width = 1 + below(700);
         const std::size_t height = 1 + below(20);
-        const Sample sample(width, height,
+        const Sample sample(*kMatrices[below(2)], width, height,
                             {width + below(70), (width + 1) / 2 + below(70), 4 * (width + below(70)),
                              below(2) != 0 ? Guard::kBefore : Guard::kAfter},
                             random);
-        ASSERT_TRUE(ConvertsExactly(sample, *kMatrices[below(2)]));
+        ASSERT_TRUE(ConvertsExactly(sample));
     }
 }
 
-/// Rows that begin at multiples of 64 in a picture this large are written past the caches.
+/// A picture this large is written past the caches where its rows begin at multiples of 64, and only there.
 TEST(YuvKernels, WriteLargePicturesAsExactlyAsSmallOnes) {
     std::mt19937 random(2);
-    const Sample sample(2036, 1601, {2048, 1024, 8192, Guard::kBefore}, random);
-    EXPECT_TRUE(ConvertsExactly(sample, yuv::kBt709));
+    const Sample aligned(yuv::kBt709, 2036, 1601, {2048, 1024, 8192, Guard::kBefore}, random);
+    EXPECT_TRUE(ConvertsExactly(aligned));
+    const Sample oddStride(yuv::kBt709, 2036, 1601, {2048, 1024, 8196, Guard::kBefore}, random);
+    EXPECT_TRUE(ConvertsExactly(oddStride));
+    const Sample oddAddress(yuv::kBt601, 2036, 1601, {2048, 1024, 8192, Guard::kAfter}, random);
+    EXPECT_TRUE(ConvertsExactly(oddAddress));
 }
 
 TEST(YuvKernels, WrapNoStrideThatNeeds32Bits) {
     constexpr std::size_t kLarge = (std::size_t{1} << 31) + 4096 + 4;
     std::mt19937 random(3);
-    const Sample sample(35, 3, {kLarge, kLarge, kLarge, Guard::kAfter}, random);
-    EXPECT_TRUE(ConvertsExactly(sample, yuv::kBt601));
+    const Sample sample(yuv::kBt601, 35, 3, {kLarge, kLarge, kLarge, Guard::kAfter}, random);
+    EXPECT_TRUE(ConvertsExactly(sample));
 }
 
 TEST(YuvKernels, WriteToAddressesThatAreNotAMultipleOfFour) {
     constexpr int kWidth = 150;
     std::mt19937 random(4);
-    const Sample sample(kWidth, 2, {kWidth, kWidth / 2, 4 * kWidth, Guard::kAfter}, random);
+    const Sample sample(yuv::kBt709, kWidth, 2, {kWidth, kWidth / 2, 4 * kWidth, Guard::kAfter}, random);
     Picture picture = sample.GetPicture();
     std::vector<unsigned char> argb(4 * kWidth * 2 + 3);
     for (const Kernel* const kernel : RunnableKernels()) {
@@ -230,7 +250,7 @@ TEST(YuvKernels, WriteToAddressesThatAreNotAMultipleOfFour) {
             picture.argb = argb.data() + offset;
             yuv::Convert(*kernel, yuv::kBt709, picture);
             std::memcpy(sample.GetPicture().argb, picture.argb, argb.size() - 3);
-            EXPECT_EQ(sample.WrongBytes(yuv::kBt709), 0U) << kernel->name << ", offset " << offset;
+            EXPECT_EQ(sample.Faults(), 0U) << kernel->name << ", offset " << offset;
         }
     }
 }
