@@ -1,7 +1,7 @@
 # Thin, over the presets of CMakePresets.json.
-.PHONY: demo demo-linux test setup clean
+.PHONY: demo demo-linux test fuzz setup clean
 
-demo: setup ## build for Windows and run the main job under Wine
+demo: setup ## build for Windows and run a job of every family under Wine
 	@scripts/demo windows
 
 demo-linux: setup ## the same, natively
@@ -9,6 +9,9 @@ demo-linux: setup ## the same, natively
 
 test: setup ## the tests of every preset, under the sanitizers and under Wine
 	@scripts/test
+
+fuzz: setup ## each fuzz target for SECONDS, 10 unless given
+	@scripts/fuzz $(or $(SECONDS),10)
 
 setup:
 	@scripts/setup
