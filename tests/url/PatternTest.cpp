@@ -48,7 +48,8 @@ std::string RandomPattern(std::mt19937& random) {
         "[--b]", "[\\d-]", "[\\b]",   "[\\B]", "[[]",       "[a-\\d]",     "[\xC3-b]", "[b-\xC3]", "[a-b-c]"};
     static const char* const quantifiers[] = {"*",   "*",     "+",    "?",     "*?",  "+?",   "??",
                                               "{2}", "{1,2}", "{0,}", "{1,}?", "{0}", "{2,1}"};
-    // The standard library takes exponential time for quantifiers of quantifiers: three are enough.
+    // The standard library takes exponential time for quantifiers of quantifiers: three are enough, and texts
+    // of up to five characters.
     std::string pattern;
     int left = 3;
     for (std::size_t count = 1 + random() % 9; count > 0; --count) {
@@ -68,7 +69,7 @@ TEST(Pattern, AcceptsWhatTheStandardLibraryAccepts) {
     int matches = 0;
     for (int i = 0; i < kRounds; ++i) {
         const std::string pattern = RandomPattern(random);
-        std::string text(random() % 7, ' ');
+        std::string text(random() % 6, ' ');
         std::generate(text.begin(), text.end(), [&] { return alphabet[random() % alphabet.size()]; });
         const bool expected = MatchesStandard(text, pattern);
         matches += expected ? 1 : 0;
