@@ -14,10 +14,9 @@ namespace velm {
 /// - a pattern of more than 16,384 bytes, or of more than 65,536 instructions once its counted repetitions
 ///   are written out, or that nests look-ahead more than 16 deep, or whose parts repeat each other so often
 ///   that compiling it would take millions of moves;
-/// - a match of more than 8,388,608 steps, or with more than 524,288 ways left open. Most patterns take one
-/// to
-///   seven steps for a byte of the address and leave nothing open, so an address of a megabyte is matched.
-///   Patterns that leave a way open at every byte, such as "(a+)+b", and those with look-ahead or
+/// - a match of more than 8,388,608 steps, or with more than 524,288 ways left open. Most patterns take
+///   one to seven steps for a byte of the address and leave nothing open, so an address of a megabyte is
+///   matched. Patterns that leave a way open at every byte, such as "(a+)+b", and those with look-ahead or
 ///   back-references suit shorter ones.
 ///
 /// Threads: any number at once, each with output strings of its own.
