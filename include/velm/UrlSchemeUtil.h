@@ -12,10 +12,12 @@ namespace velm {
 /// Every text may come from a stranger, patterns included: whatever they are, matching uses no stack per
 /// character and takes well under 100 ms. What would take more is refused, as if it did not match:
 /// - a pattern of more than 16,384 bytes, or of more than 65,536 instructions once its counted repetitions
-///   are written out, or with look-ahead nested more than 16 deep;
-/// - a match of more than 8,388,608 steps. An address of a megabyte takes one to seven steps a byte for most
-///   patterns. It can take more for a pattern that leaves many ways open, such as "(a+)+b", and for one with
-///   look-ahead or back-references, which suit short addresses.
+///   are written out, or that nests look-ahead more than 16 deep, or whose parts repeat each other so often
+///   that compiling it would take millions of moves;
+/// - a match of more than 8,388,608 steps, or with more than 524,288 ways left open. Most patterns take
+///   one to seven steps for a byte of the address and leave nothing open, so an address of a megabyte is
+///   matched. Patterns that leave a way open at every byte, such as "(a+)+b", and those with look-ahead or
+///   back-references suit shorter ones.
 ///
 /// Threads: any number at once, each with output strings of its own.
 class VELM_UTIL_API UrlSchemeUtil {

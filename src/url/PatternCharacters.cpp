@@ -6,8 +6,8 @@
 namespace velm {
 namespace {
 
-constexpr std::size_t kClassWork = 256;                  // a question for every character
-constexpr std::size_t kEquivalenceClassWork = 1U << 16;  // the same; each makes strings and collates them
+constexpr std::size_t kClassWork = 256;              // a question for every character
+constexpr std::size_t kEquivalenceClassWork = 2048;  // comparing a string for every character
 
 constexpr std::pair<char, char> kControlEscapes[] = {
     {'0', '\0'}, {'f', '\f'}, {'n', '\n'}, {'r', '\r'}, {'t', '\t'}, {'v', '\v'},
@@ -121,11 +121,16 @@ std::optional<PatternCharacters::Set> PatternCharacters::FindEquivalenceClass(st
     if (element.empty()) {
         return std::nullopt;
     }
-    const std::string key = m_traits.transform_primary(element.begin(), element.end());
     Set set;
+    if (m_collationKeys.empty()) {  // made once: the locale takes its time
+        for (std::size_t i = 0; i < set.size(); ++i) {
+            const char c = static_cast<char>(i);
+            m_collationKeys.push_back(m_traits.transform_primary(&c, &c + 1));
+        }
+    }
+    const std::string key = m_traits.transform_primary(element.begin(), element.end());
     for (std::size_t i = 0; i < set.size(); ++i) {
-        const char c = static_cast<char>(i);
-        set[i] = m_traits.transform_primary(&c, &c + 1) == key;
+        set[i] = m_collationKeys[i] == key;
     }
     return set;
 }

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <optional>
 #include <regex>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace velm {
 
@@ -45,6 +47,7 @@ private:
 
     std::string_view& m_rest;
     std::regex_traits<char> m_traits;
+    std::vector<std::string> m_collationKeys;  // of every character
     std::size_t m_work = 0;
 };
 

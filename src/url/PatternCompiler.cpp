@@ -230,8 +230,7 @@ bool PatternCompiler::CompileQuantifier(char c) {
     return true;
 }
 
-/// Writes "{least,most}" out: the atom `least` times, then once more in a loop or `most - least` times at
-/// will.
+/// "{least}", "{least,}" or "{least,most}", from behind its "{".
 bool PatternCompiler::CompileInterval() {
     std::size_t least = 0;
     if (!ReadCount(least)) {

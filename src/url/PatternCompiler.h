@@ -38,14 +38,13 @@ private:
     bool BeginGroup();
     bool EndGroup();
     bool EndAlternative();
+    bool CompileBracket();
     bool CompileEscape();
     bool CompileBackReference(char firstDigit);
     bool CompileQuantifier(char c);
     bool CompileInterval();
     bool ReadCount(std::size_t& count);
     bool RepeatAtom(std::size_t least, std::size_t most, Operation operation);
-
-    bool CompileBracket();
 
     bool AtEnd() const { return m_rest.empty(); }
     bool Accept(char c);

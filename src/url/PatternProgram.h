@@ -19,7 +19,7 @@ struct PatternLimits {
     static constexpr std::size_t kCompileWork = 1U << 22;  ///< instructions moved or copied by the compiler
     static constexpr unsigned int kLookAheadDepth = 16;    ///< look-ahead within look-ahead
     static constexpr std::size_t kSteps = 1U << 23;        ///< of one match: instructions run and ways saved
-    static constexpr std::size_t kSaved = 1U << 20;        ///< ways to go back to, at any time of a match
+    static constexpr std::size_t kSaved = 1U << 19;        ///< ways to go back to, at any time of a match
     static constexpr std::size_t kVisits = 1U << 26;       ///< branches * characters of one match
 };
 

@@ -48,7 +48,8 @@ std::string RandomPattern(std::mt19937& random) {
         "[--b]", "[\\d-]", "[\\b]",   "[\\B]", "[[]",       "[a-\\d]",     "[\xC3-b]", "[b-\xC3]", "[a-b-c]"};
     static const char* const quantifiers[] = {"*",   "*",     "+",    "?",     "*?",  "+?",   "??",
                                               "{2}", "{1,2}", "{0,}", "{1,}?", "{0}", "{2,1}"};
-    // The standard library takes exponential time for quantifiers of quantifiers: three are enough.
+    // The standard library takes exponential time for quantifiers of quantifiers: three are enough, and texts
+    // of up to five characters.
     std::string pattern;
     int left = 3;
     for (std::size_t count = 1 + random() % 9; count > 0; --count) {
@@ -68,7 +69,7 @@ TEST(Pattern, AcceptsWhatTheStandardLibraryAccepts) {
     int matches = 0;
     for (int i = 0; i < kRounds; ++i) {
         const std::string pattern = RandomPattern(random);
-        std::string text(random() % 7, ' ');
+        std::string text(random() % 6, ' ');
         std::generate(text.begin(), text.end(), [&] { return alphabet[random() % alphabet.size()]; });
         const bool expected = MatchesStandard(text, pattern);
         matches += expected ? 1 : 0;
@@ -117,7 +118,7 @@ constexpr std::size_t kMegabyte = 1U << 20;
 
 // Other programs run too: an attack may be tried again when it took too long.
 constexpr int kMostTries = 10;
-constexpr auto kMostTime = std::chrono::milliseconds(100) * VELM_TEST_SLOWDOWN;
+constexpr auto kMostTime = std::chrono::milliseconds(VELM_TEST_MILLISECONDS);
 
 const std::string& EveryByte() {
     static const std::string text = [] {
@@ -142,7 +143,7 @@ const std::vector<Attack>& Attacks() {
         {"(a+)+b", as, false},
         {"(a|b)*c", abs, false},
         {"(a|b)*c", abs + 'c', true},
-        {"((a*)*)*", std::string(kMegabyte / 2, 'a'), true},
+        {"((a*)*)*", std::string(kMegabyte / 4, 'a'), true},
         {"((a*)*)*", as + 'b', false},
         {"(a|a|aa)*b", as, false},
         {".*.*.*.*.*x", as, false},
