@@ -23,9 +23,11 @@ enum State : int {
 class OwnedThread : public Thread {
 public:
     ~OwnedThread() override {
+        // Where Stop's own join failed or did not come to it. The base class waits too, but only once this is
+        // no longer the object whose virtual body the thread calls.
+        Join(nullptr);
         // One by one: the list may be longer than a recursion through destructors can go.
         while (m_earlier != nullptr) {
-            m_earlier->Join(nullptr);
             m_earlier = std::exchange(m_earlier->m_earlier, nullptr);
         }
     }

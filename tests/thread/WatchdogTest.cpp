@@ -139,10 +139,5 @@ TEST_F(WatchdogTest, ANewPeriodWaitsForTheNextStart) {
     EXPECT_EQ(RunLoop(m_window.get(), 5 * kPeriod).ticks, 0);
 }
 
-TEST(WatchdogChecker, IsAliveUnlessOverridden) {
-    WatchdogChecker checker;
-    EXPECT_TRUE(checker.IsActive());
-}
-
 }  // namespace
 }  // namespace velm

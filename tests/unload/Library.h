@@ -13,11 +13,16 @@ namespace velm {
 
 inline constexpr unsigned int kPeriod = 20;  // in milliseconds
 
-/// Has the virtual table of a WatchdogChecker.
-class Checker {
+/// The class as a program sees it that is not linked with the library.
+class WatchdogChecker {
 public:
-    virtual ~Checker() = default;
-    virtual bool IsActive() {
+    virtual ~WatchdogChecker() = default;
+    virtual bool IsActive() { return true; }
+};
+
+class Checker : public WatchdogChecker {
+public:
+    bool IsActive() override {
         ++m_asked;
         return true;
     }
@@ -62,7 +67,7 @@ public:
         void* const watchdog = Call<void*>("_ZN4velm8Watchdog11GetInstanceEv");
         Call<void>("_ZN4velm8Watchdog9SetElapseEj", watchdog, kPeriod);
         EXPECT_EQ(Call<ErrorCode>("_ZN4velm8Watchdog5StartEP6HWND__PNS_15WatchdogCheckerE", watchdog, window,
-                                  static_cast<void*>(checker)),
+                                  static_cast<WatchdogChecker*>(checker)),
                   0U);
         return watchdog;
     }

@@ -150,19 +150,6 @@ TEST(Plumbing, APluginLoadsFromAFolderOutsideAscii) {
     EXPECT_EQ(GetModuleHandleW(file.c_str()), nullptr);
 }
 
-TEST(Plumbing, ClassNamesOutsideAsciiCountInBytes) {
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = &DefWindowProcW;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = L"\u00E4\u20AC";
-    ASSERT_NE(RegisterClassW(&windowClass), 0);
-    const UniqueWindow window = MakeWindow(windowClass.lpszClassName);
-    char buffer[7] = "??????";
-    EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, 5), 5);
-    EXPECT_STREQ(buffer, "\xC3\xA4\xE2\x82\xAC?");
-    EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, 4), 0);
-}
-
 // The box stands until another thread finds it by its caption and presses its button.
 TEST(Plumbing, AMessageBoxShowsItsTexts) {
     std::wstring texts;
@@ -268,26 +255,6 @@ TEST(Plumbing, TextOutDrawsAsManyUnitsAsItIsTold) {
     for (int units = 1; units <= 4; ++units) {
         EXPECT_GT(widths[units], widths[units - 1]) << units;
     }
-}
-
-TEST(Plumbing, AnImageLoadsFromAFileOutsideAscii) {
-    const wchar_t* const path = L"B\u00EFld.bmp";
-    {
-        const BITMAPFILEHEADER file{0x4D42, sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER) + 8, 0, 0,
-                                    sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER)};
-        const BITMAPINFOHEADER info{sizeof(BITMAPINFOHEADER), 2, 1, 1, 24, BI_RGB, 8, 0, 0, 0, 0};
-        std::ofstream out(fs::path(path), std::ios::binary);
-        out.write(reinterpret_cast<const char*>(&file), sizeof file);
-        out.write(reinterpret_cast<const char*>(&info), sizeof info);
-        out.write("\0\0\0\0\0\0\0\0", 8);
-    }
-    void* const image =
-        WindowsUtil::CallLoadImage(nullptr, Utf8(path).c_str(), IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE);
-    ASSERT_NE(image, nullptr);
-    BITMAP bitmap{};
-    GetObjectW(image, sizeof bitmap, &bitmap);
-    EXPECT_EQ(bitmap.bmWidth, 2);
-    DeleteObject(image);
 }
 
 }  // namespace
