@@ -76,8 +76,25 @@ protected:
         return surface;
     }
 
-    /// A square over the left half or the whole of the target, at a depth.
-    void DrawSquare(float right, float z, D3DCOLOR color) {
+    /// Has the device draw into the surfaces, and sets them free again.
+    template <typename Drawing>
+    void DrawInto(D3D9Surface& target, D3D9Surface& depth, Drawing drawing) {
+        IDirect3DSurface9* backBuffer = nullptr;
+        ASSERT_EQ(m_device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &backBuffer), D3D_OK);
+        const InterfacePtr<IDirect3DSurface9> back(backBuffer);
+        EXPECT_EQ(m_device->SetRenderTarget(0, target.GetSurface()), D3D_OK);
+        EXPECT_EQ(m_device->SetDepthStencilSurface(depth.GetSurface()), D3D_OK);
+        drawing();
+        EXPECT_EQ(m_device->SetRenderTarget(0, back.get()), D3D_OK);
+        EXPECT_EQ(m_device->SetDepthStencilSurface(nullptr), D3D_OK);
+    }
+
+    void Clear(D3DCOLOR color) {
+        EXPECT_EQ(m_device->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, color, 1.0f, 0), D3D_OK);
+    }
+
+    /// A rectangle from the left edge to `right`, at a depth.
+    void DrawRectangle(float right, float z, D3DCOLOR color) {
         const struct {
             float x, y, z, w;
             D3DCOLOR color;
@@ -88,35 +105,14 @@ protected:
         EXPECT_EQ(m_device->DrawPrimitiveUP(D3DPT_TRIANGLESTRIP, 2, corners, sizeof corners[0]), D3D_OK);
     }
 
-    /// Draws near over the left half, then far over all: the far square must stay behind the near one, which
-    /// takes both surfaces.
-    void Draw(IDirect3DSurface9* target, IDirect3DSurface9* depth, D3DCOLOR nearColor, D3DCOLOR farColor) {
-        IDirect3DSurface9* backBuffer = nullptr;
-        ASSERT_EQ(m_device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &backBuffer), D3D_OK);
-        const InterfacePtr<IDirect3DSurface9> back(backBuffer);
-        EXPECT_EQ(m_device->SetRenderTarget(0, target), D3D_OK);
-        EXPECT_EQ(m_device->SetDepthStencilSurface(depth), D3D_OK);
-        m_device->SetRenderState(D3DRS_ZENABLE, D3DZB_TRUE);
-        m_device->SetRenderState(D3DRS_LIGHTING, FALSE);
-        m_device->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
-        m_device->SetFVF(D3DFVF_XYZRHW | D3DFVF_DIFFUSE);
-        EXPECT_EQ(m_device->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, 0, 1.0f, 0), D3D_OK);
-        EXPECT_EQ(m_device->BeginScene(), D3D_OK);
-        DrawSquare(kSize / 2, 0.25f, nearColor);
-        DrawSquare(kSize, 0.75f, farColor);
-        EXPECT_EQ(m_device->EndScene(), D3D_OK);
-        EXPECT_EQ(m_device->SetRenderTarget(0, back.get()), D3D_OK);
-        EXPECT_EQ(m_device->SetDepthStencilSurface(nullptr), D3D_OK);
-    }
-
-    std::vector<D3DCOLOR> ReadBack(IDirect3DSurface9* target) {
+    std::vector<D3DCOLOR> ReadBack(D3D9Surface& target) {
         std::vector<D3DCOLOR> pixels(kSize * kSize);
         IDirect3DSurface9* surface = nullptr;
         EXPECT_EQ(m_device->CreateOffscreenPlainSurface(kSize, kSize, D3DFMT_A8R8G8B8, D3DPOOL_SYSTEMMEM,
                                                         &surface, nullptr),
                   D3D_OK);
         const InterfacePtr<IDirect3DSurface9> memory(surface);
-        EXPECT_EQ(m_device->GetRenderTargetData(target, memory.get()), D3D_OK);
+        EXPECT_EQ(m_device->GetRenderTargetData(target.GetSurface(), memory.get()), D3D_OK);
         D3DLOCKED_RECT locked{};
         EXPECT_EQ(memory->LockRect(&locked, nullptr, D3DLOCK_READONLY), D3D_OK);
         for (UINT y = 0; locked.pBits != nullptr && y < kSize; ++y) {
@@ -152,16 +148,38 @@ TEST_F(DeviceLoss, AHundredRoundsLeaveSurfacesThatDrawAndNoReference) {
         EXPECT_EQ(References(target.GetSurface()), 1U);
         EXPECT_EQ(References(depth.GetSurface()), 1U);
 
-        const D3DCOLOR nearColor = 0xFF000000 | (round * 0x020307 + 1);
-        const D3DCOLOR farColor = 0x80FFFFFF - round;
-        Draw(target.GetSurface(), depth.GetSurface(), nearColor, farColor);
-        const auto pixels = ReadBack(target.GetSurface());
-        for (UINT i = 0; i < kSize * kSize; ++i) {
-            ASSERT_EQ(pixels[i], i % kSize < kSize / 2 ? nearColor : farColor)
-                << "round " << round << " pixel " << i;
-        }
+        const D3DCOLOR color = 0xFF000000 | (round * 0x020307 + 1);
+        DrawInto(target, depth, [&] { Clear(color); });
+        ASSERT_EQ(ReadBack(target), std::vector<D3DCOLOR>(kSize * kSize, color)) << "round " << round;
     }
     D3D9ResourceManager::OnLost();
+}
+
+TEST_F(DeviceLoss, WhatIsBehindStaysHiddenInTheRebuiltDepthSurface) {
+    constexpr D3DCOLOR kNear = 0xFF112233;
+    constexpr D3DCOLOR kFar = 0xFFAABBCC;
+    D3D9Surface target;
+    D3D9Surface depth;
+    target.Bind(NewTarget());
+    depth.Bind(NewDepth());
+    D3D9ResourceManager::OnLost();
+    ASSERT_EQ(Reset(), D3D_OK);
+    D3D9ResourceManager::OnRecoverLost(m_device.get(), m_parameters);
+    m_device->SetRenderState(D3DRS_ZENABLE, D3DZB_TRUE);
+    m_device->SetRenderState(D3DRS_LIGHTING, FALSE);
+    m_device->SetRenderState(D3DRS_CULLMODE, D3DCULL_NONE);
+    m_device->SetFVF(D3DFVF_XYZRHW | D3DFVF_DIFFUSE);
+    DrawInto(target, depth, [&] {
+        Clear(0);
+        EXPECT_EQ(m_device->BeginScene(), D3D_OK);
+        DrawRectangle(kSize / 2, 0.25f, kNear);
+        DrawRectangle(kSize, 0.75f, kFar);
+        EXPECT_EQ(m_device->EndScene(), D3D_OK);
+    });
+    const auto pixels = ReadBack(target);
+    for (UINT i = 0; i < kSize * kSize; ++i) {
+        ASSERT_EQ(pixels[i], i % kSize < kSize / 2 ? kNear : kFar) << "pixel " << i;
+    }
 }
 
 TEST_F(DeviceLoss, EveryKindOfSurfaceAndEveryCopyLetsTheResetGo) {
