@@ -1,7 +1,7 @@
 /// @file
-/// The C++ runtime sets memory aside for exceptions that are thrown when there is none left: 72 KiB in every library
-/// that it is linked into, from load on and for good. Compiled into each library, this gives them back as the library
-/// is unloaded.
+/// The C++ runtime sets memory aside for exceptions that are thrown when there is none left: 72 KiB in every
+/// library that it is linked into, from load on and for good. Compiled into each library, this gives them
+/// back as the library is unloaded.
 
 namespace __gnu_cxx {
 

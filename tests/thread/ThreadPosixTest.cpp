@@ -154,7 +154,8 @@ TEST_F(MemoryInfoPosixTest, ClosesEveryHandleOnce) {
         EXPECT_EQ(posix::RecordedCalls(), (Calls{"OpenProcess", "GetProcessMemoryInfo"}));
         MemoryInfo copy(info);
         EXPECT_EQ(posix::OpenHandles(), before + 2);
-        copy = copy;
+        MemoryInfo& same = copy;
+        copy = same;
         copy = MemoryInfo();
         EXPECT_EQ(posix::OpenHandles(), before + 1);
     }
