@@ -92,7 +92,6 @@ public:
 private:
     void Create();
     void Destory();
-    int NormalizeParam();
     void LikeDot();
     void LikeCross();
     void LikeCombine();

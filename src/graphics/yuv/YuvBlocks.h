@@ -1,20 +1,20 @@
 /// @file
 /// The loop that the vector kernels share, and why their arithmetic is exact.
 ///
-/// The kernels work in lanes of 16 bits. With the coefficients of either matrix, and Y, U and V from 0 to
-/// 255:
+/// The kernels work in lanes of 16 bits. For Y, U and V from 0 to 255 and either matrix, these ranges hold:
 ///
-///   - the luma term 74 Y lies in 0 .. 18870. Its offset, 74 * 16 = 1184, goes into the chroma terms, which
-///   serve
-///     four pixels each;
-///   - the chroma terms, that offset taken off, lie in -15904 .. 13421 for red, -10963 .. 8672 for green and
-///     -18464 .. 15961 for blue: all fit. So do the products they are made of, when U and V are centred
-///     first;
-///   - the sums therefore lie in -15904 .. 32291 for red, -10963 .. 27542 for green and -18464 .. 34831 for
-///   blue.
-///     Only blue can leave 16 bits, and only upwards. A saturating add makes 32767 of such a sum, and both
-///     are above 255 once they are shifted by 6, so clamping gives what it gives for the true sum. Packing
-///     with unsigned saturation clamps.
+///     luma term    74 Y                                        0 .. 18870
+///     chroma term  of red, luma's offset of 1184 taken off     -15904 .. 13421
+///                  of green, likewise                          -10963 .. 8672
+///                  of blue, likewise                           -18464 .. 15961
+///     sum          of red                                      -15904 .. 32291
+///                  of green                                    -10963 .. 27542
+///                  of blue                                     -18464 .. 34831
+///
+/// A chroma term serves four pixels, so luma's offset is there; its products fit too once U and V are
+/// centred. Only the sum of blue can leave 16 bits, and only upwards. A saturating add makes 32767 of it;
+/// that and the true sum are both above 255 once they are shifted by 6, so both are clamped to 255. Packing
+/// with unsigned saturation clamps.
 ///
 /// Where red is not packed, it is clamped before the shift, to 0 .. 16383: with kClampBias added to its
 /// chroma term (33248 .. 62573, unsigned) a saturating add of luma stops at 65535 = 16383 + kClampBias, and a
