@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "LoadStoreRows.h"
+#include "LoadStoreKernel.h"
 #include "Ratio.h"
 #include "YuvKernels.h"
 
@@ -85,7 +85,7 @@ void MeasureSize(Size size, int rounds) {
     contenders.push_back(Libyuv("libyuv avx2", withoutAvx512, frame));
     contenders.push_back(Libyuv("libyuv ssse3", withoutAvx512 & ~libyuv::kCpuHasAVX2, frame));
     contenders.push_back(Libyuv("libyuv best", -1, frame));
-    const yuv::Kernel loadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStoreRows};
+    const yuv::Kernel loadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStore};
     if (loadAndStore.needs <= yuv::GetCpuLevel()) {
         contenders.push_back(
             {.name = loadAndStore.name, .run = [&frame, &loadAndStore] { frame.Convert(loadAndStore); }});

@@ -24,7 +24,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "YuvRows.h"
+#include "YuvPicture.h"
 
 namespace velm::yuv {
 
@@ -39,8 +39,8 @@ constexpr int kShiftFactor = 1 << (16 - kFractionBits);
     return static_cast<short>(second * 256 + first);
 }
 
-/// Converts one or two rows in blocks of Block::kPixels pixels; what is left of a row is converted in a block
-/// of its own memory, so that nothing beyond the row is touched.
+/// Converts a picture in blocks of Block::kPixels pixels, the two rows that share their chroma at once. What
+/// is left of a row is converted in a block of its own memory, so that nothing beyond the row is touched.
 ///
 /// A Block is made from a matrix and has two operations: LoadChroma(u, v) takes kPixels / 2 bytes of each and
 /// returns the chroma terms of a block; StoreRow<kStream>(chroma, y, argb) adds kPixels of luma and writes
@@ -48,44 +48,68 @@ constexpr int kShiftFactor = 1 << (16 - kFractionBits);
 template <class Block>
 class BlockLoop {
 public:
-    static void Convert(const Matrix& matrix, const Rows& rows) {
+    static void Convert(const Matrix& matrix, const Picture& picture, Writing writing) {
         const Block block(matrix);
-        if (rows.count == 1) {
-            ConvertRows<1, false>(block, rows);
-        } else if (rows.stream) {
-            ConvertRows<2, true>(block, rows);
+        if (writing == Writing::kPastCaches) {
+            ConvertPicture<true>(block, picture);
         } else {
-            ConvertRows<2, false>(block, rows);
+            ConvertPicture<false>(block, picture);
         }
     }
 
 private:
     static constexpr std::size_t kPixels = Block::kPixels;
 
+    struct Rows {
+        const unsigned char* y[2];
+        const unsigned char* u;
+        const unsigned char* v;
+        unsigned char* argb[2];
+    };
+
+    template <bool kStream>
+    static void ConvertPicture(const Block& block, const Picture& picture) {
+        const auto width = static_cast<std::size_t>(picture.width);
+        const auto height = static_cast<std::size_t>(picture.height);
+        const std::size_t yStride = picture.yStride;
+        const std::size_t argbStride = picture.argbStride;
+        for (std::size_t row = 0; row < height; row += 2) {
+            const unsigned char* const y = picture.yPlane + row * yStride;
+            unsigned char* const argb = static_cast<unsigned char*>(picture.argb) + row * argbStride;
+            const unsigned char* const u = picture.uPlane + row / 2 * picture.uvStride;
+            const unsigned char* const v = picture.vPlane + row / 2 * picture.uvStride;
+            if (row + 1 < height) {
+                ConvertRows<2, kStream>(block, {{y, y + yStride}, u, v, {argb, argb + argbStride}}, width);
+            } else {
+                ConvertRows<1, kStream>(block, {{y, nullptr}, u, v, {argb, nullptr}}, width);
+            }
+        }
+    }
+
     // The rows come as a copy, which no store through a pointer can change.
     template <int kCount, bool kStream>
-    static void ConvertRows(const Block& block, Rows rows) {
+    static void ConvertRows(const Block& block, Rows rows, std::size_t width) {
         std::size_t x = 0;
-        for (; rows.width - x >= kPixels; x += kPixels) {
+        for (; width - x >= kPixels; x += kPixels) {
             const auto chroma = block.LoadChroma(rows.u + x / 2, rows.v + x / 2);
             block.template StoreRow<kStream>(chroma, rows.y[0] + x, rows.argb[0] + 4 * x);
             if constexpr (kCount == 2) {
                 block.template StoreRow<kStream>(chroma, rows.y[1] + x, rows.argb[1] + 4 * x);
             }
         }
-        if (x < rows.width) {
-            ConvertRest(block, rows, x);
+        if (x < width) {
+            ConvertRest<kCount>(block, rows, x, width - x);
         }
     }
 
-    static void ConvertRest(const Block& block, Rows rows, std::size_t x) {
-        const std::size_t width = rows.width - x;
+    template <int kCount>
+    static void ConvertRest(const Block& block, Rows rows, std::size_t x, std::size_t width) {
         unsigned char u[kPixels / 2] = {};
         unsigned char v[kPixels / 2] = {};
         std::memcpy(u, rows.u + x / 2, (width + 1) / 2);
         std::memcpy(v, rows.v + x / 2, (width + 1) / 2);
         const auto chroma = block.LoadChroma(u, v);
-        for (int row = 0; row < rows.count; ++row) {
+        for (int row = 0; row < kCount; ++row) {
             unsigned char y[kPixels] = {};
             unsigned char argb[4 * kPixels];
             std::memcpy(y, rows.y[row] + x, width);
