@@ -7,8 +7,13 @@
 #include <random>
 #include <string>
 
+<<<<<<< HEAD
 #include "LoadStoreRows.h"
 #include "Turns.h"
+=======
+#include "LoadStoreKernel.h"
+#include "Ratio.h"
+>>>>>>> yuv
 #include "YuvKernels.h"
 
 namespace velm::bench {
@@ -85,7 +90,7 @@ void MeasureSize(Size size, int rounds) {
     contenders.push_back(Libyuv("libyuv avx2", withoutAvx512, frame));
     contenders.push_back(Libyuv("libyuv ssse3", withoutAvx512 & ~libyuv::kCpuHasAVX2, frame));
     contenders.push_back(Libyuv("libyuv best", -1, frame));
-    const yuv::Kernel loadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStoreRows};
+    const yuv::Kernel loadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStore};
     if (loadAndStore.needs <= yuv::GetCpuLevel()) {
         contenders.push_back(
             {.name = loadAndStore.name, .run = [&frame, &loadAndStore] { frame.Convert(loadAndStore); }});

@@ -17,6 +17,11 @@ else()
     endif()
 endif()
 
+if(UNIX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # A library with a "unique" symbol, one of a template's or of an inline variable's, cannot be unloaded.
+    target_compile_options(velm_build_flags INTERFACE -fno-gnu-unique)
+endif()
+
 if(MINGW)
     # The runtime is linked in, so that the libraries import nothing but each other and Windows.
     target_link_options(velm_build_flags INTERFACE -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
@@ -50,9 +55,6 @@ endfunction()
 function(velm_unloadable target)
     if(MINGW)
         target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/EmergencyPool.cpp)
-    elseif(UNIX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # A library with a "unique" symbol of a template's cannot be unloaded.
-        target_compile_options(${target} PRIVATE -fno-gnu-unique)
     endif()
 endfunction()
 

@@ -81,8 +81,7 @@ public:
 
     /// Sets up the rotation that turns the direction of one vector into that of another.
     /// @param ratio  scales the sine before sine and cosine are brought to unit length together; 1 turns all
-    /// the
-    ///               way, a negative ratio turns the other way
+    ///               the way, a negative ratio turns the other way
     /// @return 1; 0 when the vectors are parallel, opposite or too short, and then Rotato leaves points alone
     int SetRotatoVector(_Vector3D* from, _Vector3D* to, _Vector3D* center, float ratio);
 
@@ -92,7 +91,6 @@ public:
 private:
     void Create();
     void Destory();
-    int NormalizeParam();
     void LikeDot();
     void LikeCross();
     void LikeCombine();

@@ -115,31 +115,22 @@ float CrossDotRotate::GetSinSita(_Vector3D* a, _Vector3D* b) {
 }
 
 int CrossDotRotate::SetParam(_Vector3D* axis, _Vector3D* center, float cosValue, float sinValue) {
+    _Vector3D pair = {cosValue, sinValue, 0};
     m_stAxis = *axis;
-    m_fCos = cosValue;
-    m_fSin = sinValue;
     m_stCenter = *center;
-    return NormalizeParam();
-}
-
-int CrossDotRotate::SetRotatoVector(_Vector3D* from, _Vector3D* to, _Vector3D* center, float ratio) {
-    m_fSin = CrossEx(from, to, &m_stAxis) * ratio;
-    m_fCos = Dot(from, to);
-    m_stCenter = *center;
-    return NormalizeParam();
-}
-
-/// Brings the axis and the pair of cosine and sine to unit length.
-int CrossDotRotate::NormalizeParam() {
-    m_fCosSinZ = 0;
     const int axisResult = Normalize(&m_stAxis);
-    _Vector3D pair = {m_fCos, m_fSin, m_fCosSinZ};
     const int pairResult = Normalize(&pair);
     m_fCos = pair.x;
     m_fSin = pair.y;
     m_fCosSinZ = pair.z;
     m_bValid = axisResult & pairResult;
     return m_bValid;
+}
+
+int CrossDotRotate::SetRotatoVector(_Vector3D* from, _Vector3D* to, _Vector3D* center, float ratio) {
+    _Vector3D axis;
+    const float sinValue = CrossEx(from, to, &axis) * ratio;
+    return SetParam(&axis, center, Dot(from, to), sinValue);
 }
 
 /// Rodrigues' rotation: the part of the point along the axis stays, the part across it turns.

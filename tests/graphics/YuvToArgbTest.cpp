@@ -90,8 +90,7 @@ public:
         }
     }
 
-    /// Rows that are not what the formula gives, and bytes between rows close together that have not stayed
-    /// 0.
+    /// Rows that are not what the formula gives, and bytes between neighbouring rows that have not stayed 0.
     std::size_t Faults() const {
         std::size_t faults = 0;
         for (std::size_t row = 0; row < m_height; ++row) {

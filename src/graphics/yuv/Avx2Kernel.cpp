@@ -1,6 +1,6 @@
 // AVX2. Most of its operations stay within lanes of 128 bits, so the bytes are dealt out when they are
-// loaded: the lower lane takes pixels 0 to 3 of each 8, the upper one 4 to 7. Then every store is 8 pixels in
-// order.
+// loaded: the lower lane takes pixels 0 to 3 of each 8, the upper one 4 to 7. Then every store is 8
+// neighbours.
 #include <immintrin.h>
 
 #include "YuvBlocks.h"
@@ -104,8 +104,8 @@ private:
 
 }  // namespace
 
-void ConvertAvx2(const Matrix& matrix, const Rows& rows) {
-    BlockLoop<Avx2Block>::Convert(matrix, rows);
+void ConvertAvx2(const Matrix& matrix, const Picture& picture, Writing writing) {
+    BlockLoop<Avx2Block>::Convert(matrix, picture, writing);
 }
 
 }  // namespace velm::yuv

@@ -101,8 +101,8 @@ private:
 
 }  // namespace
 
-void ConvertAvx512Bw(const Matrix& matrix, const Rows& rows) {
-    BlockLoop<Avx512BwBlock>::Convert(matrix, rows);
+void ConvertAvx512Bw(const Matrix& matrix, const Picture& picture, Writing writing) {
+    BlockLoop<Avx512BwBlock>::Convert(matrix, picture, writing);
 }
 
 }  // namespace velm::yuv

@@ -39,8 +39,8 @@ constexpr Index MakeBlueGreenIndex(int firstPixel) {
     return index;
 }
 
-/// 16 pixels from their blue and green, as the index before leaves them, and their red; the fourth byte is
-/// masked.
+/// 16 pixels from their blue and green, as the index before leaves them, and their red. The fourth byte of
+/// a pixel is masked.
 constexpr Index MakePixelIndex(int firstPixel) {
     Index index{};
     for (int pixel = 0; pixel < 16; ++pixel) {
@@ -137,8 +137,8 @@ private:
 
 }  // namespace
 
-void ConvertAvx512Vbmi(const Matrix& matrix, const Rows& rows) {
-    BlockLoop<Avx512VbmiBlock>::Convert(matrix, rows);
+void ConvertAvx512Vbmi(const Matrix& matrix, const Picture& picture, Writing writing) {
+    BlockLoop<Avx512VbmiBlock>::Convert(matrix, picture, writing);
 }
 
 }  // namespace velm::yuv

@@ -1,5 +1,7 @@
 // One pixel at a time, as the formula has it: what the other kernels are measured against.
-#include "YuvRows.h"
+#include <cstddef>
+
+#include "YuvPicture.h"
 
 namespace velm::yuv {
 namespace {
@@ -11,13 +13,18 @@ unsigned char Clamp(int sum) {
 
 }  // namespace
 
-void ConvertScalar(const Matrix& matrix, const Rows& rows) {
-    for (int row = 0; row < rows.count; ++row) {
-        unsigned char* pixel = rows.argb[row];
-        for (std::size_t x = 0; x < rows.width; ++x, pixel += 4) {
-            const int y = matrix.luma * (rows.y[row][x] - kLumaOffset);
-            const int u = rows.u[x / 2] - kChromaOffset;
-            const int v = rows.v[x / 2] - kChromaOffset;
+void ConvertScalar(const Matrix& matrix, const Picture& picture, Writing) {
+    const auto height = static_cast<std::size_t>(picture.height);
+    const auto width = static_cast<std::size_t>(picture.width);
+    for (std::size_t row = 0; row < height; ++row) {
+        const unsigned char* const yRow = picture.yPlane + row * picture.yStride;
+        const unsigned char* const uRow = picture.uPlane + row / 2 * picture.uvStride;
+        const unsigned char* const vRow = picture.vPlane + row / 2 * picture.uvStride;
+        unsigned char* pixel = static_cast<unsigned char*>(picture.argb) + row * picture.argbStride;
+        for (std::size_t x = 0; x < width; ++x, pixel += 4) {
+            const int y = matrix.luma * (yRow[x] - kLumaOffset);
+            const int u = uRow[x / 2] - kChromaOffset;
+            const int v = vRow[x / 2] - kChromaOffset;
             pixel[0] = Clamp(y + matrix.uToBlue * u);
             pixel[1] = Clamp(y - matrix.uToGreen * u - matrix.vToGreen * v);
             pixel[2] = Clamp(y + matrix.vToRed * v);

@@ -106,8 +106,8 @@ private:
 
 }  // namespace
 
-void ConvertSse2(const Matrix& matrix, const Rows& rows) {
-    BlockLoop<Sse2Block>::Convert(matrix, rows);
+void ConvertSse2(const Matrix& matrix, const Picture& picture, Writing writing) {
+    BlockLoop<Sse2Block>::Convert(matrix, picture, writing);
 }
 
 }  // namespace velm::yuv

@@ -1,20 +1,20 @@
 /// @file
 /// The loop that the vector kernels share, and why their arithmetic is exact.
 ///
-/// The kernels work in lanes of 16 bits. With the coefficients of either matrix, and Y, U and V from 0 to
-/// 255:
+/// The kernels work in lanes of 16 bits. For Y, U and V from 0 to 255 and either matrix, these ranges hold:
 ///
-///   - the luma term 74 Y lies in 0 .. 18870. Its offset, 74 * 16 = 1184, goes into the chroma terms, which
-///   serve
-///     four pixels each;
-///   - the chroma terms, that offset taken off, lie in -15904 .. 13421 for red, -10963 .. 8672 for green and
-///     -18464 .. 15961 for blue: all fit. So do the products they are made of, when U and V are centred
-///     first;
-///   - the sums therefore lie in -15904 .. 32291 for red, -10963 .. 27542 for green and -18464 .. 34831 for
-///   blue.
-///     Only blue can leave 16 bits, and only upwards. A saturating add makes 32767 of such a sum, and both
-///     are above 255 once they are shifted by 6, so clamping gives what it gives for the true sum. Packing
-///     with unsigned saturation clamps.
+///     luma term    74 Y                                        0 .. 18870
+///     chroma term  of red, luma's offset of 1184 taken off     -15904 .. 13421
+///                  of green, likewise                          -10963 .. 8672
+///                  of blue, likewise                           -18464 .. 15961
+///     sum          of red                                      -15904 .. 32291
+///                  of green                                    -10963 .. 27542
+///                  of blue                                     -18464 .. 34831
+///
+/// A chroma term serves four pixels, so luma's offset is there; its products fit too once U and V are
+/// centred. Only the sum of blue can leave 16 bits, and only upwards. A saturating add makes 32767 of it;
+/// that and the true sum are both above 255 once they are shifted by 6, so both are clamped to 255. Packing
+/// with unsigned saturation clamps.
 ///
 /// Where red is not packed, it is clamped before the shift, to 0 .. 16383: with kClampBias added to its
 /// chroma term (33248 .. 62573, unsigned) a saturating add of luma stops at 65535 = 16383 + kClampBias, and a
@@ -24,7 +24,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "YuvRows.h"
+#include "YuvPicture.h"
 
 namespace velm::yuv {
 
@@ -39,8 +39,8 @@ constexpr int kShiftFactor = 1 << (16 - kFractionBits);
     return static_cast<short>(second * 256 + first);
 }
 
-/// Converts one or two rows in blocks of Block::kPixels pixels; what is left of a row is converted in a block
-/// of its own memory, so that nothing beyond the row is touched.
+/// Converts a picture in blocks of Block::kPixels pixels, the two rows that share their chroma at once. What
+/// is left of a row is converted in a block of its own memory, so that nothing beyond the row is touched.
 ///
 /// A Block is made from a matrix and has two operations: LoadChroma(u, v) takes kPixels / 2 bytes of each and
 /// returns the chroma terms of a block; StoreRow<kStream>(chroma, y, argb) adds kPixels of luma and writes
@@ -48,44 +48,68 @@ constexpr int kShiftFactor = 1 << (16 - kFractionBits);
 template <class Block>
 class BlockLoop {
 public:
-    static void Convert(const Matrix& matrix, const Rows& rows) {
+    static void Convert(const Matrix& matrix, const Picture& picture, Writing writing) {
         const Block block(matrix);
-        if (rows.count == 1) {
-            ConvertRows<1, false>(block, rows);
-        } else if (rows.stream) {
-            ConvertRows<2, true>(block, rows);
+        if (writing == Writing::kPastCaches) {
+            ConvertPicture<true>(block, picture);
         } else {
-            ConvertRows<2, false>(block, rows);
+            ConvertPicture<false>(block, picture);
         }
     }
 
 private:
     static constexpr std::size_t kPixels = Block::kPixels;
 
+    struct Rows {
+        const unsigned char* y[2];
+        const unsigned char* u;
+        const unsigned char* v;
+        unsigned char* argb[2];
+    };
+
+    template <bool kStream>
+    static void ConvertPicture(const Block& block, const Picture& picture) {
+        const auto width = static_cast<std::size_t>(picture.width);
+        const auto height = static_cast<std::size_t>(picture.height);
+        const std::size_t yStride = picture.yStride;
+        const std::size_t argbStride = picture.argbStride;
+        for (std::size_t row = 0; row < height; row += 2) {
+            const unsigned char* const y = picture.yPlane + row * yStride;
+            unsigned char* const argb = static_cast<unsigned char*>(picture.argb) + row * argbStride;
+            const unsigned char* const u = picture.uPlane + row / 2 * picture.uvStride;
+            const unsigned char* const v = picture.vPlane + row / 2 * picture.uvStride;
+            if (row + 1 < height) {
+                ConvertRows<2, kStream>(block, {{y, y + yStride}, u, v, {argb, argb + argbStride}}, width);
+            } else {
+                ConvertRows<1, kStream>(block, {{y, nullptr}, u, v, {argb, nullptr}}, width);
+            }
+        }
+    }
+
     // The rows come as a copy, which no store through a pointer can change.
     template <int kCount, bool kStream>
-    static void ConvertRows(const Block& block, Rows rows) {
+    static void ConvertRows(const Block& block, Rows rows, std::size_t width) {
         std::size_t x = 0;
-        for (; rows.width - x >= kPixels; x += kPixels) {
+        for (; width - x >= kPixels; x += kPixels) {
             const auto chroma = block.LoadChroma(rows.u + x / 2, rows.v + x / 2);
             block.template StoreRow<kStream>(chroma, rows.y[0] + x, rows.argb[0] + 4 * x);
             if constexpr (kCount == 2) {
                 block.template StoreRow<kStream>(chroma, rows.y[1] + x, rows.argb[1] + 4 * x);
             }
         }
-        if (x < rows.width) {
-            ConvertRest(block, rows, x);
+        if (x < width) {
+            ConvertRest<kCount>(block, rows, x, width - x);
         }
     }
 
-    static void ConvertRest(const Block& block, Rows rows, std::size_t x) {
-        const std::size_t width = rows.width - x;
+    template <int kCount>
+    static void ConvertRest(const Block& block, Rows rows, std::size_t x, std::size_t width) {
         unsigned char u[kPixels / 2] = {};
         unsigned char v[kPixels / 2] = {};
         std::memcpy(u, rows.u + x / 2, (width + 1) / 2);
         std::memcpy(v, rows.v + x / 2, (width + 1) / 2);
         const auto chroma = block.LoadChroma(u, v);
-        for (int row = 0; row < rows.count; ++row) {
+        for (int row = 0; row < kCount; ++row) {
             unsigned char y[kPixels] = {};
             unsigned char argb[4 * kPixels];
             std::memcpy(y, rows.y[row] + x, width);

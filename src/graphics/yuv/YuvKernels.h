@@ -10,27 +10,14 @@
 #include <string_view>
 
 #include "CpuFeatures.h"
-#include "YuvRows.h"
+#include "YuvPicture.h"
 
 namespace velm::yuv {
-
-/// The arguments of the exported conversions.
-struct Picture {
-    const unsigned char* yPlane;
-    const unsigned char* uPlane;
-    const unsigned char* vPlane;
-    unsigned int yStride;
-    unsigned int uvStride;
-    int width;
-    int height;
-    void* argb;
-    unsigned int argbStride;
-};
 
 struct Kernel {
     const char* name;
     CpuLevel needs;
-    void (*convertRows)(const Matrix& matrix, const Rows& rows);
+    void (*convert)(const Matrix& matrix, const Picture& picture, Writing writing);
 };
 
 /// Every kernel, the best first; the scalar one, last, runs anywhere.
@@ -42,7 +29,7 @@ const Kernel& BestKernel();
 /// The kernel of that name; null when there is none or this processor cannot run it.
 const Kernel* FindKernel(std::string_view name);
 
-/// Converts a picture, row by row or in pairs of rows that share their chroma.
+/// Converts a picture as the exported functions do.
 void Convert(const Kernel& kernel, const Matrix& matrix, const Picture& picture);
 
 }  // namespace velm::yuv
