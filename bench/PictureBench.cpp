@@ -7,13 +7,8 @@
 #include <random>
 #include <string>
 
-<<<<<<< HEAD
-#include "LoadStoreRows.h"
-#include "Turns.h"
-=======
 #include "LoadStoreKernel.h"
-#include "Ratio.h"
->>>>>>> yuv
+#include "Turns.h"
 #include "YuvKernels.h"
 
 namespace velm::bench {

@@ -1,10 +1,5 @@
 /// @file
-<<<<<<< HEAD
 /// Runs the benchmarks of a program in interleaved rounds and prints how their medians compare.
-=======
-/// Measures contenders against the first of them: in turns, so that other work on the machine meets
-/// all of them alike.
->>>>>>> yuv
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -48,7 +43,6 @@ private:
     std::map<std::string, double> m_medians;
 };
 
-<<<<<<< HEAD
 /// A program's main function. Options of Google Benchmark override the rounds.
 /// @return 0; 1 when a ratio is below what is wanted; 2 for wrong usage
 inline int RunAndCompare(int argc, char** argv, const std::vector<Ratio>& ratios) {
@@ -62,28 +56,6 @@ inline int RunAndCompare(int argc, char** argv, const std::vector<Ratio>& ratios
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) {
         return 2;
-=======
-inline double MedianOf(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-/// What this thread has used of the processor, in seconds; other programs' turns do not count.
-inline double ThreadSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-/// The time of one turn of `repetitions` runs, in seconds per run.
-inline double TimeTurn(const Contender& contender, int repetitions) {
-    contender.prepare();
-    contender.run();  // the caches are this contender's now
-    const double start = ThreadSeconds();
-    for (int i = 0; i < repetitions; ++i) {
-        contender.run();
->>>>>>> yuv
     }
     MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

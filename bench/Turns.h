@@ -1,6 +1,6 @@
 /// @file
-/// Measures contenders against the first of them: in turns, so that what else the machine does meets them
-/// alike.
+/// Measures contenders against the first of them: in turns, so that other work on the machine meets
+/// all of them alike.
 #pragma once
 
 #include <time.h>
@@ -30,8 +30,7 @@ inline double MedianOf(std::vector<double> values) {
     return *middle;
 }
 
-/// What this thread has used of the processor, in seconds: on a busy machine, other programs' turns do not
-/// count.
+/// What this thread has used of the processor, in seconds; other programs' turns do not count.
 inline double ThreadSeconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);

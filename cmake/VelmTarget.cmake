@@ -28,7 +28,8 @@ if(MINGW)
 endif()
 
 if(VELM_SANITIZE)
-    add_compile_options(-fsanitize=${VELM_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined -O1)
+    add_compile_options(-fsanitize=${VELM_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined -O1
+        -g1) # lines for the reports; more would only cost time
     add_link_options(-fsanitize=${VELM_SANITIZE})
 endif()
 
