@@ -9,9 +9,8 @@
 
 // A thread that sleeps does so on the low half of m_state being 0, by WaitOnAddress. No wake-up is lost:
 // - a sleeper adds itself to the high half before it looks at the low half a last time, and a post changes
-// the low
-//   half and reads the high half in one operation, so either the sleeper sees the new count or the post sees
-//   the sleeper, and WaitOnAddress itself returns at once when the count is no longer 0;
+//   the low half and reads the high half in one operation, so either the sleeper sees the new count or the
+//   post sees the sleeper, and WaitOnAddress itself returns at once when the count is no longer 0;
 // - the closing bit makes the low half differ from 0 for good, so no thread falls asleep after it is set.
 //
 // No thread touches freed memory: after its one operation on m_state a post uses the address only, which the
@@ -26,7 +25,17 @@ using State = unsigned long long;
 constexpr unsigned int kClosing = 0x80000000U;
 constexpr unsigned int kMostCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
-constexpr int kSpins = 100;
+
+// Spinning pays when the thread that posts runs on another processor, and only delays it when both share one.
+// So a semaphore whose waits have ended in sleep for a while spins only now and then, to see whether it pays
+// again.
+constexpr unsigned int kSpins = 100;
+constexpr unsigned int kFruitlessSpins = 16;
+constexpr unsigned int kRetrySpins = 8;
+
+constexpr unsigned int SpinsAfter(unsigned int fruitless) {
+    return fruitless < kFruitlessSpins || fruitless % kRetrySpins == 0 ? kSpins : 1;
+}
 
 static_assert(std::endian::native == std::endian::little, "the count is the first half of the state");
 
@@ -53,6 +62,7 @@ Semaphore::Semaphore(unsigned int initial, unsigned int maximum)
       m_state(std::min({initial, maximum, kMostCount})),
       m_waiters(0),
       m_maximum(std::min(maximum, kMostCount)),
+      m_fruitlessSpins(0),
       m_padAfter{} {}
 
 Semaphore::~Semaphore() {
@@ -117,12 +127,15 @@ ErrorCode Semaphore::WaitSlowly() {
 }
 
 ErrorCode Semaphore::SpinThenSleep() {
-    for (int spin = 0; spin < kSpins; ++spin) {
+    const unsigned int fruitless = m_fruitlessSpins.load(std::memory_order_relaxed);
+    for (unsigned int spin = SpinsAfter(fruitless); spin != 0; --spin) {
         if (TryTake()) {
+            m_fruitlessSpins.store(0, std::memory_order_relaxed);
             return 0;
         }
         YieldProcessor();
     }
+    m_fruitlessSpins.store(fruitless + 1, std::memory_order_relaxed);
     State state = m_state.fetch_add(kOneSleeper, std::memory_order_relaxed) + kOneSleeper;
     for (;;) {
         while (CanTake(state)) {

@@ -48,7 +48,8 @@ private:
     // Threads inside WaitSlowly, and the closing bit.
     std::atomic<unsigned int> m_waiters;
     unsigned int m_maximum;
-    unsigned char m_padAfter[48];
+    std::atomic<unsigned int> m_fruitlessSpins;  // since spinning last got a count
+    unsigned char m_padAfter[44];
 };
 
 }  // namespace velm
