@@ -12,10 +12,9 @@
 namespace velmdiag {
 namespace {
 
-constexpr int kNotDone = 2;
 constexpr std::size_t kLargestRuleFile = 1024 * 1024;
 
-struct Options {
+struct AdapterOptions {
     std::optional<unsigned int> index;
     std::optional<std::string> rules;
     bool json = false;
@@ -94,7 +93,7 @@ void AddFacts(const velm::D3d9AdapterContext& context, Report& report) {
     }
 }
 
-int RunAdapter(const Options& options) {
+int RunAdapter(const AdapterOptions& options) {
     std::optional<std::vector<AdapterRule>> rules;
     if (options.rules) {
         rules = ReadRules(*options.rules);
@@ -127,7 +126,7 @@ int RunAdapter(const Options& options) {
 }  // namespace
 
 void AddAdapterCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<AdapterOptions>();
     CLI::App* const command =
         app.add_subcommand("adapter", "Shows display adapters and checks them by rules");
     command->description(

@@ -32,7 +32,7 @@ constexpr unsigned int kLargestPayload = 65535;
 constexpr velm::E_FrameType kData = velm::E_FrameType_Raw0;
 constexpr velm::E_FrameType kEnd = velm::E_FrameType_Raw1;
 
-struct Options {
+struct AudioOptions {
     std::string input;
     std::string output;
     unsigned int blockMilliseconds = 10;
@@ -97,7 +97,7 @@ double Seconds(velm::Tick from, velm::Tick to) {
 /// A recording on its way from the file through the ring to the other side.
 class Transfer {
 public:
-    Transfer(const Options& options, const WaveFormat& format)
+    Transfer(const AudioOptions& options, const WaveFormat& format)
         : m_input(options.input),
           m_block(PickBlock(format, options.blockMilliseconds)),
           m_payloadSize(std::min(m_block.size, kLargestPayload)),
@@ -257,7 +257,7 @@ private:
     std::string m_consumerFailure;
 };
 
-int RunAudio(const Options& options) {
+int RunAudio(const AudioOptions& options) {
     RefuseToOverwriteInput(options.input, options.output);
     const WaveFormat format = ReadWaveFormat(options.input);
     Transfer transfer(options, format);
@@ -297,7 +297,7 @@ int RunAudio(const Options& options) {
 }  // namespace
 
 void AddAudioCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<AudioOptions>();
     CLI::App* const command = app.add_subcommand("audio", "Plays a WAVE file through the frame ring");
     command->description(
         "Reads a WAVE file block by block on one thread, passes each block as an audio frame through the "

@@ -10,6 +10,9 @@
 
 namespace velmdiag {
 
+/// The exit status of a command with a verdict, when it came to none.
+constexpr int kNotDone = 2;
+
 /// What ends a command early: one line for standard error, and the exit status.
 struct Failure {
     std::string message;

@@ -19,7 +19,7 @@ namespace {
 constexpr int kNotFound = 1;
 constexpr int kWrongUsage = 2;
 
-struct Options {
+struct ConfigOptions {
     std::string file;
     std::string section;
     std::string key;
@@ -65,7 +65,7 @@ struct Setting {
 };
 
 template <typename Value>
-Setting<Value> ReadIni(const Options& options, const Value& defaultValue, const Value& otherDefault) {
+Setting<Value> ReadIni(const ConfigOptions& options, const Value& defaultValue, const Value& otherDefault) {
     velm::IniConfigReader reader;
     const std::string file = ToOem(WholePath(options.file));
     const std::string section = ToOem(options.section);
@@ -87,7 +87,7 @@ int ToNumber(const std::string& text) {
     return number;
 }
 
-int RunIni(const Options& options) {
+int RunIni(const ConfigOptions& options) {
     const int defaultNumber = options.number ? ToNumber(options.defaultText.value_or("0")) : 0;
     CheckReadable(options.file);
     Report report;
@@ -114,7 +114,7 @@ int RunIni(const Options& options) {
     return found ? 0 : kNotFound;
 }
 
-int RunEnv(const Options& options) {
+int RunEnv(const ConfigOptions& options) {
     velm::EnvConfigReader reader;
     const std::string name = ToOem(options.variable);
     std::string value = "1";
@@ -163,7 +163,7 @@ Kind KindOf(const picojson::value& value) {
     return {value.is<bool>() ? "boolean" : "null", 0};
 }
 
-int RunJson(const Options& options) {
+int RunJson(const ConfigOptions& options) {
     using Clock = std::chrono::steady_clock;
     CheckReadable(options.file);
     const std::string name = velm::platform::NarrowFileName(options.file);
@@ -199,7 +199,7 @@ int RunJson(const Options& options) {
 }  // namespace
 
 void AddConfigCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ConfigOptions>();
     CLI::App* const config =
         app.add_subcommand("config", "Reads settings from INI files, the environment and JSON");
     config->require_subcommand(1);

@@ -17,13 +17,12 @@ namespace {
 
 using velm::platform::InterfacePtr;
 
-constexpr int kNotDone = 2;
 constexpr UINT kWidth = 320;
 constexpr UINT kHeight = 240;
 constexpr D3DFORMAT kPixels = D3DFMT_X8R8G8B8;
 constexpr DWORD kColorBits = 0x00FFFFFF;
 
-struct Options {
+struct DeviceOptions {
     unsigned int rounds = 100;
     bool json = false;
 };
@@ -179,7 +178,7 @@ D3DCOLOR ColorOf(unsigned int round) {
     return D3DCOLOR_XRGB(round * 37 % 256, 255 - round * 11 % 256, 64 + round * 5 % 128);
 }
 
-Counts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters, const Options& options) {
+Counts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters, const DeviceOptions& options) {
     const bool showProgress = !options.json && velm::platform::OutputIsTerminal();
     Cycle cycle(device, parameters);
     cycle.DrawAndCompare(ColorOf(0));
@@ -201,7 +200,7 @@ Counts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& paramete
     return cycle.Seen();
 }
 
-int RunDevice(const Options& options) {
+int RunDevice(const DeviceOptions& options) {
     const auto d3d = velm::platform::CreateDirect3D9();
     if (d3d == nullptr) {
         throw Failure{"this system has no Direct3D 9", kNotDone};
@@ -241,7 +240,7 @@ int RunDevice(const Options& options) {
 }  // namespace
 
 void AddDeviceCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<DeviceOptions>();
     CLI::App* const command =
         app.add_subcommand("device", "Loses and recovers a Direct3D 9 device on screen");
     command->description(

@@ -37,11 +37,11 @@ int RunKey(const std::string& text, bool json) {
 }  // namespace
 
 void AddKeyCommand(CLI::App& app, int& exitStatus) {
-    struct Options {
+    struct KeyOptions {
         std::string text;
         bool json = false;
     };
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<KeyOptions>();
     CLI::App* const command = app.add_subcommand("key", "Translates a key of 64 hexadecimal digits");
     command->description(
         "Prints the 32 bytes that the first 64 characters of HEX stand for. Characters that are no "

@@ -9,14 +9,14 @@
 namespace velmdiag {
 namespace {
 
-struct Options {
+struct LinkOptions {
     std::string link;
     std::string scheme = "https";
     std::optional<std::string> address;
     bool json = false;
 };
 
-int RunLink(const Options& options) {
+int RunLink(const LinkOptions& options) {
     std::string address = options.address.value_or(options.scheme + ":");
     std::string title;
     std::string ticket;
@@ -41,7 +41,7 @@ int RunLink(const Options& options) {
 }  // namespace
 
 void AddLinkCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<LinkOptions>();
     CLI::App* const command = app.add_subcommand("link", "Reads a link and checks where it leads");
     command->description(
         "Reads a link as the client does and checks the address that it leads to. The exit status is 0 when "

@@ -22,7 +22,7 @@ namespace {
 constexpr int kLargestSide = 16384;
 constexpr int kConversions = 21;
 
-struct Options {
+struct PictureOptions {
     std::string input;
     std::string output;
     std::string size;
@@ -80,7 +80,7 @@ Frame MakeFrame(const std::string& size) {
 }
 
 /// Reads frame after frame up to the wanted one.
-void ReadFrame(const Options& options, Frame& frame) {
+void ReadFrame(const PictureOptions& options, Frame& frame) {
     velm::FileReader reader;
     if (const velm::ErrorCode result = reader.Open(options.input.c_str()); result.IsFailed()) {
         throw Failure{options.input + ": " + NameOf(result)};
@@ -113,7 +113,7 @@ const velm::yuv::Kernel& FindKernel(const std::string& name) {
 }
 
 /// Converts with the library itself, or with a kernel of the caller's choice.
-void Convert(const Options& options, const Conversion& conversion, const velm::yuv::Kernel& kernel,
+void Convert(const PictureOptions& options, const Conversion& conversion, const velm::yuv::Kernel& kernel,
              Frame& frame, std::vector<unsigned int>& argb) {
     const auto yStride = static_cast<unsigned int>(frame.width);
     const auto uvStride = static_cast<unsigned int>(frame.ChromaWidth());
@@ -152,7 +152,7 @@ std::vector<unsigned char> RgbOf(const std::vector<unsigned int>& argb) {
     return rgb;
 }
 
-int RunPicture(const Options& options) {
+int RunPicture(const PictureOptions& options) {
     Frame frame = MakeFrame(options.size);
     const velm::yuv::Kernel& kernel = FindKernel(options.kernel);
     const Conversion& conversion = *std::ranges::find_if(
@@ -180,7 +180,7 @@ int RunPicture(const Options& options) {
 }  // namespace
 
 void AddPictureCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<PictureOptions>();
     CLI::App* const command = app.add_subcommand("picture", "Converts a YUV picture into a PNG file");
     command->description(
         "Reads a frame of planar YUV 4:2:0 in limited range (the Y, U and V planes one after another, no "

@@ -11,7 +11,7 @@
 namespace velmdiag {
 namespace {
 
-struct Options {
+struct PluginOptions {
     std::string file;
     bool json = false;
 };
@@ -28,7 +28,7 @@ std::wstring PathOf(HMODULE module) {
     return units < MAX_PATH ? std::wstring(path, units) : std::wstring();
 }
 
-int RunPlugin(const Options& options) {
+int RunPlugin(const PluginOptions& options) {
     const auto fail = [&](const std::string& step) { throw Failure{options.file + ": " + step}; };
     velm::LoadClassPointerFromDll plugin;
     void* object = nullptr;
@@ -66,7 +66,7 @@ int RunPlugin(const Options& options) {
 }  // namespace
 
 void AddPluginCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<PluginOptions>();
     CLI::App* const command = app.add_subcommand("plugin", "Takes a plug-in library through its life");
     command->description(
         "Loads a plug-in library, obtains its object, releases it, unloads the library, and says which step "

@@ -8,12 +8,12 @@
 namespace velmdiag {
 namespace {
 
-struct Options {
+struct UrlOptions {
     std::string url;
     bool json = false;
 };
 
-int RunUrl(const Options& options) {
+int RunUrl(const UrlOptions& options) {
     velm::UrlParser parser;
     const velm::ErrorCode result = parser.Parse(options.url.c_str());
     if (result.IsFailed()) {
@@ -41,7 +41,7 @@ int RunUrl(const Options& options) {
 }  // namespace
 
 void AddUrlCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<UrlOptions>();
     CLI::App* const command = app.add_subcommand("url", "Splits a URL into its components and parameters");
     command->description(
         "Splits a URL into scheme, authority, path, query and fragment, and its query into parameters, "

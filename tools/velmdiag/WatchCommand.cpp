@@ -18,7 +18,7 @@ namespace {
 
 constexpr unsigned int kMostMilliseconds = 24 * 60 * 60 * 1000;
 
-struct Options {
+struct WatchOptions {
     unsigned int duration = 5000;  // this and the next two in milliseconds
     unsigned int stallAfter = 0;   // 0 for never
     unsigned int period = 500;
@@ -107,7 +107,7 @@ int RunLoop(HWND window, unsigned int milliseconds) {
     return exitCode;
 }
 
-int RunWatch(const Options& options) {
+int RunWatch(const WatchOptions& options) {
     const UniqueWindow window(
         CreateWindowExW(0, L"STATIC", L"velmdiag watch", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
     if (window == nullptr) {
@@ -130,7 +130,7 @@ int RunWatch(const Options& options) {
 }  // namespace
 
 void AddWatchCommand(CLI::App& app, int& exitStatus) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<WatchOptions>();
     const CLI::AsNumberWithUnit duration(
         std::map<std::string, unsigned int>{{"ms", 1}, {"s", 1000}, {"m", 60'000}},
         CLI::AsNumberWithUnit::UNIT_REQUIRED, "DURATION");
