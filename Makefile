@@ -10,8 +10,8 @@ demo-linux: setup ## the same, natively
 test: setup ## the tests of every preset, under the sanitizers and under Wine
 	@scripts/test
 
-fuzz: setup ## each fuzz target for SECONDS, 10 unless given
-	@scripts/fuzz $(or $(SECONDS),10)
+fuzz: setup ## each fuzz target for MINUTES, 1 unless given
+	@scripts/fuzz $$((60 * $(or $(MINUTES),1)))
 
 setup:
 	@scripts/setup
