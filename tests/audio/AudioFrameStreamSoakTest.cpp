@@ -87,6 +87,8 @@ struct Soak {
         }
         for (const auto end = Clock::now() + 100ms; running != 0; stop = Clock::now() > end) {
             stream.UnlockForce();
+            EXPECT_LE(stream.GetUsedFrameSize(), 5U);
+            EXPECT_LE(stream.GetFreeFrameSize(), 5U);
             std::this_thread::sleep_for(200us);
         }
         for (std::thread& thread : threads) {

@@ -99,8 +99,6 @@ void AddCore(Table& table) {
         return code;
     };
     table.Add("velm::PathHelper::*", 0, {kNoMemory}, {{"MultiByteToWideChar", kInvalid}},
-              Converts(kWide, [](auto& out) { return PathHelper::GetWstringFromUtf8String(kText, out); }));
-    table.Add("velm::PathHelper::*", 0, {kNoMemory}, {{"MultiByteToWideChar", kInvalid}},
               Converts(kWide, [](auto& out) { return PathHelper::GetWstringFromOemcpString(kText, out); }));
     table.Add("velm::PathHelper::*", 0, {kNoMemory, kInvalid}, {{"MultiByteToWideChar", kInvalid}},
               Converts(kWide, [](auto& out) { return PathHelper::GetWstringFromString(932, kText, out); }));
@@ -184,16 +182,6 @@ void AddCore(Table& table) {
             attempt([&] { return config.SetName(kText.c_str()), config.GetStackSize(); });
         EXPECT_EQ(config.GetName(), outcome == kThrew ? "" : kText);
         return outcome;
-    });
-    table.Add("velm::Mutex::*", 0, {}, {}, [](Attempt& attempt) {
-        Mutex mutex;
-        return attempt([&] {
-            mutex.Initialize();
-            mutex.Lock();
-            mutex.Lock();
-            mutex.Unlock();
-            return mutex.Unlock();
-        });
     });
     table.Add("velm::Semaphore::*", 0, {}, {{"WaitOnAddress", 0}},
               wait(semaphore, [](Semaphore& s) { s.Post(1); }));
@@ -385,15 +373,6 @@ void AddThread(Table& table) {
         caller.Start([](void*) { return 0; }, nullptr, kText.c_str());
         return attempt([&] { return (copy = caller).GetState(); });
     });
-    table.Add("velm::AutoResetSyncEventWrapper::*", 0, {}, {}, [](Attempt& attempt) {
-        AutoResetSyncEventWrapper event;
-        return attempt([&] {
-            event.Initialize();
-            event.Trigger();
-            event.Wait();
-            return event.Terminate();
-        });
-    });
     table.Add("SchedulingProcess::*", 1, {}, {{"SetPriorityClass", 0}},
               [](Attempt& attempt) { return attempt([] { return SchedulingProcess::SetPriorityHigh(); }); });
     table.Add("SchedulingThread::*", 1, {0},
@@ -461,8 +440,6 @@ void AddThread(Table& table) {
                       return result;
                   });
               });
-    table.Add("velm::AbortMessage", 0, {}, {},
-              [](Attempt& attempt) { return attempt([] { return AbortMessage("%s", kText.c_str()), 0; }); });
     table.Add("velm::GetLocalMachineTime", 5000, {},
               {{"QueryPerformanceCounter", 0}, {"QueryPerformanceFrequency", 0}}, [](Attempt& attempt) {
                   posix::SetPerformanceCounter(5000, 1000);
@@ -560,11 +537,6 @@ void AddAudioAndConfig(Table& table) {
         EXPECT_TRUE(reader.getJsonValue(json, error));
         return outcome;
     });
-    table.Add("velm::KeyStringToByteData::*", 0, {}, {}, [](Attempt& attempt) {
-        const std::string key(64, 'a');
-        unsigned char bytes[32];
-        return attempt([&] { return KeyStringToByteData::Translate(64, key.c_str(), 32, bytes); });
-    });
     table.Add("velm::UrlParser::*", 0, {kThrew}, {}, [](Attempt& attempt) {
         UrlParser parser;
         const long long code = attempt([&] { return parser.Parse(kUrl.c_str()); });
@@ -596,6 +568,38 @@ void AddAudioAndConfig(Table& table) {
     });
 }
 
+// What neither allocates nor calls.
+void AddTheRest(Table& table) {
+    table.Add(
+        "velm::Mutex::* velm::AutoResetSyncEventWrapper::* velm::KeyStringToByteData::* "
+        "velm::CrossDotRotate::* velm::Yuv420ToArgb8888_BT601 velm::Yuv420ToArgb8888_BT709 "
+        "velm::AbortMessage",
+        1, {}, {}, [](Attempt& attempt) {
+            return attempt([] {
+                char directory[20];
+                PathHelper::GetFileDir(directory, sizeof directory, "D:\\app\\a.exe");
+                Mutex mutex;
+                mutex.Initialize();
+                mutex.Lock();
+                mutex.Unlock();
+                AutoResetSyncEventWrapper event;
+                event.Trigger();
+                event.Wait();
+                unsigned char bytes[32];
+                KeyStringToByteData::Translate(64, kUrl.c_str(), 32, bytes);
+                unsigned int pixels[16];
+                Yuv420ToArgb8888_BT601(bytes, bytes, bytes, 4, 2, 4, 4, pixels, 16);
+                Yuv420ToArgb8888_BT709(bytes, bytes, bytes, 4, 2, 4, 4, pixels, 16);
+                AbortMessage("%s", kText.c_str());
+                CrossDotRotate::_Vector3D x{1, 0, 0}, y{0, 1, 0}, zero{0, 0, 0};
+                CrossDotRotate rotation;
+                const int set = rotation.SetRotatoVector(&x, &y, &zero, 1);
+                rotation.Rotato(&x);
+                return set;
+            });
+        });
+}
+
 void AddGraphics(Table& table) {
     constexpr long long kNoMemory = VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
     constexpr D3DSURFACE_DESC kTarget{D3DFMT_D24S8,
@@ -611,23 +615,6 @@ void AddGraphics(Table& table) {
         rule->SetAsString(D3D9_ADAPTER_CHECK_VENDOR_NAME, D3D9_ADAPTER_COMPARE_NOT_EQUAL, kText.c_str());
         return rule;
     };
-    table.Add("velm::Yuv420ToArgb8888_BT601 velm::Yuv420ToArgb8888_BT709", 0, {}, {}, [](Attempt& attempt) {
-        unsigned char plane[16] = {};
-        unsigned int pixels[16];
-        return attempt([&] {
-            Yuv420ToArgb8888_BT601(plane, plane, plane, 4, 2, 4, 4, pixels, 16);
-            return Yuv420ToArgb8888_BT709(plane, plane, plane, 4, 2, 4, 4, pixels, 16), 0;
-        });
-    });
-    table.Add("velm::CrossDotRotate::*", 1, {}, {}, [](Attempt& attempt) {
-        return attempt([] {
-            CrossDotRotate::_Vector3D x{1, 0, 0}, y{0, 1, 0}, zero{0, 0, 0};
-            CrossDotRotate rotation;
-            const int set = rotation.SetRotatoVector(&x, &y, &zero, 1);
-            rotation.Rotato(&x);
-            return set;
-        });
-    });
     table.Add("velm::D3d9AdapterCheckItem::*", 1, {kThrew}, {}, [=](Attempt& attempt) {
         const auto rule = item();
         return attempt(
@@ -691,6 +678,7 @@ const std::vector<Operation>& Operations() {
         AddThread(all);
         AddAudioAndConfig(all);
         AddGraphics(all);
+        AddTheRest(all);
         return all;
     }();
     return table.operations;
