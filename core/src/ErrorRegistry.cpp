@@ -1,7 +1,7 @@
 #include "velm/core/ErrorRegistry.h"
 
-#include <deque>
 #include <iterator>
+#include <list>
 #include <mutex>
 #include <string>
 
@@ -83,8 +83,8 @@ private:
     }
 
     std::mutex m_mutex;
-    // A deque never moves its elements, so pointers into them stay good.
-    std::deque<Entry> m_entries;
+    // A list never moves its elements, so pointers into them stay good, and it takes no memory while empty.
+    std::list<Entry> m_entries;
 };
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-#include <system_error>
-
 #include "velm/core/CoreErrorCode.h"
 
+// Of the system's calls and not of the standard library's mutex, which some runtimes make on the heap at the
+// first lock and never free.
 namespace velm {
 
 ErrorCode Mutex::Initialize() {
@@ -17,12 +17,17 @@ ErrorCode Mutex::Lock() {
     if (!m_initialized.load(std::memory_order_acquire)) {
         return VELM_ERROR_CORE_NOT_INITIALIZED;
     }
-    try {
-        m_mutex.lock();
-    } catch (const std::system_error&) {
-        return VELM_ERROR_CORE_UNKNOWN;
+    const DWORD thread = GetCurrentThreadId();
+    if (m_owner.load(std::memory_order_relaxed) != thread) {
+        unsigned int state = 0;
+        if (!m_state.compare_exchange_strong(state, 1, std::memory_order_acquire)) {
+            while (m_state.exchange(2, std::memory_order_acquire) != 0) {
+                state = 2;
+                WaitOnAddress(&m_state, &state, sizeof state, INFINITE);
+            }
+        }
+        m_owner.store(thread, std::memory_order_relaxed);
     }
-    m_owner.store(GetCurrentThreadId(), std::memory_order_relaxed);
     ++m_depth;
     return 0;
 }
@@ -33,8 +38,12 @@ ErrorCode Mutex::Unlock() {
     }
     if (--m_depth == 0) {
         m_owner.store(0, std::memory_order_relaxed);
+        // The thread that is let in may destroy the mutex; the wake call uses the address only.
+        void* const address = &m_state;
+        if (m_state.exchange(0, std::memory_order_release) == 2) {
+            WakeByAddressSingle(address);
+        }
     }
-    m_mutex.unlock();
     return 0;
 }
 

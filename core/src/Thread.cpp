@@ -9,6 +9,7 @@
 
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/PathHelper.h"
+#include "velm/core/SyncEvent.h"
 
 namespace velm {
 namespace {
@@ -55,12 +56,14 @@ struct Thread::Impl {
 
     unsigned int threadId = 0;
     std::unique_ptr<void, HandleCloser> handle;
+    SyncEvent started{false, false};  // set when the two above are in place for the thread to look at
     // Keeps this record alive for the running thread, which may destroy its own Thread.
     std::shared_ptr<Impl> self;
 };
 
 unsigned int WINAPI Thread::Impl::Run(void* self) {
     const std::shared_ptr<Impl> impl = std::move(static_cast<Impl*>(self)->self);
+    impl->started.Wait();
     NameCurrentThread(impl->config.GetName());
     try {
         impl->exitCode = (*impl->owner)(impl->parameter);
@@ -109,17 +112,14 @@ ErrorCode Thread::Start(void* parameter) {
     m_impl->parameter = parameter;
     m_impl->threw = false;
     m_impl->self = m_impl;
-    // Suspended at first, so that the handle and the identifier are in place before the thread can look at
-    // them.
-    const auto handle =
-        _beginthreadex(nullptr, m_impl->config.GetStackSize(), &Impl::Run, m_impl.get(),
-                       CREATE_SUSPENDED | STACK_SIZE_PARAM_IS_A_RESERVATION, &m_impl->threadId);
+    const auto handle = _beginthreadex(nullptr, m_impl->config.GetStackSize(), &Impl::Run, m_impl.get(),
+                                       STACK_SIZE_PARAM_IS_A_RESERVATION, &m_impl->threadId);
     if (handle == 0) {
         m_impl->self.reset();
         return VELM_ERROR_CORE_UNKNOWN;
     }
     m_impl->handle.reset(reinterpret_cast<void*>(handle));
-    ResumeThread(m_impl->handle.get());
+    m_impl->started.Set();
     return 0;
 }
 

@@ -110,6 +110,7 @@ public:
     bool CheckAsGUID(GUID actual);
 
     /// The operand as text of at most 255 characters. DWORD and UINT are written as signed 32-bit numbers.
+    /// Throws std::bad_alloc when memory runs out.
     std::string ValueToString();
 
     /// Does nothing.

@@ -17,7 +17,8 @@ typedef void (*NotifyErrorFunc)(void* user, D3d9AdapterContext* context,
                                 std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
 
 /// An ordered list of rules that an adapter must satisfy, all of them. An empty set accepts every adapter. A
-/// copy shares the items.
+/// copy shares the items. Copying and AddItem throw std::bad_alloc when memory runs out; the set is then as
+/// it was.
 ///
 /// Threads: any number may check with a set, and with sets that share items, while none changes them.
 class VELM_UTIL_API D3d9AdapterCheckSet {

@@ -10,7 +10,9 @@ namespace velm {
 ///
 /// The names of files, sections and keys are in the OEM code page. A file name without a folder is looked for
 /// in the folder of Windows. A name that cannot be converted leaves `value` as it is; otherwise `value` is
-/// written, with the default when the file, the section or the key is missing. Threads: any number at once.
+/// written, with the default when the file, the section or the key is missing. When memory runs out for a
+/// temporary text, std::bad_alloc passes to the caller and `value` stays as it is.
+/// Threads: any number at once.
 class VELM_UTIL_API IniConfigReader {
 public:
     IniConfigReader();

@@ -29,6 +29,7 @@ public:
 
     /// Replaces the text by `json` as it is.
     /// @return 0
+    /// Throws std::bad_alloc when memory runs out; the text stays as it was.
     int Read(const std::string& json);
 
     /// Parses the text: the first JSON value in it; what follows is not looked at.
@@ -38,6 +39,7 @@ public:
     ///               deeper than picojson's limit for arrays (100), of arrays and objects alike, which is not
     ///               parsed at all
     /// @return whether `error` is empty afterwards; it is not emptied before
+    /// Throws std::bad_alloc when memory runs out; `value` then holds what was parsed so far.
     bool getJsonValue(picojson::value& value, std::string& error);
 
 private:

@@ -14,13 +14,14 @@ class Thread;
 ///     0      started and not stopped
 ///     1      the system gave no thread
 ///     2      the thread could not be prepared; a null function, for one
-///     3      no memory for the thread object
+///     3      no memory for the thread object or its name
 ///     -1     the thread could not be joined, or its function ended by an exception
 ///
 /// Stop leaves the states other than 0 as they are; Start replaces any.
 ///
 /// A copy has the identifier, the state and the name of its source at that moment. The thread stays with the
-/// source, which alone joins it: on a copy Stop waits for nothing, and turns state 0 into 65535.
+/// source, which alone joins it: on a copy Stop waits for nothing, and turns state 0 into 65535. Copying
+/// throws std::bad_alloc when there is no memory for the name.
 ///
 /// Threads: one controlling thread for all objects that start threads; the counter has no lock.
 class VELM_UTIL_API ThreadCaller {

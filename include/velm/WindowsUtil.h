@@ -45,7 +45,7 @@ public:
     static ErrorCode GetUtf8StringFromTstring(const std::wstring& in, std::string& out);
 
     /// Copies text of the platform's text interface up to its first NUL.
-    /// @return 0
+    /// @return 0; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY
     static ErrorCode GetWStringFromTstring(const std::wstring& in, std::wstring& out);
 
     // Windows' calls. Each takes UTF-8 where its namesake without "Call" takes UTF-16, and returns what that
@@ -97,7 +97,7 @@ public:
 
     /// The path of a file beside the executable.
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when the executable's path cannot be had, or takes more than
-    ///         260 bytes; the code of PathHelper::GetFileDir
+    ///         260 bytes; the code of PathHelper::GetFileDir; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY
     static ErrorCode GetFullPathForExecDirFile(std::string& path, const std::string& fileName);
 
     /// @param buffer  receives the path and a NUL; the caller's, `size` bytes long

@@ -167,9 +167,13 @@ unsigned int AudioFrameStream::GetFreeFrameSize() {
     return m_nFrameSampleSize != 0 ? GetFreeSampleSize() / m_nFrameSampleSize : 0;
 }
 
+// The ring's own lock is left alone: no thread keeps it, and given back for one that has it, it would let a
+// second thread in.
 void AudioFrameStream::UnlockForce() {
-    PushUnlock();
-    TakeUnlock();
+    if (IsReady()) {
+        m_pTakeSemaphore->Post(1);
+        m_pPushSemaphore->Post(1);
+    }
 }
 
 bool AudioFrameStream::IsReady() {

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 #include "velm/WindowsUtil.h"
 
@@ -27,8 +28,11 @@ void EnvConfigReader::GetIfOk(const std::string& name, std::string& value) {
     if (copy == nullptr) {
         return;  // not set
     }
-    const std::wstring wideValue(copy);
-    WindowsUtil::GetUtf8StringFromWstring(wideValue, value);
+    try {
+        WindowsUtil::GetUtf8StringFromWstring(copy, value);
+    } catch (const std::bad_alloc&) {
+        return;  // as with any other failure, the value stays
+    }
 }
 
 }  // namespace velm

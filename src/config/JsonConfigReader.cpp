@@ -79,18 +79,24 @@ JsonConfigReader::~JsonConfigReader() = default;
 int JsonConfigReader::ReadFile(const std::string& path) {
     // Windows' text mode is done here and not by the stream, so that it is the same on every system, and
     // fast.
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file;
+    try {
+        file.open(path, std::ios::binary);
+    } catch (const std::bad_alloc&) {
+        return kOpenFailed;
+    }
     if (!file.is_open()) {
         return kOpenFailed;
     }
     m_strJson.clear();
+    bool complete = false;
     try {
-        const bool complete = ReadAll(file, m_strJson);
-        JoinLines(m_strJson);
-        return complete ? 0 : kReadFailed;
+        complete = ReadAll(file, m_strJson);
     } catch (const std::bad_alloc&) {
-        return kReadFailed;
+        // as when the file fails
     }
+    JoinLines(m_strJson);
+    return complete ? 0 : kReadFailed;
 }
 
 int JsonConfigReader::Read(const std::string& json) {

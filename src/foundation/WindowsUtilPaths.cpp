@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <new>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -39,6 +41,23 @@ ErrorCode GetExecDir(char* directory) {
     return PathHelper::GetFileDir(directory, MAX_PATH, path);
 }
 
+/// The executable's folder, a separator, `folder` and `fileName`, which may be `path` itself.
+ErrorCode GetPathBelowExecDir(std::string& path, const char* folder, std::string_view fileName) {
+    char directory[MAX_PATH];
+    const ErrorCode result = GetExecDir(directory);
+    if (result.IsFailed()) {
+        return result;
+    }
+    try {
+        std::string full = directory;
+        full.append(1, kSeparator).append(folder).append(fileName);
+        path = std::move(full);
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+    }
+}
+
 bool Matches(const DISPLAY_DEVICEW& device, unsigned long stateFlags) {
     const unsigned long wanted = stateFlags | DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
     return (device.StateFlags & wanted) == wanted;
@@ -47,17 +66,7 @@ bool Matches(const DISPLAY_DEVICEW& device, unsigned long stateFlags) {
 }  // namespace
 
 ErrorCode WindowsUtil::GetFullPathForExecDirFile(std::string& path, const std::string& fileName) {
-    char directory[MAX_PATH];
-    const ErrorCode result = GetExecDir(directory);
-    if (result.IsFailed()) {
-        return result;
-    }
-    // `fileName` may be `path` itself.
-    std::string full = directory;
-    full += kSeparator;
-    full += fileName;
-    path = std::move(full);
-    return 0;
+    return GetPathBelowExecDir(path, "", fileName);
 }
 
 ErrorCode WindowsUtil::GetFullPathForExecDirFile(char* buffer, std::size_t size, const char* fileName) {
@@ -65,7 +74,7 @@ ErrorCode WindowsUtil::GetFullPathForExecDirFile(char* buffer, std::size_t size,
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     std::string path;
-    const ErrorCode result = GetFullPathForExecDirFile(path, fileName);
+    const ErrorCode result = GetPathBelowExecDir(path, "", fileName);
     if (result.IsFailed()) {
         return result;
     }
@@ -77,11 +86,11 @@ ErrorCode WindowsUtil::GetFullPathForExecDirFile(char* buffer, std::size_t size,
 }
 
 ErrorCode WindowsUtil::GetFullPathForResourcesDir(std::string& path) {
-    return GetFullPathForExecDirFile(path, kResourcesDir);
+    return GetPathBelowExecDir(path, kResourcesDir, "");
 }
 
 ErrorCode WindowsUtil::GetFullPathForResourcesDirFile(std::string& path, const std::string& fileName) {
-    return GetFullPathForExecDirFile(path, kResourcesDir + fileName);
+    return GetPathBelowExecDir(path, kResourcesDir, fileName);
 }
 
 ErrorCode WindowsUtil::GetMaxScreenSize(int* width, int* height, unsigned long stateFlags) {

@@ -66,13 +66,16 @@ ErrorCode WindowsUtil::GetUtf8StringFromOemcpString(const std::string& in, std::
 }
 
 ErrorCode WindowsUtil::GetUtf8StringFromTstring(const std::wstring& in, std::string& out) {
-    const std::wstring text(in.c_str());
-    return GetOemcpStringFromWstring(text, out);
+    return GetOemcpStringFromWstring(in, out);  // which, too, ends at the first NUL
 }
 
 ErrorCode WindowsUtil::GetWStringFromTstring(const std::wstring& in, std::wstring& out) {
-    out = in.c_str();
-    return 0;
+    try {
+        out.assign(in.c_str());
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+    }
 }
 
 bool WindowsUtil::ConvertToWideChar(unsigned int codePage, wchar_t** out, int* outLength, const char* in,

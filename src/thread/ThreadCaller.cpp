@@ -53,10 +53,10 @@ ThreadCaller::ThreadCaller(const ThreadCaller& other)
 
 ThreadCaller& ThreadCaller::operator=(const ThreadCaller& other) {
     if (this != &other) {
+        mConfig = other.mConfig;  // first: it may throw
         Stop();
         mId = other.mId;
         mState = other.mState;
-        mConfig = other.mConfig;
     }
     return *this;
 }
@@ -68,10 +68,11 @@ ThreadCaller::~ThreadCaller() {
 void ThreadCaller::Start(int (*function)(void*), void* argument, const char* name, int idBase) {
     ++mCount;
     mId = ThreadId(idBase, mCount);
-    mConfig.SetName(name);
-
-    auto* const thread = new (std::nothrow) OwnedThread;
-    if (thread == nullptr) {
+    OwnedThread* thread = nullptr;
+    try {
+        mConfig.SetName(name);
+        thread = new OwnedThread;
+    } catch (const std::bad_alloc&) {
         mState = kNoMemory;
         return;
     }

@@ -2,12 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <future>
-#include <thread>
 #include <vector>
 
 namespace velm {
@@ -156,68 +152,6 @@ TEST(AudioFrameStream, TerminateLetsABlockedThreadGo) {
         stream.Terminate();
         EXPECT_EQ(blocked.Result(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(full ? stream.PushBackClearFrame() : stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
-    }
-}
-
-// Two producers and two consumers, and a fifth thread that looks on. Every frame must arrive once, whole, and
-// each producer's in order. VELM_FRAMES sets the number for a longer run.
-TEST(AudioFrameStream, LosesAndDoublesNothingBetweenFourThreads) {
-    const char* const given = std::getenv("VELM_FRAMES");
-    const int framesEach = (given != nullptr ? std::atoi(given) : 100'000) / 2;
-    constexpr unsigned int kFrameSamples = 16;
-    AudioFrameStream stream(kFrameSamples, 4, 2, 16);
-    ASSERT_EQ(stream.Initialize(), 0U);
-
-    // A frame is full of one number: the producer in the top bit, its count below.
-    const auto produce = [&](unsigned int producer) {
-        std::vector<unsigned int> frame(kFrameSamples);
-        for (int i = 0; i < framesEach; ++i) {
-            std::fill(frame.begin(), frame.end(), producer << 31 | static_cast<unsigned int>(i));
-            ASSERT_EQ(stream.PushBackFrame(reinterpret_cast<short*>(frame.data())), 0U);
-        }
-    };
-    std::vector<std::vector<unsigned int>> seen(2);
-    const auto consume = [&](std::vector<unsigned int>& numbers) {
-        std::vector<unsigned int> frame(kFrameSamples);
-        for (int i = 0; i < framesEach; ++i) {
-            ASSERT_EQ(stream.TakeFrontFrame(reinterpret_cast<short*>(frame.data())), 0U);
-            ASSERT_TRUE(
-                std::all_of(frame.begin(), frame.end(), [&](unsigned int n) { return n == frame[0]; }));
-            numbers.push_back(frame[0]);
-        }
-    };
-    std::atomic<bool> done{false};
-    std::thread onlooker([&] {
-        while (!done) {
-            ASSERT_LE(stream.GetUsedFrameSize(), 5U);
-            ASSERT_LE(stream.GetFreeFrameSize(), 5U);
-            std::this_thread::yield();
-        }
-    });
-    std::thread threads[] = {std::thread(produce, 0U), std::thread(produce, 1U),
-                             std::thread(consume, std::ref(seen[0])),
-                             std::thread(consume, std::ref(seen[1]))};
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    done = true;
-    onlooker.join();
-
-    std::vector<unsigned int> all;
-    for (const auto& numbers : seen) {
-        for (const unsigned int producer : {0U, 1U}) {
-            std::vector<unsigned int> own;
-            std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(own),
-                         [&](unsigned int n) { return n >> 31 == producer; });
-            EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
-        }
-        all.insert(all.end(), numbers.begin(), numbers.end());
-    }
-    std::sort(all.begin(), all.end());
-    ASSERT_EQ(all.size(), 2U * static_cast<unsigned int>(framesEach));
-    for (unsigned int i = 0; i < all.size(); ++i) {
-        const auto each = static_cast<unsigned int>(framesEach);
-        ASSERT_EQ(all[i], i < each ? i : (1U << 31 | (i - each)));
     }
 }
 

@@ -37,21 +37,5 @@ TEST_F(WindowsUtilTextPosix, OemTextFollowsTheSystemsCodePage) {
     EXPECT_EQ(out, "old");
 }
 
-TEST_F(WindowsUtilTextPosix, RefusedCallLeavesTheResultAlone) {
-    for (const unsigned int skip : {0U, 1U}) {  // measuring, converting
-        posix::FailCall("WideCharToMultiByte", ERROR_INVALID_PARAMETER, skip);
-        std::string out = "old";
-        EXPECT_EQ(WindowsUtil::GetUtf8StringFromWstring(L"a", out), VELM_ERROR_UTIL_INVALID_PARAM);
-        EXPECT_EQ(out, "old");
-        posix::FailCall("MultiByteToWideChar", ERROR_INVALID_PARAMETER, skip);
-        std::wstring wide = L"old";
-        EXPECT_TRUE(WindowsUtil::GetWstringFromUtf8String("a", wide).IsFailed());
-        EXPECT_EQ(wide, L"old");
-        posix::FailCall("MultiByteToWideChar", ERROR_INVALID_PARAMETER, skip);
-        EXPECT_TRUE(WindowsUtil::GetOemcpStringFromUtf8String("a", out).IsFailed());
-        EXPECT_EQ(out, "old");
-    }
-}
-
 }  // namespace
 }  // namespace velm

@@ -17,7 +17,7 @@ long long CountEntries(const char* folder) {
 
 ProcessResources GetProcessResources() {
     return {CountEntries("/proc/self/fd") + posix::OpenHandles(), CountEntries("/proc/self/task"),
-            static_cast<long long>(mallinfo2().uordblks)};
+            static_cast<long long>(mallinfo2().uordblks), posix::OpenDeviceContexts()};
 }
 
 }  // namespace velm

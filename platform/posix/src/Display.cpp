@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <memory>
 #include <mutex>
 #include <set>
 
@@ -72,24 +73,24 @@ HDC CreateDCW(LPCWSTR, LPCWSTR device, LPCWSTR, const DEVMODEW*) {
     const std::lock_guard lock(TheDevices().mutex);
     for (const Display& display : TheDevices().displays) {
         if (device != nullptr && display.name == device) {
-            const auto* context = new Context{display.width, display.height};
-            TheDevices().contexts.insert(context);
-            return reinterpret_cast<HDC>(const_cast<Context*>(context));
+            return WithinSystem(HDC{}, [&] {
+                auto context = std::make_unique<Context>(Context{display.width, display.height});
+                TheDevices().contexts.insert(context.get());
+                return reinterpret_cast<HDC>(context.release());
+            });
         }
     }
     return nullptr;
 }
 
 BOOL DeleteDC(HDC handle) {
-    if (MustFail("DeleteDC")) {
-        return FALSE;
-    }
+    const bool fails = MustFail("DeleteDC");  // it is gone all the same
     const std::lock_guard lock(TheDevices().mutex);
     if (TheDevices().contexts.erase(ToContext(handle)) == 0) {
         return FALSE;
     }
     delete ToContext(handle);
-    return TRUE;
+    return !fails;
 }
 
 int GetDeviceCaps(HDC handle, int index) {
@@ -112,6 +113,8 @@ BOOL TextOutW(HDC, int x, int y, LPCWSTR text, int units) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    RecordShown({"TextOutW", {std::wstring(text, static_cast<std::size_t>(units))}, {x, y}});
-    return TRUE;
+    return WithinSystem(FALSE, [&] {
+        RecordShown({"TextOutW", {std::wstring(text, static_cast<std::size_t>(units))}, {x, y}});
+        return TRUE;
+    });
 }

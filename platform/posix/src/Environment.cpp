@@ -51,16 +51,19 @@ BOOL SetEnvironmentVariableW(LPCWSTR wideName, LPCWSTR value) {
     if (MustFail("SetEnvironmentVariableW")) {
         return FALSE;
     }
-    std::string name = Utf8(wideName);
-    if (!IsName(name)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    const std::lock_guard lock(g_mutex);
-    if (const char* const entry = FindVariable(name)) {
-        name.assign(entry, name.size());  // in its own case
-    }
-    return (value != nullptr ? setenv(name.c_str(), Utf8(value).c_str(), 1) : unsetenv(name.c_str())) == 0;
+    return WithinSystem(FALSE, [&]() -> BOOL {
+        std::string name = Utf8(wideName);
+        if (!IsName(name)) {
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return FALSE;
+        }
+        const std::lock_guard lock(g_mutex);
+        if (const char* const entry = FindVariable(name)) {
+            name.assign(entry, name.size());  // in its own case
+        }
+        return (value != nullptr ? setenv(name.c_str(), Utf8(value).c_str(), 1) : unsetenv(name.c_str())) ==
+               0;
+    });
 }
 
 int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
@@ -74,23 +77,25 @@ int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
     if (MustFail("_wdupenv_s")) {
         return ENOMEM;
     }
-    const std::string name = Utf8(wideName);
-    const std::lock_guard lock(g_mutex);
-    const char* const entry = IsName(name) ? FindVariable(name) : nullptr;
-    if (entry == nullptr) {
+    return WithinSystem(ENOMEM, [&]() -> int {
+        const std::string name = Utf8(wideName);
+        const std::lock_guard lock(g_mutex);
+        const char* const entry = IsName(name) ? FindVariable(name) : nullptr;
+        if (entry == nullptr) {
+            return 0;
+        }
+        const char* const text = entry + name.size() + 1;
+        const int count = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
+        auto* const copy =
+            static_cast<wchar_t*>(std::calloc(static_cast<std::size_t>(count) + 1, sizeof(wchar_t)));
+        if (copy == nullptr) {
+            return ENOMEM;
+        }
+        MultiByteToWideChar(CP_UTF8, 0, text, -1, copy, count);
+        *value = copy;
+        if (units != nullptr) {
+            *units = std::wcslen(copy) + 1;
+        }
         return 0;
-    }
-    const char* const text = entry + name.size() + 1;
-    const int count = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
-    auto* const copy =
-        static_cast<wchar_t*>(std::calloc(static_cast<std::size_t>(count) + 1, sizeof(wchar_t)));
-    if (copy == nullptr) {
-        return ENOMEM;
-    }
-    MultiByteToWideChar(CP_UTF8, 0, text, -1, copy, count);
-    *value = copy;
-    if (units != nullptr) {
-        *units = std::wcslen(copy) + 1;
-    }
-    return 0;
+    });
 }

@@ -85,24 +85,26 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD, SECURITY_ATTRIBUTES*, DWOR
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
-    const int descriptor = open(NativePath(path).c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        SetLastError(ErrorFromErrno(errno));
-        return INVALID_HANDLE_VALUE;
-    }
-    struct stat status {};
-    if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
-        close(descriptor);
-        SetLastError(ERROR_ACCESS_DENIED);
-        return INVALID_HANDLE_VALUE;
-    }
-    auto* file = new (std::nothrow) File(descriptor);
-    if (file == nullptr) {
-        close(descriptor);
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return INVALID_HANDLE_VALUE;
-    }
-    return ToHandle(file);
+    return WithinSystem(INVALID_HANDLE_VALUE, [&]() -> HANDLE {
+        const int descriptor = open(NativePath(path).c_str(), O_RDONLY | O_CLOEXEC);
+        if (descriptor < 0) {
+            SetLastError(ErrorFromErrno(errno));
+            return INVALID_HANDLE_VALUE;
+        }
+        struct stat status {};
+        if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
+            close(descriptor);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }
+        auto* file = new (std::nothrow) File(descriptor);
+        if (file == nullptr) {
+            close(descriptor);
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return INVALID_HANDLE_VALUE;
+        }
+        return ToHandle(file);
+    });
 }
 
 BOOL ReadFile(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD readSize, OVERLAPPED*) {

@@ -79,13 +79,15 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
     if (std::wcscmp(name, L"kernel32.dll") == 0) {
         return static_cast<HMODULE>(KernelModule());
     }
-    void* const module = dlopen(NativePath(name).c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (module == nullptr) {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return nullptr;
-    }
-    dlclose(module);  // as on Windows, the handle given is not counted
-    return static_cast<HMODULE>(module);
+    return WithinSystem(HMODULE{}, [&]() -> HMODULE {
+        void* const module = dlopen(NativePath(name).c_str(), RTLD_NOW | RTLD_NOLOAD);
+        if (module == nullptr) {
+            SetLastError(ERROR_MOD_NOT_FOUND);
+            return nullptr;
+        }
+        dlclose(module);  // as on Windows, the handle given is not counted
+        return static_cast<HMODULE>(module);
+    });
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
@@ -107,7 +109,9 @@ HMODULE LoadLibraryW(LPCWSTR path) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    void* const module = dlopen(NativePath(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    // The library's own start makes calls too, and is not the system.
+    const std::string native = WithinSystem(std::string(), [&] { return NativePath(path); });
+    void* const module = native.empty() ? nullptr : dlopen(native.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) {
         SetLastError(ERROR_MOD_NOT_FOUND);
     }
@@ -122,17 +126,19 @@ DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
     if (MustFail("GetModuleFileNameW")) {
         return 0;
     }
-    const std::wstring full = module == nullptr ? ExecutablePath() : ModulePath(module);
-    if (full.empty() || size == 0) {
-        SetLastError(full.empty() ? ERROR_MOD_NOT_FOUND : ERROR_INSUFFICIENT_BUFFER);
-        return 0;
-    }
-    const std::size_t units = std::min<std::size_t>(full.size(), size - 1);
-    full.copy(path, units);
-    path[units] = 0;
-    if (units == full.size()) {
-        return static_cast<DWORD>(units);
-    }
-    SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    return size;  // the path was cut, and its NUL counts
+    return WithinSystem(DWORD{0}, [&]() -> DWORD {
+        const std::wstring full = module == nullptr ? ExecutablePath() : ModulePath(module);
+        if (full.empty() || size == 0) {
+            SetLastError(full.empty() ? ERROR_MOD_NOT_FOUND : ERROR_INSUFFICIENT_BUFFER);
+            return 0;
+        }
+        const std::size_t units = std::min<std::size_t>(full.size(), size - 1);
+        full.copy(path, units);
+        path[units] = 0;
+        if (units == full.size()) {
+            return static_cast<DWORD>(units);
+        }
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return size;  // the path was cut, and its NUL counts
+    });
 }

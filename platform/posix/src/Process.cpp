@@ -80,29 +80,31 @@ BOOL GetProcessMemoryInfo(HANDLE process, PROCESS_MEMORY_COUNTERS* counters, DWO
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return FALSE;
     }
-    SIZE_T total = 0;
-    SIZE_T resident = 0;
-    SIZE_T shared = 0;
-    SIZE_T text = 0;
-    SIZE_T library = 0;
-    SIZE_T data = 0;
-    std::ifstream("/proc/self/statm") >> total >> resident >> shared >> text >> library >> data;
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto page = static_cast<SIZE_T>(sysconf(_SC_PAGESIZE));
+    return WithinSystem(FALSE, [&]() -> BOOL {
+        SIZE_T total = 0;
+        SIZE_T resident = 0;
+        SIZE_T shared = 0;
+        SIZE_T text = 0;
+        SIZE_T library = 0;
+        SIZE_T data = 0;
+        std::ifstream("/proc/self/statm") >> total >> resident >> shared >> text >> library >> data;
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        const auto page = static_cast<SIZE_T>(sysconf(_SC_PAGESIZE));
 
-    *counters = {};
-    counters->cb = sizeof *counters;
-    counters->PageFaultCount = static_cast<DWORD>(usage.ru_minflt + usage.ru_majflt);
-    counters->WorkingSetSize = resident * page;
-    counters->PeakWorkingSetSize = static_cast<SIZE_T>(usage.ru_maxrss) * 1024;
-    counters->PagefileUsage = data * page;
-    counters->PeakPagefileUsage = counters->PagefileUsage;
-    return TRUE;
+        *counters = {};
+        counters->cb = sizeof *counters;
+        counters->PageFaultCount = static_cast<DWORD>(usage.ru_minflt + usage.ru_majflt);
+        counters->WorkingSetSize = resident * page;
+        counters->PeakWorkingSetSize = static_cast<SIZE_T>(usage.ru_maxrss) * 1024;
+        counters->PagefileUsage = data * page;
+        counters->PeakPagefileUsage = counters->PagefileUsage;
+        return TRUE;
+    });
 }
 
 void OutputDebugStringW(LPCWSTR text) {
     if (!MustFail("OutputDebugStringW") && text != nullptr) {
-        RecordShown({"OutputDebugStringW", {text}, {}});
+        WithinSystem(FALSE, [&] { return RecordShown({"OutputDebugStringW", {text}, {}}), TRUE; });
     }
 }

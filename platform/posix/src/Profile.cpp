@@ -212,11 +212,13 @@ UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWS
         SetLastError(ERROR_INVALID_PARAMETER);
         return static_cast<UINT>(defaultValue);
     }
-    const auto value = ReadValue(section, key, path);
-    if (!value || value->empty()) {
-        return static_cast<UINT>(defaultValue);
-    }
-    return ToNumber(std::wstring_view(*value).substr(0, kMostUnits));
+    return WithinSystem(static_cast<UINT>(defaultValue), [&]() -> UINT {
+        const auto value = ReadValue(section, key, path);
+        if (!value || value->empty()) {
+            return static_cast<UINT>(defaultValue);
+        }
+        return ToNumber(std::wstring_view(*value).substr(0, kMostUnits));
+    });
 }
 
 DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR buffer, DWORD units,
@@ -229,16 +231,18 @@ DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    auto value = ReadValue(section, key, path);
-    if (!value) {
-        std::wstring_view text = defaultText != nullptr ? defaultText : L"";
-        while (text.size() > 1 && text.back() == L' ') {
-            text.remove_suffix(1);
+    return WithinSystem(DWORD{0}, [&]() -> DWORD {
+        auto value = ReadValue(section, key, path);
+        if (!value) {
+            std::wstring_view text = defaultText != nullptr ? defaultText : L"";
+            while (text.size() > 1 && text.back() == L' ') {
+                text.remove_suffix(1);
+            }
+            value = WithoutQuotes(text);
         }
-        value = WithoutQuotes(text);
-    }
-    const std::size_t length = std::min<std::size_t>(value->size(), units - 1);
-    std::copy_n(value->begin(), length, buffer);
-    buffer[length] = L'\0';
-    return static_cast<DWORD>(length);
+        const std::size_t length = std::min<std::size_t>(value->size(), units - 1);
+        std::copy_n(value->begin(), length, buffer);
+        buffer[length] = L'\0';
+        return static_cast<DWORD>(length);
+    });
 }

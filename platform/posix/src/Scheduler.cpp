@@ -49,8 +49,7 @@ BOOL AvSetMmThreadPriority(HANDLE registration, AVRT_PRIORITY priority) {
     if (MustFail("AvSetMmThreadPriority") || OwnRegistration(registration) == nullptr) {
         return FALSE;
     }
-    RecordShown({"AvSetMmThreadPriority", {}, {priority}});
-    return TRUE;
+    return WithinSystem(FALSE, [&] { return RecordShown({"AvSetMmThreadPriority", {}, {priority}}), TRUE; });
 }
 
 BOOL AvRevertMmThreadCharacteristics(HANDLE handle) {

@@ -177,7 +177,10 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWST
     if (MustFail("MultiByteToWideChar")) {
         return 0;
     }
-    const CodePage* const page = codePage == CP_UTF8 ? nullptr : FindCodePage(codePage);
+    const CodePage* page = nullptr;
+    if (codePage != CP_UTF8) {
+        page = WithinSystem(page, [&] { return FindCodePage(codePage); });
+    }
     if (in == nullptr || inSize == 0 || outUnits < 0 || (out == nullptr && outUnits != 0) || flags != 0 ||
         (page == nullptr && codePage != CP_UTF8)) {
         SetLastError(ERROR_INVALID_PARAMETER);
@@ -198,7 +201,10 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPS
     if (MustFail("WideCharToMultiByte")) {
         return 0;
     }
-    const CodePage* const page = codePage == CP_UTF8 ? nullptr : FindCodePage(codePage);
+    const CodePage* page = nullptr;
+    if (codePage != CP_UTF8) {
+        page = WithinSystem(page, [&] { return FindCodePage(codePage); });
+    }
     if (in == nullptr || inUnits == 0 || outSize < 0 || (out == nullptr && outSize != 0) || flags != 0 ||
         defaultChar != nullptr || usedDefault != nullptr || (page == nullptr && codePage != CP_UTF8)) {
         SetLastError(ERROR_INVALID_PARAMETER);

@@ -24,17 +24,10 @@ namespace {
 struct ThreadState {
     std::mutex mutex;
     std::condition_variable changed;
-    bool resumed = false;
     bool ended = false;
     unsigned int id = 0;
     unsigned int(WINAPI* function)(void*) = nullptr;
     void* argument = nullptr;
-
-    void Signal(bool& flag) {
-        const std::lock_guard lock(mutex);
-        flag = true;
-        changed.notify_all();
-    }
 };
 
 class ThreadObject : public Object {
@@ -53,13 +46,14 @@ void* RunThread(void* parameter) {
         static_cast<std::shared_ptr<ThreadState>*>(parameter));
     const std::shared_ptr<ThreadState> state = *holder;
     {
-        std::unique_lock lock(state->mutex);
+        const std::lock_guard lock(state->mutex);
         state->id = GetCurrentThreadId();
         state->changed.notify_all();
-        state->changed.wait(lock, [&] { return state->resumed; });
     }
     state->function(state->argument);
-    state->Signal(state->ended);
+    const std::lock_guard lock(state->mutex);
+    state->ended = true;
+    state->changed.notify_all();
     return nullptr;
 }
 
@@ -69,35 +63,37 @@ void* RunThread(void* parameter) {
 using namespace velm::posix;
 
 UINT_PTR _beginthreadex(void*, unsigned int stackSize, unsigned int(WINAPI* function)(void*), void* argument,
-                        unsigned int flags, unsigned int* threadId) {
+                        unsigned int, unsigned int* threadId) {
     if (MustFail("_beginthreadex")) {
         return 0;
     }
-    auto state = std::make_shared<ThreadState>();
-    state->function = function;
-    state->argument = argument;
-    state->resumed = (flags & CREATE_SUSPENDED) == 0;
+    return WithinSystem(UINT_PTR{0}, [&]() -> UINT_PTR {
+        auto state = std::make_shared<ThreadState>();
+        auto object = std::make_unique<ThreadObject>(state);
+        state->function = function;
+        state->argument = argument;
 
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    if (stackSize != 0) {
-        pthread_attr_setstacksize(&attributes, std::max<std::size_t>(stackSize, PTHREAD_STACK_MIN));
-    }
-    auto holder = std::make_unique<std::shared_ptr<ThreadState>>(state);
-    pthread_t thread{};
-    const int failed = pthread_create(&thread, &attributes, &RunThread, holder.get());
-    pthread_attr_destroy(&attributes);
-    if (failed != 0) {
-        return 0;
-    }
-    holder.release();
-    std::unique_lock lock(state->mutex);
-    state->changed.wait(lock, [&] { return state->id != 0; });
-    if (threadId != nullptr) {
-        *threadId = state->id;
-    }
-    return reinterpret_cast<UINT_PTR>(ToHandle(new ThreadObject(state)));
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+        if (stackSize != 0) {
+            pthread_attr_setstacksize(&attributes, std::max<std::size_t>(stackSize, PTHREAD_STACK_MIN));
+        }
+        auto holder = std::make_unique<std::shared_ptr<ThreadState>>(state);
+        pthread_t thread{};
+        const int failed = pthread_create(&thread, &attributes, &RunThread, holder.get());
+        pthread_attr_destroy(&attributes);
+        if (failed != 0) {
+            return 0;
+        }
+        holder.release();
+        std::unique_lock lock(state->mutex);
+        state->changed.wait(lock, [&] { return state->id != 0; });
+        if (threadId != nullptr) {
+            *threadId = state->id;
+        }
+        return reinterpret_cast<UINT_PTR>(ToHandle(object.release()));
+    });
 }
 
 DWORD GetCurrentThreadId() {
@@ -107,16 +103,6 @@ DWORD GetCurrentThreadId() {
 
 HANDLE GetCurrentThread() {
     return kCurrentThread;
-}
-
-DWORD ResumeThread(HANDLE handle) {
-    auto* thread = FromHandle<ThreadObject>(handle);
-    if (thread == nullptr) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return WAIT_FAILED;
-    }
-    thread->State().Signal(thread->State().resumed);
-    return 1;
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
@@ -143,24 +129,26 @@ HRESULT SetThreadDescription(HANDLE thread, PCWSTR description) {
     if (MustFail("SetThreadDescription") || thread != kCurrentThread || description == nullptr) {
         return static_cast<HRESULT>(0x80004005U);
     }
-    constexpr std::size_t kMost = 15;
-    char name[4 * (kMost + 1)] = {};
-    // Fifteen units are enough to fill fifteen bytes, whatever they hold.
-    int units = 0;
-    while (units < static_cast<int>(kMost) && description[units] != 0) {
-        ++units;
-    }
-    auto size = static_cast<std::size_t>(WideCharToMultiByte(
-        CP_UTF8, 0, description, units, name, static_cast<int>(sizeof name), nullptr, nullptr));
-    if (size > kMost) {
-        size = kMost;
-        while (size != 0 && (static_cast<unsigned char>(name[size]) & 0xC0U) == 0x80U) {
-            --size;
+    return WithinSystem(static_cast<HRESULT>(0x8007000EU), [&]() -> HRESULT {
+        constexpr std::size_t kMost = 15;
+        char name[4 * (kMost + 1)] = {};
+        // Fifteen units are enough to fill fifteen bytes, whatever they hold.
+        int units = 0;
+        while (units < static_cast<int>(kMost) && description[units] != 0) {
+            ++units;
         }
-    }
-    name[size] = '\0';
-    pthread_setname_np(pthread_self(), name);
-    return 0;
+        auto size = static_cast<std::size_t>(WideCharToMultiByte(
+            CP_UTF8, 0, description, units, name, static_cast<int>(sizeof name), nullptr, nullptr));
+        if (size > kMost) {
+            size = kMost;
+            while (size != 0 && (static_cast<unsigned char>(name[size]) & 0xC0U) == 0x80U) {
+                --size;
+            }
+        }
+        name[size] = '\0';
+        pthread_setname_np(pthread_self(), name);
+        return 0;
+    });
 }
 
 void Sleep(DWORD milliseconds) {

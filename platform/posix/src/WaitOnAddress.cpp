@@ -21,6 +21,9 @@ long Futex(volatile void* address, int operation, unsigned int value, const time
 }  // namespace
 
 BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds) {
+    if (MustFail("WaitOnAddress")) {
+        return FALSE;
+    }
     unsigned int expected = 0;
     if (size != sizeof expected) {
         SetLastError(ERROR_INVALID_PARAMETER);

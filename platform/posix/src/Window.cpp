@@ -150,9 +150,11 @@ BOOL SetWindowTextW(HWND window, LPCWSTR text) {
     if (found == nullptr) {
         return FALSE;
     }
-    found->text = text != nullptr ? text : L"";
-    RecordShown({"SetWindowTextW", {found->text}, {}});
-    return TRUE;
+    return WithinSystem(FALSE, [&] {
+        found->text = text != nullptr ? text : L"";
+        RecordShown({"SetWindowTextW", {found->text}, {}});
+        return TRUE;
+    });
 }
 
 int GetWindowTextW(HWND window, LPWSTR text, int size) {
@@ -174,9 +176,11 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC functio
     std::erase_if(desktop.timers,
                   [&](const Timer& timer) { return timer.window == window && timer.id == id; });
     const std::chrono::milliseconds period(std::max(milliseconds, kShortestPeriod));
-    desktop.timers.push_back({window, id, period, function, Clock::now() + period});
-    desktop.changed.notify_all();
-    return id != 0 ? id : 1;
+    return WithinSystem(UINT_PTR{0}, [&] {
+        desktop.timers.push_back({window, id, period, function, Clock::now() + period});
+        desktop.changed.notify_all();
+        return id != 0 ? id : 1;
+    });
 }
 
 BOOL KillTimer(HWND window, UINT_PTR id) {
@@ -232,21 +236,22 @@ void PostQuitMessage(int exitCode) {
     }
     Desktop& desktop = TheDesktop();
     const std::lock_guard lock(desktop.mutex);
-    desktop.quitCodes[GetCurrentThreadId()] = exitCode;
+    WithinSystem(0, [&] { return desktop.quitCodes[GetCurrentThreadId()] = exitCode; });
 }
 
 int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT type) {
     if (MustFail("MessageBoxW")) {
         return 0;
     }
-    RecordShown({"MessageBoxW", {text, caption}, {type}});
-    return IDOK;
+    return WithinSystem(0, [&] { return RecordShown({"MessageBoxW", {text, caption}, {type}}), IDOK; });
 }
 
 HANDLE LoadImageW(HINSTANCE, LPCWSTR name, UINT type, int width, int height, UINT flags) {
     if (MustFail("LoadImageW")) {
         return nullptr;
     }
-    RecordShown({"LoadImageW", {name}, {type, width, height, flags}});
-    return reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(0x10));
+    return WithinSystem(HANDLE{}, [&] {
+        RecordShown({"LoadImageW", {name}, {type, width, height, flags}});
+        return reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(0x10));
+    });
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 
 #include "velm/core/ErrorCode.h"
 #include "velm/core/Export.h"
@@ -22,8 +21,8 @@ public:
 
     /// Waits until no other thread holds the lock and takes it. The holder may take it again; each Lock needs
     /// its Unlock.
-    /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED before Initialize; VELM_ERROR_CORE_UNKNOWN when the system
-    /// refuses Threads: any.
+    /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED before Initialize
+    /// Threads: any.
     ErrorCode Lock();
 
     /// Gives the lock back.
@@ -32,12 +31,13 @@ public:
     ErrorCode Unlock();
 
 private:
-    std::recursive_mutex m_mutex;
+    // 0: free; 1: held; 2: held, and a thread may sleep until it is not.
+    std::atomic<unsigned int> m_state{0};
     std::atomic<bool> m_initialized{false};
     // The holder's thread identifier, 0 for none. Only the holder writes it; others merely find that it is
     // not theirs.
     std::atomic<unsigned long> m_owner{0};
-    unsigned int m_depth = 0;  // under m_mutex
+    unsigned int m_depth = 0;  // the holder's
 };
 
 }  // namespace velm

@@ -6,7 +6,8 @@
 
 namespace velm {
 
-/// The settings of a thread.
+/// The settings of a thread. Copying and SetName throw std::bad_alloc when memory runs out; the settings then
+/// stay as they were.
 class VELM_CORE_API ThreadConfig {
 public:
     ThreadConfig();

@@ -1,0 +1,248 @@
+/// @file
+/// Fails each allocation, and each call of Windows, that the libraries make, one at a time in every
+/// operation.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "Operation.h"
+
+namespace {
+
+std::atomic<bool> g_short{false};
+std::atomic<bool> g_failed{false};
+std::atomic<long long> g_count{0};
+std::atomic<long long> g_blocks{0};
+velm::Shortage g_shortage{};
+
+bool MayAllocate() {
+    if (!g_short) {
+        return true;
+    }
+    const long long number = g_count++;
+    if (g_shortage.once ? number != g_shortage.from : number < g_shortage.from) {
+        return true;
+    }
+    g_failed = true;
+    return false;
+}
+
+}  // namespace
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define VELM_TEST_MALLOC std::malloc  // the sanitizer has replaced it already
+#else
+#define VELM_TEST_MALLOC __libc_malloc
+// The C library's own, for what it and the layer below the libraries allocate.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* malloc(std::size_t size) {
+    return MayAllocate() ? __libc_malloc(size) : nullptr;
+}
+void* calloc(std::size_t count, std::size_t size) {
+    return MayAllocate() ? __libc_calloc(count, size) : nullptr;
+}
+void* realloc(void* block, std::size_t size) {
+    return MayAllocate() ? __libc_realloc(block, size) : nullptr;
+}
+}
+#endif
+
+// Linux lets a program replace these for the libraries that it uses, too; the other forms come here. Inlined,
+// the pairs of malloc and free would look mismatched to the compiler.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    void* const block = MayAllocate() ? VELM_TEST_MALLOC(size) : nullptr;
+    g_blocks += block != nullptr;
+    return block;
+}
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    if (void* const block = operator new(size, std::nothrow)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* block) noexcept {
+    g_blocks -= block != nullptr;
+    std::free(block);
+}
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
+    operator delete(block);
+}
+
+namespace velm {
+
+void BeginShortage(Shortage shortage) {
+    g_shortage = shortage;
+    g_count = 0;
+    g_failed = false;
+    g_short = true;
+}
+
+bool EndShortage() {
+    g_short = false;
+    return g_failed;
+}
+
+namespace {
+
+struct Held {
+    long long blocks = g_blocks;
+    unsigned int handles = posix::OpenHandles();
+    unsigned int contexts = posix::OpenDeviceContexts();
+    bool operator==(const Held&) const = default;
+};
+
+/// Runs an operation and looks at what it leaves behind.
+long long RunOne(const Operation& operation, Attempt& attempt) {
+    const Held before;
+    const long long outcome = operation.run(attempt);
+    posix::Reset();
+    const Held after;
+    EXPECT_EQ(after.handles, before.handles);
+    EXPECT_EQ(after.contexts, before.contexts);
+    return outcome;
+}
+
+/// The blocks in use when they are the expected, or else after a while: a thread that has been joined may
+/// still be winding up.
+long long SettledBlocks(long long expected) {
+    for (int i = 0; i < (expected < 0 ? 10 : 1000) && g_blocks != expected; ++i) {
+        Sleep(1);
+    }
+    return g_blocks;
+}
+
+bool Contains(const std::vector<long long>& outcomes, long long outcome) {
+    return std::find(outcomes.begin(), outcomes.end(), outcome) != outcomes.end();
+}
+
+// The first two runs fill what the system below keeps: code pages, stacks of threads, the registry.
+TEST(Failures, MemoryThatRunsOutGivesTheDocumentedOutcome) {
+    int cases = 0;
+    for (const Operation& operation : Operations()) {
+        long long blocks = 0;
+        for (const bool once : {true, false}) {
+            for (long long from = -2, failed = 1; failed != 0; ++from) {
+                Attempt attempt(Shortage{from < 0 ? 1LL << 40 : from, once});
+                SCOPED_TRACE(testing::Message() << operation.names << ", " << from << (once ? " once" : ""));
+                const long long outcome = RunOne(operation, attempt);
+                blocks = from < 0 || operation.keeps ? SettledBlocks(-1) : blocks;
+                EXPECT_EQ(SettledBlocks(blocks), blocks);
+                failed = attempt.didFail || from < 0;
+                ASSERT_TRUE(outcome == operation.outcome ||
+                            (attempt.didFail && Contains(operation.noMemory, outcome)))
+                    << outcome;
+                cases += attempt.didFail;
+            }
+        }
+    }
+    std::printf("%d failed allocations in %zu operations\n", cases, Operations().size());
+}
+
+TEST(Failures, ACallThatFailsGivesTheDocumentedOutcome) {
+    int cases = 0;
+    for (const Operation& operation : Operations()) {
+        SCOPED_TRACE(operation.names);
+        Attempt plain("", 0, 0);
+        EXPECT_EQ(RunOne(operation, plain), operation.outcome);
+        std::map<std::string, unsigned int> times;
+        for (const std::string& call : plain.calls) {
+            const unsigned int number = times[call]++;
+            bool known = false;
+            for (const Failure& failure : operation.failures) {
+                if (failure.call == call && (failure.number == number || failure.number == Failure::kEvery)) {
+                    known = true;
+                    Attempt attempt(failure.call, failure.lastError, number);
+                    EXPECT_EQ(RunOne(operation, attempt), failure.outcome) << call << " number " << number;
+                    ++cases;
+                }
+            }
+            EXPECT_TRUE(known) << call << " number " << number << " is not in the table";
+        }
+        for (const Failure& failure : operation.failures) {
+            // Whether a thread waits depends on who comes first.
+            EXPECT_TRUE(times.count(failure.call) == 1 || failure.call == std::string("WaitOnAddress"))
+                << failure.call << " is not called";
+        }
+    }
+    std::printf("%d failed calls in %zu operations\n", cases, Operations().size());
+}
+
+std::set<std::string> LinesOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), &pclose);
+    std::set<std::string> lines;
+    std::array<char, 4096> line;
+    while (std::fgets(line.data(), line.size(), pipe.get()) != nullptr) {
+        lines.insert(std::string(line.data(), std::string_view(line.data()).find('\n')));
+    }
+    return lines;
+}
+
+TEST(Failures, NoCallOfTheLibrariesIsMissingFromTheTable) {
+    // What cannot fail, and what the unload test fails: it happens as the library is loaded.
+    std::set<std::string> known = {"GetCurrentProcess",
+                                   "GetCurrentProcessId",
+                                   "GetCurrentThread",
+                                   "GetCurrentThreadId",
+                                   "GetLastError",
+                                   "SetLastError",
+                                   "Sleep",
+                                   "WakeByAddressAll",
+                                   "WakeByAddressSingle",
+                                   "DisableThreadLibraryCalls"};
+    for (const Operation& operation : Operations()) {
+        for (const Failure& failure : operation.failures) {
+            known.insert(failure.call);
+        }
+    }
+    unsigned int imports = 0;
+    for (const std::string& symbol :
+         LinesOf(VELM_NM " -D -u --format=just-symbols " VELM_CORE_FILE " " VELM_UTIL_FILE)) {
+        void* const address = dlsym(RTLD_DEFAULT, symbol.c_str());
+        Dl_info info{};
+        if (address != nullptr && dladdr(address, &info) != 0 &&
+            std::string_view(info.dli_fname).find("libvelmposix") != std::string_view::npos) {
+            ++imports;
+            EXPECT_EQ(known.count(symbol), 1U) << symbol;
+        }
+    }
+    EXPECT_GT(imports, 40U);
+}
+
+TEST(Failures, NoOperationOfTheLibrariesIsMissingFromTheTable) {
+    std::string names = " ";
+    for (const Operation& operation : Operations()) {
+        names += std::string(operation.names) + ' ';
+    }
+    for (const char* const file : {VELM_EXPORTS "/VelmCore.exports", VELM_EXPORTS "/VelmUtil.exports"}) {
+        std::ifstream exports(file);
+        unsigned int operations = 0;
+        for (std::string line; std::getline(exports, line);) {
+            line.erase(0, line.rfind("] ") + 1 == 0 ? 0 : line.rfind("] ") + 2);
+            if (line.find(" for ") != line.npos) {
+                continue;  // tables of classes
+            }
+            const std::string name = line.substr(0, line.find('('));
+            const std::string owner = name.substr(0, name.rfind("::"));
+            ++operations;
+            EXPECT_TRUE(names.find(' ' + name + ' ') != names.npos ||
+                        names.find(' ' + owner + "::* ") != names.npos)
+                << line;
+        }
+        EXPECT_GT(operations, 30U);
+    }
+}
+
+}  // namespace
+}  // namespace velm
