@@ -20,6 +20,8 @@ endif()
 if(UNIX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A library with a "unique" symbol, one of a template's or of an inline variable's, cannot be unloaded.
     target_compile_options(velm_build_flags INTERFACE -fno-gnu-unique)
+    # As on Windows, a library's calls to itself stay in it: a public class's own functions can be inlined.
+    target_compile_options(velm_build_flags INTERFACE -fno-semantic-interposition)
 endif()
 
 if(MINGW)
