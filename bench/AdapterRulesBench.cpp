@@ -54,7 +54,7 @@ void MeasureAdapterRules(Suite& suite) {
                       {{Check("a check of one rule, " + times + " times", 1, d3d, rules), 0.9}});
     }
     suite.Grow(
-        "Adapter rules: a check", "rules", {1, 10, 100, 1000, 10000},
+        "Adapter rules: a check", "rules", Growth::kWithSize, {1, 10, 100, 1000, 10000},
         [&d3d](double rules) -> std::vector<Contender> {
             return {Check("D3d9AdapterCheckSet", static_cast<std::size_t>(rules), d3d, 1)};
         },

@@ -133,7 +133,7 @@ void MeasureFrameRing(Suite& suite) {
     suite.Compare("AudioFrameStream", "the same on one core", Through<Ours>("AudioFrameStream", 2, 1, frames),
                   {{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 1, frames), 0.95}}, Clock::kWall);
     suite.Grow(
-        "AudioFrameStream: a frame between threads", "threads", {1, 2, 4, 6, 8},
+        "AudioFrameStream: a frame between threads", "threads", Growth::kNone, {1, 2, 4, 6, 8},
         [&](double size) -> std::vector<Contender> {
             const auto threads = static_cast<unsigned int>(size);
             const std::size_t count = frames / 5;

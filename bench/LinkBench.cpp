@@ -70,7 +70,7 @@ void MeasureLinks(Suite& suite) {
     suite.Compare("UrlSchemeUtil", "read, a good link and a bad one", Repeat("UrlSchemeUtil::read", ReadBoth),
                   {{expressions, 0.8}});
     suite.Grow(
-        "UrlSchemeUtil: read", "bytes of the link", {50, 100, 1e3, 1e4, 1e5, 1e6},
+        "UrlSchemeUtil: read", "bytes of the link", Growth::kWithSize, {50, 100, 1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> { return {ReadLong(static_cast<std::size_t>(size))}; },
         1e3);
 }

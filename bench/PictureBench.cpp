@@ -1,5 +1,6 @@
 // The picture conversion against libyuv, swscale and the limit that memory sets, one thread, the frame
 // converted over and over.
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <random>
@@ -174,6 +175,14 @@ void MeasureKernels(Suite& suite, const SharedFrame& frame) {
     }
 }
 
+/// Pictures of 16 : 9 with these widths.
+std::vector<double> PixelsOf(std::vector<double> widths) {
+    for (double& width : widths) {
+        width *= width * 9 / 16;
+    }
+    return widths;
+}
+
 }  // namespace
 
 void MeasurePictures(Suite& suite) {
@@ -187,10 +196,11 @@ void MeasurePictures(Suite& suite) {
         }
     }
     suite.Grow(
-        "Pictures: a conversion", "pixels", {160, 320, 640, 1280, 1920, 2560, 3840, 5120, 7680},
-        [](double width) -> std::vector<Contender> {
-            const int columns = static_cast<int>(width);
-            const auto frame = std::make_shared<const Frame>(Size{columns, columns * 9 / 16, 0, 0, 0});
+        "Pictures: a conversion", "pixels", Growth::kWithSize,
+        PixelsOf({160, 320, 640, 1280, 1920, 2560, 3840, 5120, 7680}),
+        [](double pixels) -> std::vector<Contender> {
+            const int sixteenth = static_cast<int>(std::lround(std::sqrt(pixels / (16 * 9))));
+            const auto frame = std::make_shared<const Frame>(Size{16 * sixteenth, 9 * sixteenth, 0, 0, 0});
             std::vector<Contender> contenders{Ours(frame)};
             for (const Peer& peer : {Libyuv(frame, Level::kBest, 0), LoadStoreLimit(frame, 0)}) {
                 if (peer.contender.run != nullptr) {
@@ -199,7 +209,7 @@ void MeasurePictures(Suite& suite) {
             }
             return contenders;
         },
-        640);
+        1e5);
 }
 
 }  // namespace velm::bench

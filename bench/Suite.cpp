@@ -84,7 +84,8 @@ void Suite::Limit(const std::string& family, const std::string& work, const std:
     m_rows.emplace_back(row);
 }
 
-void Suite::Grow(const std::string& curve, const std::string& unit, const std::vector<double>& sizes,
+void Suite::Grow(const std::string& curve, const std::string& unit, Growth growth,
+                 const std::vector<double>& sizes,
                  const std::function<std::vector<Contender>(double size)>& make, double enough, Clock clock) {
     Options options = m_options;
     options.rounds = std::min(options.rounds, kGrowthRounds);
@@ -107,6 +108,7 @@ void Suite::Grow(const std::string& curve, const std::string& unit, const std::v
     }
     picojson::object kept;
     kept["unit"] = picojson::value(unit);
+    kept["grows"] = picojson::value(growth == Growth::kWithSize);
     kept["series"] = picojson::value(series);
     m_curves[curve] = picojson::value(kept);
 }

@@ -52,6 +52,8 @@ inline Peer Missing(std::string name, std::string package, double required = 0) 
 /// Whose time counts: this thread's, or the wall's where several threads or the file system work.
 enum class Clock { kThread, kWall };
 
+enum class Growth { kWithSize, kNone };
+
 struct Options {
     int rounds = 25;
     double turnSeconds = 0.01;
@@ -78,9 +80,11 @@ public:
     void Limit(const std::string& family, const std::string& work, const std::string& against, double figure,
                double most, const std::string& unit);
 
-    /// Measures work of growing size. `make` gives the contenders of a size, which live while that size is
+    /// Measures work of growing size, whose time is to grow with the size or, like that of a step on a larger
+    /// structure, not at all. `make` gives the contenders of a size, which live while that size is
     /// measured. A short run stops at the first size of at least `enough`.
-    void Grow(const std::string& curve, const std::string& unit, const std::vector<double>& sizes,
+    void Grow(const std::string& curve, const std::string& unit, Growth growth,
+              const std::vector<double>& sizes,
               const std::function<std::vector<Contender>(double size)>& make, double enough,
               Clock clock = Clock::kThread);
 

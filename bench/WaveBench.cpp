@@ -1,6 +1,11 @@
 // WAVE files that the page cache holds: blocks of sample data against libsndfile, the skipping of a chunk
 // against stdio's fastest way to read bytes.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -89,6 +94,37 @@ Peer Sndfile(const std::shared_ptr<WaveFile>& file, double required) {
 #endif
 }
 
+/// What the system takes to hand out the bytes, to a reader with a buffer as large as ours.
+Peer ReadAlone(const std::shared_ptr<WaveFile>& file) {
+    return {Repeat("read alone, 64 KB at once", [file] {
+        const int descriptor = open(file->Name(), O_RDONLY);
+        static char buffer[64 * 1024];
+        while (read(descriptor, buffer, sizeof buffer) > 0) {
+            Keep(&buffer);
+        }
+        close(descriptor);
+    })};
+}
+
+/// What a reader without that copy would take: blocks out of a mapping of the file.
+Peer Mapping(const std::shared_ptr<WaveFile>& file) {
+    return {Repeat("blocks out of a mapping of the file", [file] {
+        const auto size = static_cast<std::size_t>(std::filesystem::file_size(file->Name()));
+        const int descriptor = open(file->Name(), O_RDONLY);
+        void* const mapping = mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor, 0);
+        close(descriptor);
+        if (mapping == MAP_FAILED) {
+            return;
+        }
+        unsigned char block[kBlockBytes];
+        for (std::size_t at = 0; at + sizeof block <= size; at += sizeof block) {
+            std::memcpy(block, static_cast<const unsigned char*>(mapping) + at, sizeof block);
+            Keep(&block);
+        }
+        munmap(mapping, size);
+    })};
+}
+
 void MeasureSkip(Suite& suite) {
     const auto file = std::make_shared<WaveFile>(suite.IsShort() ? 100'000U : 100'000'000U, kBlockBytes);
     const Contender ours = Repeat("WaveFileReadHelper", [file] {
@@ -112,7 +148,8 @@ void MeasureSkip(Suite& suite) {
 
 void MeasureWave(Suite& suite) {
     const auto file = std::make_shared<WaveFile>(0U, suite.IsShort() ? 100'000U : 10'000'000U);
-    suite.Compare("WaveFileReadHelper", "10 MB in blocks of 1920 bytes", Ours(file), {Sndfile(file, 8.0)});
+    suite.Compare("WaveFileReadHelper", "10 MB in blocks of 1920 bytes", Ours(file),
+                  {Sndfile(file, 8.0), ReadAlone(file), Mapping(file)});
     MeasureSkip(suite);
 
     std::vector<double> sizes;
@@ -120,7 +157,8 @@ void MeasureWave(Suite& suite) {
         sizes.push_back(size);
     }
     suite.Grow(
-        "WaveFileReadHelper: a file read in blocks of 1920 bytes", "bytes of the file", sizes,
+        "WaveFileReadHelper: a file read in blocks of 1920 bytes", "bytes of the file", Growth::kWithSize,
+        sizes,
         [](double size) -> std::vector<Contender> {
             const auto grown = std::make_shared<WaveFile>(0U, static_cast<std::size_t>(size));
             std::vector<Contender> contenders{Ours(grown)};

@@ -61,6 +61,13 @@ function(velm_unloadable target)
     endif()
 endfunction()
 
+# velm_without_standard_streams(<target>): a library that shows nothing and needs no streams for it.
+function(velm_without_standard_streams target)
+    if(MINGW)
+        target_include_directories(${target} BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/include)
+    endif()
+endfunction()
+
 # velm_library(<target> <description>): one of the shared libraries, with the settings that they have in common.
 function(velm_library target description)
     set_target_properties(${target} PROPERTIES
@@ -72,7 +79,8 @@ function(velm_library target description)
     if(WIN32)
         set_target_properties(${target} PROPERTIES PREFIX "")
     endif()
-    target_link_libraries(${target} PRIVATE velm_build_flags velm_platform)
+    target_link_libraries(${target} PRIVATE velm_build_flags velm_windows_on_demand velm_platform)
     velm_unloadable(${target})
+    velm_without_standard_streams(${target})
     velm_version_resource(${target} "${description}")
 endfunction()

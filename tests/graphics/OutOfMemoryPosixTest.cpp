@@ -1,57 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
+#include "Allocations.h"
 #include "FakeDevice9.h"
 #include "FakeDirect3D9.h"
 #include "velm/D3d9AdapterCheckSet.h"
 #include "velm/D3D9ResourceManager.h"
 #include "velm/D3D9Surface.h"
 
-namespace {
-
-// For this thread: how many allocations there were, and how many more may succeed.
-thread_local unsigned int t_allocations = 0;
-thread_local unsigned int t_left = ~0U;
-
-void* Allocate(std::size_t size) {
-    ++t_allocations;
-    if (t_left == 0) {
-        return nullptr;
-    }
-    --t_left;
-    return std::malloc(size);
-}
-
-/// While it lives, only the first `left` allocations succeed.
-struct Shortage {
-    explicit Shortage(unsigned int left) { t_left = left; }
-    ~Shortage() { t_left = ~0U; }
-};
-
-}  // namespace
-
-// Linux lets a program replace these for the libraries that it uses, too. Inlined, the pairs of malloc and
-// free would look mismatched to the compiler.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (void* const memory = Allocate(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
 namespace velm {
 namespace {
+
+using test::Allocations;
+using test::Shortage;
 
 TEST(OutOfMemory, ACheckAllocatesOnceAndFailsWithoutPassing) {
     FakeDirect3D9 d3d;
@@ -62,9 +22,9 @@ TEST(OutOfMemory, ACheckAllocatesOnceAndFailsWithoutPassing) {
         set.AddItem(item);
     }
     bool passed = false;
-    const unsigned int before = t_allocations;
+    const unsigned int before = Allocations();
     EXPECT_EQ(set.Check(&passed, &d3d, 0), 0U);
-    EXPECT_EQ(t_allocations, before + 1);
+    EXPECT_EQ(Allocations(), before + 1);
     EXPECT_TRUE(passed);
     const Shortage shortage(0);
     EXPECT_EQ(set.Check(&passed, &d3d, 0), VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY);
