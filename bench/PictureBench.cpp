@@ -1,15 +1,24 @@
-// The kernels of the picture conversion against libyuv, one thread, the frame converted over and over.
-#include <libyuv.h>
-
-#include <cstdio>
+// The picture conversion against libyuv, swscale and the limit that memory sets, one thread, the frame
+// converted over and over.
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
 
+#include "Families.h"
 #include "LoadStoreKernel.h"
-#include "Turns.h"
+#include "velm/YuvToArgb.h"
 #include "YuvKernels.h"
+
+#ifdef VELM_BENCH_YUV
+#include <libyuv.h>
+#endif
+#ifdef VELM_BENCH_SWSCALE
+extern "C" {
+#include <libswscale/swscale.h>
+}
+#endif
 
 namespace velm::bench {
 namespace {
@@ -17,9 +26,15 @@ namespace {
 struct Size {
     int width;
     int height;
+    double libyuv;  // how many times as fast as each the conversion is to be; 0: no figure is required
+    double swscale;
+    double limit;
+
+    std::string Name() const { return std::to_string(width) + " x " + std::to_string(height); }
 };
 
-constexpr Size kSizes[] = {{640, 360}, {1280, 720}, {1920, 1080}, {3840, 2160}};
+constexpr Size kSizes[] = {
+    {640, 360, 1.0, 1.0, 0}, {1280, 720, 1.0, 1.0, 0}, {1920, 1080, 1.0, 1.0, 0}, {3840, 2160, 1.0, 1.0, 0}};
 
 struct Free {
     void operator()(unsigned char* block) const { std::free(block); }
@@ -31,9 +46,9 @@ using Block = std::unique_ptr<unsigned char[], Free>;
 Block AllocateRandom(std::size_t size) {
     constexpr std::size_t kPage = 4096;
     Block block(static_cast<unsigned char*>(std::aligned_alloc(kPage, (size + kPage - 1) / kPage * kPage)));
-    std::mt19937 random(1);
+    std::minstd_rand random(1);
     for (std::size_t i = 0; i < size; ++i) {
-        block[i] = static_cast<unsigned char>(random());
+        block[i] = static_cast<unsigned char>(random() >> 8);
     }
     return block;
 }
@@ -47,17 +62,37 @@ public:
           m_v(AllocateRandom(Pixels() / 4)),
           m_argb(AllocateRandom(Pixels() * 4)) {}
 
-    void Convert(const yuv::Kernel& kernel) const {
+    const Size& GetSize() const { return m_size; }
+
+    void Convert() const {
+        const auto width = static_cast<unsigned int>(m_size.width);
+        Yuv420ToArgb8888_BT601(m_y.get(), m_u.get(), m_v.get(), width, width / 2, m_size.width, m_size.height,
+                               reinterpret_cast<unsigned int*>(m_argb.get()), width * 4);
+    }
+
+    void ConvertBy(const yuv::Kernel& kernel) const {
         const auto width = static_cast<unsigned int>(m_size.width);
         yuv::Convert(kernel, yuv::kBt601,
                      {m_y.get(), m_u.get(), m_v.get(), width, width / 2, m_size.width, m_size.height,
                       m_argb.get(), width * 4});
     }
 
+#ifdef VELM_BENCH_YUV
     void ConvertByLibyuv() const {
         libyuv::I420ToARGB(m_y.get(), m_size.width, m_u.get(), m_size.width / 2, m_v.get(), m_size.width / 2,
                            m_argb.get(), m_size.width * 4, m_size.width, m_size.height);
     }
+#endif
+
+#ifdef VELM_BENCH_SWSCALE
+    void ConvertBySwscale(SwsContext* context) const {
+        const unsigned char* const planes[] = {m_y.get(), m_u.get(), m_v.get()};
+        const int strides[] = {m_size.width, m_size.width / 2, m_size.width / 2};
+        unsigned char* const out[] = {m_argb.get()};
+        const int outStrides[] = {m_size.width * 4};
+        sws_scale(context, planes, strides, 0, m_size.height, out, outStrides);
+    }
+#endif
 
 private:
     std::size_t Pixels() const {
@@ -71,52 +106,110 @@ private:
     Block m_argb;
 };
 
-/// libyuv with a choice of its paths, which is made before the time is taken.
-Contender Libyuv(const std::string& name, int cpuFlags, const Frame& frame) {
-    return {.name = name,
-            .run = [&frame] { frame.ConvertByLibyuv(); },
-            .prepare = [cpuFlags] { libyuv::MaskCpuFlags(cpuFlags); }};
+using SharedFrame = std::shared_ptr<const Frame>;
+
+Contender Ours(const SharedFrame& frame) {
+    return Repeat("Yuv420ToArgb8888_BT601", [frame] { frame->Convert(); });
 }
 
-void MeasureSize(Size size, int rounds) {
-    const Frame frame(size);
-    std::vector<Contender> contenders;
-    const int withoutAvx512 = ~(libyuv::kCpuHasAVX512BW | libyuv::kCpuHasAVX512VL);
-    contenders.push_back(Libyuv("libyuv avx2", withoutAvx512, frame));
-    contenders.push_back(Libyuv("libyuv ssse3", withoutAvx512 & ~libyuv::kCpuHasAVX2, frame));
-    contenders.push_back(Libyuv("libyuv best", -1, frame));
-    const yuv::Kernel loadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStore};
-    if (loadAndStore.needs <= yuv::GetCpuLevel()) {
-        contenders.push_back(
-            {.name = loadAndStore.name, .run = [&frame, &loadAndStore] { frame.Convert(loadAndStore); }});
-    }
-    for (const yuv::Kernel& kernel : yuv::GetKernels()) {
-        if (yuv::FindKernel(kernel.name) != nullptr) {
-            contenders.push_back({.name = kernel.name, .run = [&frame, &kernel] { frame.Convert(kernel); }});
-        }
-    }
+enum class Level { kSsse3, kAvx2, kBest };
 
-    const std::vector<Result> results = Measure(contenders, rounds);
-    std::printf("\n%d x %d%18s%16s\n", size.width, size.height, "us per frame", "over libyuv");
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        std::printf("  %-16s%10.1f%16.2f\n", contenders[i].name.c_str(), results[i].seconds * 1e6,
-                    results[i].ratio);
+/// libyuv with a choice of its paths, which is made before the time is taken.
+Peer Libyuv(const SharedFrame& frame, Level level, double required) {
+    const std::string name = level == Level::kBest   ? "libyuv"
+                             : level == Level::kAvx2 ? "libyuv, AVX2"
+                                                     : "libyuv, SSSE3";
+#ifdef VELM_BENCH_YUV
+    int flags = -1;
+    if (level != Level::kBest) {
+        flags &= ~(libyuv::kCpuHasAVX512BW | libyuv::kCpuHasAVX512VL);
     }
+    if (level == Level::kSsse3) {
+        flags &= ~libyuv::kCpuHasAVX2;
+    }
+    Contender contender = Repeat(name, [frame] { frame->ConvertByLibyuv(); });
+    contender.prepare = [flags] { libyuv::MaskCpuFlags(flags); };
+    return {std::move(contender), required};
+#else
+    (void)frame;
+    return Missing(name, "libyuv-dev", required);
+#endif
+}
+
+Peer Swscale(const SharedFrame& frame, double required) {
+    const std::string name = "swscale";
+#ifdef VELM_BENCH_SWSCALE
+    const Size& size = frame->GetSize();
+    const std::shared_ptr<SwsContext> context(
+        sws_getContext(size.width, size.height, AV_PIX_FMT_YUV420P, size.width, size.height, AV_PIX_FMT_BGR0,
+                       SWS_POINT, nullptr, nullptr, nullptr),
+        sws_freeContext);
+    return {Repeat(name, [frame, context] { frame->ConvertBySwscale(context.get()); }), required};
+#else
+    (void)frame;
+    return Missing(name, "libswscale-dev", required);
+#endif
+}
+
+Peer LoadStoreLimit(const SharedFrame& frame, double required) {
+    const std::string name = "load and store alone";
+    static constexpr yuv::Kernel kLoadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStore};
+    if (kLoadAndStore.needs > yuv::GetCpuLevel()) {
+        return Missing(name, "a processor with AVX-512", required);
+    }
+    return {Repeat(name, [frame] { frame->ConvertBy(kLoadAndStore); }), required};
+}
+
+/// Each kernel that this processor can run, against libyuv with the same instructions.
+void MeasureKernels(Suite& suite, const SharedFrame& frame) {
+    for (const yuv::Kernel& kernel : yuv::GetKernels()) {
+        if (yuv::FindKernel(kernel.name) == nullptr) {
+            continue;
+        }
+        const Level level = kernel.needs >= yuv::CpuLevel::kAvx512Bw ? Level::kBest
+                            : kernel.needs >= yuv::CpuLevel::kAvx2   ? Level::kAvx2
+                                                                     : Level::kSsse3;
+        suite.Compare("Pictures", "kernel " + std::string(kernel.name) + ", " + frame->GetSize().Name(),
+                      Repeat(kernel.name, [frame, &kernel] { frame->ConvertBy(kernel); }),
+                      {Libyuv(frame, level, 0)});
+    }
+}
+
+/// Pictures of 16 : 9 with these widths.
+std::vector<double> PixelsOf(std::vector<double> widths) {
+    for (double& width : widths) {
+        width *= width * 9 / 16;
+    }
+    return widths;
 }
 
 }  // namespace
-}  // namespace velm::bench
 
-int main(int argc, char** argv) {
-    const int rounds = argc > 1 ? std::atoi(argv[1]) : 101;
-    if (rounds < 1) {
-        std::fprintf(stderr, "usage: picture_bench [ROUNDS]\n");
-        return 2;
+void MeasurePictures(Suite& suite) {
+    for (const Size& size : kSizes) {
+        const auto frame = std::make_shared<const Frame>(size);
+        suite.Compare("Pictures", size.Name(), Ours(frame),
+                      {Libyuv(frame, Level::kBest, size.libyuv), Swscale(frame, size.swscale),
+                       LoadStoreLimit(frame, size.limit)});
+        if (size.width == 1920) {
+            MeasureKernels(suite, frame);
+        }
     }
-    std::printf(
-        "Median of %d rounds, all contenders in turns; over libyuv: libyuv's AVX2 time over this one.\n",
-        rounds);
-    for (const velm::bench::Size size : velm::bench::kSizes) {
-        velm::bench::MeasureSize(size, rounds);
-    }
+    suite.Grow(
+        "Pictures: a conversion", "pixels", Growth::kWithSize,
+        PixelsOf({160, 320, 640, 1280, 1920, 2560, 3840, 5120, 7680}),
+        [](double pixels) -> std::vector<Contender> {
+            const int sixteenth = static_cast<int>(std::lround(std::sqrt(pixels / (16 * 9))));
+            const auto frame = std::make_shared<const Frame>(Size{16 * sixteenth, 9 * sixteenth, 0, 0, 0});
+            std::vector<Contender> contenders{Ours(frame)};
+            for (const Peer& peer : {Libyuv(frame, Level::kBest, 0), LoadStoreLimit(frame, 0)}) {
+                if (peer.contender.run != nullptr) {
+                    contenders.push_back(peer.contender);
+                }
+            }
+            return contenders;
+        },
+        1e5);
 }
+
+}  // namespace velm::bench

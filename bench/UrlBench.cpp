@@ -1,28 +1,29 @@
-// UrlParser::Parse, parameters included, against the expression of RFC 3986 in the standard library and
-// against uriparser; UrlSchemeUtil::read against the standard library's expressions.
-#include <benchmark/benchmark.h>
-#include <uriparser/Uri.h>
-
+// UrlParser::Parse, parameters included, against the expression of RFC 3986 in the standard library, against
+// uriparser and against libcurl.
+#include <cstdint>
 #include <iterator>
-#include <memory>
 #include <regex>
 #include <string>
 
-#include "Ratio.h"
-#include "url/Scramble.h"
-#include "url/StoredPatterns.h"
+#include "Families.h"
 #include "velm/UrlParser.h"
-#include "velm/UrlSchemeUtil.h"
+
+#ifdef VELM_BENCH_URIPARSER
+#include <uriparser/Uri.h>
+#endif
+#ifdef VELM_BENCH_CURL
+#include <curl/curl.h>
+#endif
 
 namespace velm::bench {
 namespace {
 
-/// A URL of about `size` bytes: names in no order, values of 4 to 31 characters.
+/// A URL of `size` bytes, or a few less: names in no order, values of 4 to 31 characters.
 std::string MakeUrl(std::size_t size) {
     static const char* const names[] = {"title",  "ticket", "region", "codec",  "bitrate", "width",
                                         "height", "fps",    "audio",  "locale", "session", "client"};
     const std::string digits = "0123456789abcdef";
-    std::string url = "https://play.velm.example/session?";
+    std::string url = std::string("https://play.velm.example/session?").substr(0, size);
     std::uint32_t random = 1;
     for (std::size_t i = 0;; ++i) {
         random = random * 1103515245 + 12345;
@@ -39,117 +40,112 @@ std::string MakeUrl(std::size_t size) {
     }
 }
 
-void Parse(benchmark::State& state) {
-    const std::string url = MakeUrl(static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) {
-        UrlParser parser;
-        if (parser.Parse(url.c_str()).IsFailed()) {
-            state.SkipWithError("refused");
-            break;
-        }
-        benchmark::DoNotOptimize(parser);
-    }
+std::size_t BatchFor(std::size_t size) {
+    return size <= 2000 ? 16 : 1;
+}
+
+Contender Ours(const std::string& url) {
+    return Repeat(
+        "UrlParser",
+        [url] {
+            UrlParser parser;
+            Keep(parser.Parse(url.c_str()));
+            Keep(&parser);
+        },
+        BatchFor(url.size()));
 }
 
 /// Builds the expression and matches it, as a parser without a scan of its own would. Splits no parameters.
-void Expression(benchmark::State& state) {
-    const std::string url = MakeUrl(static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) {
+Contender Expression(const std::string& url) {
+    return Repeat("std::regex, built for each URL, without parameters", [url] {
         const std::regex expression(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
         std::smatch match;
-        if (!std::regex_match(url, match, expression)) {
-            state.SkipWithError("refused");
-            break;
-        }
-        benchmark::DoNotOptimize(match);
-    }
+        Keep(std::regex_match(url, match, expression));
+        Keep(&match);
+    });
 }
 
-void Uriparser(benchmark::State& state) {
-    const std::string url = MakeUrl(static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) {
-        UriUriA uri;
-        const char* errorPosition = nullptr;
-        if (uriParseSingleUriExA(&uri, url.data(), url.data() + url.size(), &errorPosition) != URI_SUCCESS) {
-            state.SkipWithError("refused");
-            break;
-        }
-        UriQueryListA* list = nullptr;
-        int count = 0;
-        const int result = uriDissectQueryMallocA(&list, &count, uri.query.first, uri.query.afterLast);
-        benchmark::DoNotOptimize(list);
-        if (result == URI_SUCCESS) {
-            uriFreeQueryListA(list);
-        }
-        uriFreeUriMembersA(&uri);
-        if (result != URI_SUCCESS) {
-            state.SkipWithError("query refused");
-            break;
-        }
-    }
+Peer Uriparser(const std::string& url, double required) {
+    const std::string name = "uriparser, with its list of parameters";
+#ifdef VELM_BENCH_URIPARSER
+    return {Repeat(
+                name,
+                [url] {
+                    UriUriA uri;
+                    const char* errorPosition = nullptr;
+                    if (uriParseSingleUriExA(&uri, url.data(), url.data() + url.size(), &errorPosition) !=
+                        URI_SUCCESS) {
+                        return;
+                    }
+                    UriQueryListA* list = nullptr;
+                    int count = 0;
+                    if (uri.query.first != nullptr &&
+                        uriDissectQueryMallocA(&list, &count, uri.query.first, uri.query.afterLast) ==
+                            URI_SUCCESS) {
+                        Keep(list);
+                        uriFreeQueryListA(list);
+                    }
+                    uriFreeUriMembersA(&uri);
+                },
+                BatchFor(url.size())),
+            required};
+#else
+    (void)url;
+    return Missing(name, "liburiparser-dev", required);
+#endif
 }
 
-const std::string kLinks[] = {
-    "velm://connect/eu.play.velm.example:443/session/start?title=TITLE-1&ticket=abc.def~0123456789",
-    "velm://connect/eu.play.velm.example@evil.test/session?title=TITLE-1&ticket=abc.def~0123456789",
-};
-
-/// A link that is accepted and one that is not.
-void Read(benchmark::State& state) {
-    for (auto _ : state) {
-        for (const std::string& link : kLinks) {
-            std::string url = "https";
-            std::string title;
-            std::string ticket;
-            benchmark::DoNotOptimize(UrlSchemeUtil::read(link, url, title, ticket));
-        }
-    }
+Peer Curl(const std::string& url, double required) {
+    const std::string name = "libcurl, which splits no parameters";
+#ifdef VELM_BENCH_CURL
+    return {Repeat(
+                name,
+                [url] {
+                    CURLU* const handle = curl_url();
+                    Keep(curl_url_set(handle, CURLUPART_URL, url.c_str(), 0));
+                    for (const CURLUPart part :
+                         {CURLUPART_SCHEME, CURLUPART_HOST, CURLUPART_PATH, CURLUPART_QUERY}) {
+                        char* text = nullptr;
+                        Keep(curl_url_get(handle, part, &text, 0));
+                        curl_free(text);
+                    }
+                    curl_url_cleanup(handle);
+                },
+                BatchFor(url.size())),
+            required};
+#else
+    (void)url;
+    return Missing(name, "libcurl4-openssl-dev", required);
+#endif
 }
-
-/// What reading the same links takes with the standard library: the expressions of the links, and for the one
-/// that matches those of the services.
-void ReadByExpressions(benchmark::State& state) {
-    const auto expressionOf = [](std::string_view scrambled) { return std::regex(Unscramble(scrambled)); };
-    for (auto _ : state) {
-        for (const std::string& link : kLinks) {
-            std::vector<std::regex> expressions;
-            for (const LinkPattern& pattern : kLinkPatterns) {
-                expressions.push_back(expressionOf(pattern.scrambled));
-            }
-            std::smatch match;
-            if (!std::regex_match(link, match, expressions[0])) {
-                benchmark::DoNotOptimize(std::regex_match(link, match, expressions[1]) ||
-                                         std::regex_match(link, match, expressions[2]));
-                continue;
-            }
-            const std::string url = "https://" + match.str(1);
-            int matches = 0;
-            for (const std::string_view pattern : kServicePatterns) {
-                matches += std::regex_match(url, expressionOf(pattern)) ? 1 : 0;
-            }
-            benchmark::DoNotOptimize(matches);
-        }
-    }
-}
-
-BENCHMARK(Parse)->Arg(60)->Arg(200)->Arg(2000);
-BENCHMARK(Expression)->Arg(60)->Arg(200)->Arg(2000);
-BENCHMARK(Uriparser)->Arg(60)->Arg(200)->Arg(2000);
-BENCHMARK(Read);
-BENCHMARK(ReadByExpressions);
 
 }  // namespace
-}  // namespace velm::bench
 
-int main(int argc, char** argv) {
-    return velm::bench::RunAndCompare(argc, argv,
-                                      {
-                                          {"Parse/60", "Expression/60", 250.0},
-                                          {"Parse/200", "Expression/200", 100.0},
-                                          {"Parse/2000", "Expression/2000", 12.0},
-                                          {"Parse/60", "Uriparser/60", 1.3},
-                                          {"Parse/200", "Uriparser/200", 1.8},
-                                          {"Parse/2000", "Uriparser/2000", 1.05},
-                                          {"Read", "ReadByExpressions", 0.8},
-                                      });
+void MeasureUrls(Suite& suite) {
+    const struct {
+        std::size_t size;
+        double expression;
+        double uriparser;
+        double curl;
+    } rows[] = {{60, 250.0, 1.3, 0}, {200, 100.0, 1.8, 0}, {2000, 12.0, 1.05, 0}};
+    for (const auto& row : rows) {
+        const std::string url = MakeUrl(row.size);
+        suite.Compare(
+            "UrlParser", "Parse, " + std::to_string(row.size) + " bytes", Ours(url),
+            {{Expression(url), row.expression}, Uriparser(url, row.uriparser), Curl(url, row.curl)});
+    }
+    suite.Grow(
+        "UrlParser: Parse", "bytes of the URL", Growth::kWithSize, {10, 100, 1e3, 1e4, 1e5, 1e6},
+        [](double size) -> std::vector<Contender> {
+            const std::string url = MakeUrl(static_cast<std::size_t>(size));
+            std::vector<Contender> contenders{Ours(url)};
+            const Peer uriparser = Uriparser(url, 0);
+            if (uriparser.contender.run != nullptr) {
+                contenders.push_back(uriparser.contender);
+            }
+            return contenders;
+        },
+        1e4);
 }
+
+}  // namespace velm::bench

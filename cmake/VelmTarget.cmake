@@ -20,6 +20,8 @@ endif()
 if(UNIX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A library with a "unique" symbol, one of a template's or of an inline variable's, cannot be unloaded.
     target_compile_options(velm_build_flags INTERFACE -fno-gnu-unique)
+    # As on Windows, a library's calls to itself stay in it: a public class's own functions can be inlined.
+    target_compile_options(velm_build_flags INTERFACE -fno-semantic-interposition)
 endif()
 
 if(MINGW)
@@ -59,6 +61,13 @@ function(velm_unloadable target)
     endif()
 endfunction()
 
+# velm_without_standard_streams(<target>): a library that shows nothing and needs no streams for it.
+function(velm_without_standard_streams target)
+    if(MINGW)
+        target_include_directories(${target} BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/include)
+    endif()
+endfunction()
+
 # velm_library(<target> <description>): one of the shared libraries, with the settings that they have in common.
 function(velm_library target description)
     set_target_properties(${target} PROPERTIES
@@ -74,7 +83,8 @@ function(velm_library target description)
         target_link_options(${target} PRIVATE -Wl,--version-script=${map})
         set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
     endif()
-    target_link_libraries(${target} PRIVATE velm_build_flags velm_platform)
+    target_link_libraries(${target} PRIVATE velm_build_flags velm_windows_on_demand velm_platform)
     velm_unloadable(${target})
+    velm_without_standard_streams(${target})
     velm_version_resource(${target} "${description}")
 endfunction()

@@ -77,8 +77,12 @@ private:
     ErrorCode CheckTake(const void* data, unsigned int sampleSize);
     unsigned int Advance(unsigned int index, unsigned int sampleSize) const;
     unsigned int Retreat(unsigned int index, unsigned int sampleSize) const;
-    void CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize);
-    void CopyOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const;
+    bool CopyFewIn(unsigned int index, const unsigned char* data, unsigned int sampleSize);
+    bool CopyFewOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const;
+    ErrorCode CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize, int& end,
+                     unsigned int newEnd);
+    ErrorCode CopyOut(unsigned int index, unsigned char* data, unsigned int sampleSize, int& end,
+                      unsigned int newEnd);
     void Clear(unsigned int index, unsigned int sampleSize);
 
     unsigned int m_nMaxSampleSize;

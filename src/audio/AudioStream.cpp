@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <atomic>
 #include <climits>
+#include <cstdint>
+#include <cstring>
 #include <new>
 
 namespace velm {
@@ -30,7 +32,99 @@ unsigned int BufferByteSize(unsigned int sampleByteSize, unsigned int sampleSize
     return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
 }
 
+/// Bytes of a sample or two: moved through registers, as a call would cost more than they do.
+constexpr bool AreFew(std::size_t bytes) {
+    return bytes >= 4 && bytes <= 16;
+}
+
+template <typename Word>
+void CopyEnds(unsigned char* to, const unsigned char* from, std::size_t bytes) {
+    Word first;
+    Word last;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&last, from + bytes - sizeof last, sizeof last);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + bytes - sizeof last, &last, sizeof last);
+}
+
+inline void CopyFew(unsigned char* to, const unsigned char* from, std::size_t bytes) {
+    if (bytes < 8) {
+        CopyEnds<std::uint32_t>(to, from, bytes);
+    } else {
+        CopyEnds<std::uint64_t>(to, from, bytes);
+    }
+}
+
 }  // namespace
+
+// What one sample's push and take are made of comes first and inline: the calls would cost more than the
+// work.
+
+unsigned int AudioStream::GetUsedSampleSize() {
+    const unsigned int back = Load(m_nBackIndex);
+    const unsigned int front = Load(m_nFrontIndex);
+    return back - front + (back >= front ? 0 : m_nMaxSampleSize);
+}
+
+unsigned int AudioStream::GetUsedSampleByteSize() {
+    return GetUsedSampleSize() * m_nSampleByteSize;
+}
+
+unsigned int AudioStream::GetFreeSampleSize() {
+    return m_nMaxSampleSize != 0 ? m_nMaxSampleSize - GetUsedSampleSize() - 1 : 0;
+}
+
+unsigned int AudioStream::GetFreeSampleByteSize() {
+    return GetFreeSampleSize() * m_nSampleByteSize;
+}
+
+inline ErrorCode AudioStream::CheckPush(const void* data, unsigned int sampleSize) {
+    // With storage, the capacity is not 0.
+    if (m_pBuffer == nullptr || sampleSize >= m_nMaxSampleSize - GetUsedSampleSize()) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
+}
+
+inline ErrorCode AudioStream::CheckTake(const void* data, unsigned int sampleSize) {
+    if (m_pBuffer == nullptr || sampleSize > GetUsedSampleSize()) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
+}
+
+/// The index `sampleSize` slots on, with `sampleSize` below the capacity.
+inline unsigned int AudioStream::Advance(unsigned int index, unsigned int sampleSize) const {
+    const unsigned int toEnd = m_nMaxSampleSize - index;
+    return sampleSize < toEnd ? index + sampleSize : sampleSize - toEnd;
+}
+
+/// The index `sampleSize` slots back, with `sampleSize` below the capacity.
+inline unsigned int AudioStream::Retreat(unsigned int index, unsigned int sampleSize) const {
+    return sampleSize <= index ? index - sampleSize : index + (m_nMaxSampleSize - sampleSize);
+}
+
+/// Copies samples in that are few and in one piece.
+/// @return false when they are not
+inline bool AudioStream::CopyFewIn(unsigned int index, const unsigned char* data, unsigned int sampleSize) {
+    const unsigned int bytes = sampleSize * m_nSampleByteSize;
+    if (!AreFew(bytes) || std::size_t{index} + sampleSize >= m_nMaxSampleSize) {
+        return false;
+    }
+    CopyFew(m_pBuffer.get() + index * m_nSampleByteSize, data, bytes);
+    return true;
+}
+
+/// Copies samples out that are few and in one piece.
+/// @return false when they are not
+inline bool AudioStream::CopyFewOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const {
+    const unsigned int bytes = sampleSize * m_nSampleByteSize;
+    if (!AreFew(bytes) || std::size_t{index} + sampleSize >= m_nMaxSampleSize) {
+        return false;
+    }
+    CopyFew(data, m_pBuffer.get() + index * m_nSampleByteSize, bytes);
+    return true;
+}
 
 AudioStream::AudioStream(unsigned int maxSampleSize, unsigned int channelNum, unsigned int bitsPerSample)
     : m_nMaxSampleSize(maxSampleSize),
@@ -61,9 +155,11 @@ ErrorCode AudioStream::PushBackSamples(unsigned char* data, unsigned int sampleS
         return result;
     }
     const unsigned int back = Load(m_nBackIndex);
-    CopyIn(back, data, sampleSize);
-    Store(m_nBackIndex, Advance(back, sampleSize));
-    return 0;
+    if (CopyFewIn(back, data, sampleSize)) {
+        Store(m_nBackIndex, back + sampleSize);
+        return 0;
+    }
+    return CopyIn(back, data, sampleSize, m_nBackIndex, Advance(back, sampleSize));
 }
 
 ErrorCode AudioStream::PushBackClearSamples(unsigned int sampleSize) {
@@ -83,9 +179,11 @@ ErrorCode AudioStream::TakeFrontSamples(unsigned int sampleSize, unsigned char* 
         return result;
     }
     const unsigned int front = Load(m_nFrontIndex);
-    CopyOut(front, data, sampleSize);
-    Store(m_nFrontIndex, Advance(front, sampleSize));
-    return 0;
+    if (CopyFewOut(front, data, sampleSize)) {
+        Store(m_nFrontIndex, front + sampleSize);
+        return 0;
+    }
+    return CopyOut(front, data, sampleSize, m_nFrontIndex, Advance(front, sampleSize));
 }
 
 ErrorCode AudioStream::DropFrontSamples(unsigned int sampleSize) {
@@ -103,9 +201,11 @@ ErrorCode AudioStream::PushFrontSamples(unsigned char* data, unsigned int sample
         return result;
     }
     const unsigned int front = Retreat(Load(m_nFrontIndex), sampleSize);
-    CopyIn(front, data, sampleSize);
-    Store(m_nFrontIndex, front);
-    return 0;
+    if (CopyFewIn(front, data, sampleSize)) {
+        Store(m_nFrontIndex, front);
+        return 0;
+    }
+    return CopyIn(front, data, sampleSize, m_nFrontIndex, front);
 }
 
 ErrorCode AudioStream::PushFrontClearSamples(unsigned int sampleSize) {
@@ -125,9 +225,11 @@ ErrorCode AudioStream::TakeBackSamples(unsigned int sampleSize, unsigned char* d
         return result;
     }
     const unsigned int back = Retreat(Load(m_nBackIndex), sampleSize);
-    CopyOut(back, data, sampleSize);
-    Store(m_nBackIndex, back);
-    return 0;
+    if (CopyFewOut(back, data, sampleSize)) {
+        Store(m_nBackIndex, back);
+        return 0;
+    }
+    return CopyOut(back, data, sampleSize, m_nBackIndex, back);
 }
 
 ErrorCode AudioStream::DropBackSamples(unsigned int sampleSize) {
@@ -148,73 +250,37 @@ ErrorCode AudioStream::DropAllSamples() {
     return 0;
 }
 
-unsigned int AudioStream::GetUsedSampleSize() {
-    const unsigned int back = Load(m_nBackIndex);
-    const unsigned int front = Load(m_nFrontIndex);
-    return back >= front ? back - front : back + m_nMaxSampleSize - front;
-}
-
-unsigned int AudioStream::GetUsedSampleByteSize() {
-    return GetUsedSampleSize() * m_nSampleByteSize;
-}
-
-unsigned int AudioStream::GetFreeSampleSize() {
-    return m_nMaxSampleSize != 0 ? m_nMaxSampleSize - GetUsedSampleSize() - 1 : 0;
-}
-
-unsigned int AudioStream::GetFreeSampleByteSize() {
-    return GetFreeSampleSize() * m_nSampleByteSize;
-}
-
-ErrorCode AudioStream::CheckPush(const void* data, unsigned int sampleSize) {
-    if (m_pBuffer == nullptr || sampleSize > GetFreeSampleSize()) {
-        return VELM_ERROR_UTIL_UNKNOWN;
-    }
-    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
-}
-
-ErrorCode AudioStream::CheckTake(const void* data, unsigned int sampleSize) {
-    if (m_pBuffer == nullptr || sampleSize > GetUsedSampleSize()) {
-        return VELM_ERROR_UTIL_UNKNOWN;
-    }
-    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
-}
-
-/// The index `sampleSize` slots on, with `sampleSize` below the capacity.
-unsigned int AudioStream::Advance(unsigned int index, unsigned int sampleSize) const {
-    const unsigned int toEnd = m_nMaxSampleSize - index;
-    return sampleSize < toEnd ? index + sampleSize : sampleSize - toEnd;
-}
-
-/// The index `sampleSize` slots back, with `sampleSize` below the capacity.
-unsigned int AudioStream::Retreat(unsigned int index, unsigned int sampleSize) const {
-    return sampleSize <= index ? index - sampleSize : index + (m_nMaxSampleSize - sampleSize);
-}
-
 // A run of samples that passes the end of the storage goes on at its beginning: two pieces at the most.
+// When they are copied, an end of what is held moves.
 
-void AudioStream::CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize) {
+ErrorCode AudioStream::CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize,
+                              int& end, unsigned int newEnd) {
     const std::size_t offset = std::size_t{index} * m_nSampleByteSize;
     const std::size_t bytes = std::size_t{sampleSize} * m_nSampleByteSize;
     const std::size_t toEnd = m_nBufferByteSize - offset;
     if (bytes <= toEnd) {
         std::copy_n(data, bytes, m_pBuffer.get() + offset);
-        return;
+    } else {
+        std::copy_n(data, toEnd, m_pBuffer.get() + offset);
+        std::copy_n(data + toEnd, bytes - toEnd, m_pBuffer.get());
     }
-    std::copy_n(data, toEnd, m_pBuffer.get() + offset);
-    std::copy_n(data + toEnd, bytes - toEnd, m_pBuffer.get());
+    Store(end, newEnd);
+    return 0;
 }
 
-void AudioStream::CopyOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const {
+ErrorCode AudioStream::CopyOut(unsigned int index, unsigned char* data, unsigned int sampleSize, int& end,
+                               unsigned int newEnd) {
     const std::size_t offset = std::size_t{index} * m_nSampleByteSize;
     const std::size_t bytes = std::size_t{sampleSize} * m_nSampleByteSize;
     const std::size_t toEnd = m_nBufferByteSize - offset;
     if (bytes <= toEnd) {
         std::copy_n(m_pBuffer.get() + offset, bytes, data);
-        return;
+    } else {
+        std::copy_n(m_pBuffer.get() + offset, toEnd, data);
+        std::copy_n(m_pBuffer.get(), bytes - toEnd, data + toEnd);
     }
-    std::copy_n(m_pBuffer.get() + offset, toEnd, data);
-    std::copy_n(m_pBuffer.get(), bytes - toEnd, data + toEnd);
+    Store(end, newEnd);
+    return 0;
 }
 
 void AudioStream::Clear(unsigned int index, unsigned int sampleSize) {

@@ -234,9 +234,11 @@ ErrorCode WaveFileReadHelper::ReadExactly(void* buffer, unsigned int size) {
 /// Reads and drops bytes, up to the reader's first failure: what the file lacks is found by the next block
 /// read.
 void WaveFileReadHelper::Skip(unsigned long long size) {
-    unsigned char ignored = 0;
-    while (size != 0 && !m_pReader->ReadU8(&ignored).IsFailed()) {
-        --size;
+    for (; size != 0; --size) {
+        unsigned char ignored;
+        if (m_pReader->ReadU8(&ignored).IsFailed()) {
+            return;
+        }
     }
 }
 

@@ -1,9 +1,10 @@
 #include "velm/JsonConfigReader.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -15,23 +16,29 @@ namespace {
 constexpr int kOpenFailed = 1;
 constexpr int kReadFailed = 1;
 
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
 /// Appends a file to `text`; false when reading fails.
-bool ReadAll(std::istream& file, std::string& text) {
+bool ReadAll(std::FILE* file, std::string& text) {
     constexpr std::size_t kChunk = 1 << 16;
-    constexpr std::streamoff kMostReserved = 1 << 26;
-    const std::streamoff size = file.seekg(0, std::ios::end).tellg();
-    file.clear();  // a pipe has no size and cannot seek
-    if (size > 0) {
-        file.seekg(0);
-        text.reserve(static_cast<std::size_t>(std::min(size, kMostReserved)) + kChunk);
+    constexpr long kMostReserved = 1 << 26;
+    if (std::fseek(file, 0, SEEK_END) == 0) {  // a pipe has no size and cannot seek
+        const long size = std::ftell(file);
+        std::rewind(file);
+        text.reserve(static_cast<std::size_t>(std::clamp(size, 0L, kMostReserved)) + kChunk);
     }
-    while (file) {
+    std::size_t got = 0;
+    do {
         const std::size_t held = text.size();
         text.resize(held + kChunk);
-        file.read(&text[held], kChunk);
-        text.resize(held + static_cast<std::size_t>(file.gcount()));
-    }
-    return !file.bad();
+        got = std::fread(&text[held], 1, kChunk, file);
+        text.resize(held + got);
+    } while (got != 0);
+    return std::ferror(file) == 0;
 }
 
 /// Leaves of a file's bytes what JsonConfigReader::ReadFile promises.
@@ -79,19 +86,14 @@ JsonConfigReader::~JsonConfigReader() = default;
 int JsonConfigReader::ReadFile(const std::string& path) {
     // Windows' text mode is done here and not by the stream, so that it is the same on every system, and
     // fast.
-    std::ifstream file;
-    try {
-        file.open(path, std::ios::binary);
-    } catch (const std::bad_alloc&) {
-        return kOpenFailed;
-    }
-    if (!file.is_open()) {
+    const File file(std::fopen(path.c_str(), "rb"));
+    if (file == nullptr) {
         return kOpenFailed;
     }
     m_strJson.clear();
     bool complete = false;
     try {
-        complete = ReadAll(file, m_strJson);
+        complete = ReadAll(file.get(), m_strJson);
     } catch (const std::bad_alloc&) {
         // as when the file fails
     }

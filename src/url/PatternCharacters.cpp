@@ -1,17 +1,91 @@
 #include "url/PatternCharacters.h"
 
-#include <string>
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace velm {
 namespace {
 
-constexpr std::size_t kClassWork = 256;              // a question for every character
-constexpr std::size_t kEquivalenceClassWork = 2048;  // comparing a string for every character
+constexpr std::size_t kClassWork = 256;  // a question for every character
 
 constexpr std::pair<char, char> kControlEscapes[] = {
     {'0', '\0'}, {'f', '\f'}, {'n', '\n'}, {'r', '\r'}, {'t', '\t'}, {'v', '\v'},
 };
+
+constexpr bool IsDigit(int c) {
+    return c >= '0' && c <= '9';
+}
+constexpr bool IsLower(int c) {
+    return c >= 'a' && c <= 'z';
+}
+constexpr bool IsUpper(int c) {
+    return c >= 'A' && c <= 'Z';
+}
+constexpr bool IsAlnum(int c) {
+    return IsDigit(c) || IsLower(c) || IsUpper(c);
+}
+constexpr bool IsGraph(int c) {
+    return c > ' ' && c < 0x7F;
+}
+constexpr int ToLower(int c) {
+    return IsUpper(c) ? c - 'A' + 'a' : c;
+}
+
+constexpr struct {
+    std::string_view name;
+    bool (*contains)(int c);
+} kClasses[] = {
+    {"alnum", IsAlnum},
+    {"alpha", [](int c) { return IsLower(c) || IsUpper(c); }},
+    {"blank", [](int c) { return c == ' ' || c == '\t'; }},
+    {"cntrl", [](int c) { return c < ' ' || c == 0x7F; }},
+    {"d", IsDigit},
+    {"digit", IsDigit},
+    {"graph", IsGraph},
+    {"lower", IsLower},
+    {"print", [](int c) { return c == ' ' || IsGraph(c); }},
+    {"punct", [](int c) { return IsGraph(c) && !IsAlnum(c); }},
+    {"s", [](int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }},
+    {"space", [](int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }},
+    {"upper", IsUpper},
+    {"w", [](int c) { return IsAlnum(c) || c == '_'; }},
+    {"xdigit", [](int c) { return IsDigit(c) || (ToLower(c) >= 'a' && ToLower(c) <= 'f'); }},
+};
+
+/// The names that POSIX gives to the characters that are not letters; a letter's name is the letter.
+constexpr struct {
+    char first;
+    std::string_view names;
+} kElements[] = {
+    {0,
+     "NUL SOH STX ETX EOT ENQ ACK alert backspace tab newline vertical-tab form-feed carriage-return SO SI "
+     "DLE DC1 DC2 DC3 DC4 NAK SYN ETB CAN EM SUB ESC IS4 IS3 IS2 IS1 "
+     "space exclamation-mark quotation-mark number-sign dollar-sign percent-sign ampersand apostrophe "
+     "left-parenthesis right-parenthesis asterisk plus-sign comma hyphen period slash "
+     "zero one two three four five six seven eight nine "
+     "colon semicolon less-than-sign equals-sign greater-than-sign question-mark commercial-at"},
+    {'[', "left-square-bracket backslash right-square-bracket circumflex underscore grave-accent"},
+    {'{', "left-curly-bracket vertical-line right-curly-bracket tilde DEL"},
+};
+
+/// The character of a name; empty when it names none.
+std::optional<char> FindElement(std::string_view name) {
+    if (name.size() == 1 && (IsLower(name[0]) || IsUpper(name[0]))) {
+        return name[0];
+    }
+    for (const auto& [first, names] : kElements) {
+        char character = first;
+        for (std::string_view left = names; !left.empty(); ++character) {
+            const std::string_view next = left.substr(0, left.find(' '));
+            if (next == name) {
+                return character;
+            }
+            left.remove_prefix(std::min(next.size() + 1, left.size()));
+        }
+    }
+    return std::nullopt;
+}
 
 unsigned char Byte(char c) {
     return static_cast<unsigned char>(c);
@@ -104,33 +178,30 @@ std::optional<char> PatternCharacters::ReadEscape(char letter) {
 
 std::optional<PatternCharacters::Set> PatternCharacters::FindClass(std::string_view name) {
     m_work += kClassWork;
-    const auto mask = m_traits.lookup_classname(name.begin(), name.end());
-    if (mask == std::regex_traits<char>::char_class_type()) {
+    const auto isNamed = [name](const auto& entry) {
+        return std::ranges::equal(entry.name, name, {}, {},
+                                  [](char c) { return static_cast<char>(ToLower(c)); });
+    };
+    const auto* const entry = std::ranges::find_if(kClasses, isNamed);
+    if (entry == std::end(kClasses)) {
         return std::nullopt;
     }
     Set set;
     for (std::size_t c = 0; c < set.size(); ++c) {
-        set[c] = m_traits.isctype(static_cast<char>(c), mask);
+        set[c] = entry->contains(static_cast<int>(c));
     }
     return set;
 }
 
 std::optional<PatternCharacters::Set> PatternCharacters::FindEquivalenceClass(std::string_view name) {
-    m_work += kEquivalenceClassWork;
-    const std::string element = m_traits.lookup_collatename(name.begin(), name.end());
-    if (element.empty()) {
+    m_work += kClassWork;
+    const auto element = FindElement(name);
+    if (!element) {
         return std::nullopt;
     }
     Set set;
-    if (m_collationKeys.empty()) {  // made once: the locale takes its time
-        for (std::size_t i = 0; i < set.size(); ++i) {
-            const char c = static_cast<char>(i);
-            m_collationKeys.push_back(m_traits.transform_primary(&c, &c + 1));
-        }
-    }
-    const std::string key = m_traits.transform_primary(element.begin(), element.end());
-    for (std::size_t i = 0; i < set.size(); ++i) {
-        set[i] = m_collationKeys[i] == key;
+    for (std::size_t c = 0; c < set.size(); ++c) {
+        set[c] = ToLower(static_cast<int>(c)) == ToLower(*element);
     }
     return set;
 }
@@ -171,8 +242,8 @@ PatternCharacters::Symbol PatternCharacters::ReadNamedSymbol() {
     const std::string_view name = m_rest.substr(1, end - 1);
     m_rest.remove_prefix(end + 2);
     if (mark == '.') {
-        const std::string element = m_traits.lookup_collatename(name.begin(), name.end());
-        return element.size() == 1 ? Symbol{Kind::kCharacter, element[0], {}} : Symbol{};
+        const auto element = FindElement(name);
+        return element ? Symbol{Kind::kCharacter, *element, {}} : Symbol{};
     }
     const auto set = mark == ':' ? FindClass(name) : FindEquivalenceClass(name);
     return set ? Symbol{Kind::kSet, 0, *set} : Symbol{};

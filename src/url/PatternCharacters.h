@@ -3,15 +3,13 @@
 #include <bitset>
 #include <cstddef>
 #include <optional>
-#include <regex>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace velm {
 
 /// Reads those parts of an expression that stand for one character of the text: escapes, classes and bracket
-/// expressions. What a class or a named element contains is the locale's to say.
+/// expressions. Classes and named elements are those of the "C" locale, whatever locale the process is in:
+/// what is accepted must not hang on it.
 class PatternCharacters {
 public:
     using Set = std::bitset<256>;
@@ -29,7 +27,7 @@ public:
     /// @param name  such as "alpha"; "d", "s" and "w" have one too
     std::optional<Set> FindClass(std::string_view name);
 
-    /// What the locale was asked so far, counted in characters.
+    /// What classes took so far, counted in characters.
     std::size_t Work() const { return m_work; }
 
 private:
@@ -46,8 +44,6 @@ private:
     std::optional<Set> FindEquivalenceClass(std::string_view name);
 
     std::string_view& m_rest;
-    std::regex_traits<char> m_traits;
-    std::vector<std::string> m_collationKeys;  // of every character
     std::size_t m_work = 0;
 };
 

@@ -1,0 +1,64 @@
+// A set of rules against its own cost for one rule: that cost may grow with the rules, and no faster.
+#include <memory>
+#include <string>
+
+#include "FakeDirect3D9.h"
+#include "Families.h"
+#include "velm/D3d9AdapterCheckSet.h"
+
+namespace velm::bench {
+namespace {
+
+/// Rules that all hold, of every kind of value.
+D3d9AdapterCheckSet MakeRules(std::size_t count) {
+    D3d9AdapterCheckSet set;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::tr1::shared_ptr<D3d9AdapterCheckItem> item(new D3d9AdapterCheckItem);
+        switch (i % 3) {
+            case 0:
+                item->SetAsDWORD(D3D9_ADAPTER_CHECK_DEVICE_ID, D3D9_ADAPTER_COMPARE_EQUAL, 0);
+                break;
+            case 1:
+                item->SetAsString(D3D9_ADAPTER_CHECK_VENDOR_NAME, D3D9_ADAPTER_COMPARE_NOT_EQUAL, "Other");
+                break;
+            default:
+                item->SetAsInt64(D3D9_ADAPTER_CHECK_DRIVER_VERSION, D3D9_ADAPTER_COMPARE_GREATER_EQUAL, 0);
+        }
+        set.AddItem(item);
+    }
+    return set;
+}
+
+Contender Check(std::string name, std::size_t rules, FakeDirect3D9& d3d, std::size_t times) {
+    const auto set = std::make_shared<D3d9AdapterCheckSet>(MakeRules(rules));
+    return Repeat(
+        std::move(name),
+        [set, &d3d, times] {
+            for (std::size_t i = 0; i < times; ++i) {
+                bool passed = false;
+                set->Check(&passed, &d3d, 0);
+                Keep(passed);
+            }
+        },
+        rules < kShort ? kShort : 1);
+}
+
+}  // namespace
+
+void MeasureAdapterRules(Suite& suite) {
+    FakeDirect3D9 d3d;
+    constexpr std::size_t kRules[] = {10, 100, 1000, 10000};
+    for (const std::size_t rules : kRules) {
+        const std::string times = std::to_string(rules);
+        suite.Compare("Adapter rules", "check of " + times + " rules", Check(times + " rules", rules, d3d, 1),
+                      {{Check("a check of one rule, " + times + " times", 1, d3d, rules), 0.9}});
+    }
+    suite.Grow(
+        "Adapter rules: a check", "rules", Growth::kWithSize, {1, 10, 100, 1000, 10000},
+        [&d3d](double rules) -> std::vector<Contender> {
+            return {Check("D3d9AdapterCheckSet", static_cast<std::size_t>(rules), d3d, 1)};
+        },
+        100);
+}
+
+}  // namespace velm::bench

@@ -1,0 +1,48 @@
+// Writing an audio frame and reading it, against the copy and the stores that it takes.
+#include <cstring>
+
+#include "Families.h"
+#include "velm/AudioFrame.h"
+
+namespace velm::bench {
+namespace {
+
+constexpr unsigned int kSize = 960;
+constexpr unsigned int kHeader = 6;
+
+}  // namespace
+
+void MeasureAudioFrame(Suite& suite) {
+    unsigned char payload[kSize] = {1, 2, 3};
+    AudioFrame writer;
+    AudioFrame reader;
+    unsigned short counter = 0;
+    const Contender ours = Repeat(
+        "AudioFrame",
+        [&] {
+            writer.InitilizeWriter(E_FrameType_Raw0, counter++, kSize, payload);
+            reader.InitilizeReader(writer.GetFrameBuffer(), writer.GetFrameBufferSize());
+            Keep(reader.GetDataBuffer());
+            Keep(reader.GetDataBufferSize());
+        },
+        kShort);
+    unsigned char frame[kHeader + kSize];
+    const Contender limit = Repeat(
+        "one memcpy and 6 stores",
+        [&] {
+            Keep(&frame);  // the header's bytes stay single stores
+            auto* const header = static_cast<volatile unsigned char*>(frame);
+            header[0] = kHeader;
+            header[1] = 0;
+            header[2] = static_cast<unsigned char>(counter);
+            header[3] = static_cast<unsigned char>(counter++ >> 8);
+            header[4] = static_cast<unsigned char>(kSize & 0xFF);
+            header[5] = static_cast<unsigned char>(kSize >> 8);
+            std::memcpy(frame + kHeader, payload, kSize);
+            Keep(&frame);
+        },
+        kShort);
+    suite.Compare("AudioFrame", "write and read, 960 bytes", ours, {{limit, 0.8}});
+}
+
+}  // namespace velm::bench

@@ -1,0 +1,12 @@
+// A library of the same runtime that does nothing: what loading any costs.
+#include <windows.h>
+
+#include <string>
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID) {
+    return TRUE;
+}
+
+extern "C" __declspec(dllexport) std::size_t EmptyLibrarySize(const char* text) {
+    return std::string(text).size();
+}

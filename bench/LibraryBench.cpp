@@ -1,0 +1,66 @@
+// What the two libraries weigh, and what loading them into a new process costs.
+#include <windows.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "Families.h"
+
+namespace velm::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The folder of the stripped libraries and of the program that loads one.
+fs::path Folder() {
+    wchar_t path[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return fs::path(path).parent_path() / L"bench";
+}
+
+/// Seconds that a new process takes to load a library; 0 when it cannot.
+double Load(const wchar_t* library) {
+    const fs::path folder = Folder();
+    std::wstring command =
+        L"\"" + (folder / L"load_library.exe").wstring() + L"\" \"" + (folder / library).wstring() + L"\"";
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                        &process)) {
+        return 0;
+    }
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD ticks = 0;
+    GetExitCodeProcess(process.hProcess, &ticks);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return static_cast<double>(ticks) * 1e-7;
+}
+
+void MeasureLoading(Suite& suite) {
+    std::vector<double> ours;
+    std::vector<double> empty;
+    for (int round = 0; round < suite.Rounds(); ++round) {
+        empty.push_back(Load(L"empty_library.dll"));
+        ours.push_back(Load(L"VelmUtil.dll"));
+        if (empty.back() == 0 || ours.back() == 0) {
+            std::fprintf(stderr, "velm_bench: a library could not be loaded\n");
+            suite.Fail();
+            return;
+        }
+    }
+    suite.Limit("Libraries", "loading both into a new process", "an empty one of the same runtime",
+                MedianOf(ours) / MedianOf(empty), 2.0, "times");
+}
+
+}  // namespace
+
+void MeasureLibraries(Suite& suite) {
+    const auto bytes = fs::file_size(Folder() / L"VelmCore.dll") + fs::file_size(Folder() / L"VelmUtil.dll");
+    suite.Limit("Libraries", "size of both, stripped", "", static_cast<double>(bytes) / 1000, 700, "KB");
+    MeasureLoading(suite);
+}
+
+}  // namespace velm::bench

@@ -1,0 +1,15 @@
+// Loads a library into this new process: load_library PATH. Exits with the nanoseconds / 100 that it took; 0
+// when it cannot be loaded.
+#include <windows.h>
+
+int wmain(int argc, wchar_t** argv) {
+    LARGE_INTEGER before;
+    LARGE_INTEGER after;
+    LARGE_INTEGER frequency;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&before);
+    const HMODULE module = argc == 2 ? LoadLibraryW(argv[1]) : nullptr;
+    QueryPerformanceCounter(&after);
+    const long long ticks = (after.QuadPart - before.QuadPart) * 10'000'000 / frequency.QuadPart;
+    return module != nullptr ? static_cast<int>(ticks) : 0;
+}
