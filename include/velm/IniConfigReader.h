@@ -10,12 +10,16 @@ namespace velm {
 ///
 /// The names of files, sections and keys are in the OEM code page. A file name without a folder is looked for
 /// in the folder of Windows. A name that cannot be converted leaves `value` as it is; otherwise `value` is
-/// written, with the default when the file, the section or the key is missing. Threads: any number at once.
+/// written, with the default when the file, the section or the key is missing.
+/// Threads: any number at once.
 class VELM_UTIL_API IniConfigReader {
 public:
     IniConfigReader();
+    /// @{
+    /// There is nothing in an object to copy.
     IniConfigReader(const IniConfigReader& other);
     IniConfigReader& operator=(const IniConfigReader& other);
+    /// @}
     virtual ~IniConfigReader();
 
     /// Reads a number: the digits that the setting begins with, after a sign and a prefix such as 0x, if any.

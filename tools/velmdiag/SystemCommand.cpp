@@ -19,7 +19,7 @@ namespace {
 void AddLibraries(Report& report) {
     picojson::array libraries;
     std::string text;
-    for (const char* const name : {"VelmUtil", "VelmCore"}) {
+    for (const char* const name : {VELM_UTIL_NAME, VELM_CORE_NAME}) {
         const velm::platform::LibraryFile file = velm::platform::FindLibrary(name);
         libraries.emplace_back(picojson::object{{"name", picojson::value(name)},
                                                 {"version", picojson::value(file.version)},

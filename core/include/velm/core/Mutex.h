@@ -23,7 +23,8 @@ public:
     /// Waits until no other thread holds the lock and takes it. The holder may take it again; each Lock needs
     /// its Unlock.
     /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED before Initialize; VELM_ERROR_CORE_UNKNOWN when the system
-    /// refuses Threads: any.
+    ///         refuses
+    /// Threads: any.
     ErrorCode Lock();
 
     /// Gives the lock back.
