@@ -1,5 +1,5 @@
 # Thin, over the presets of CMakePresets.json.
-.PHONY: demo demo-linux test fuzz setup clean
+.PHONY: demo demo-linux test fuzz package docs lint setup clean
 
 demo: setup ## build for Windows and run a job of every family under Wine
 	@scripts/demo windows
@@ -12,6 +12,17 @@ test: setup ## the tests of every preset, under the sanitizers and under Wine
 
 fuzz: setup ## each fuzz target for SECONDS, 10 unless given
 	@scripts/fuzz $(or $(SECONDS),10)
+
+package: setup ## the release archives of both platforms, each used once from another folder
+	@scripts/package
+
+docs: setup ## the reference and the guides as a site, build/docs/html/index.html
+	@scripts/setup docs
+	@scripts/docs
+
+lint: setup ## formatting, clang-tidy, and warnings of the three compilers
+	@scripts/setup lint
+	@scripts/lint
 
 setup:
 	@scripts/setup

@@ -29,5 +29,11 @@ install(FILES ${PROJECT_BINARY_DIR}/VelmUtilConfig.cmake ${PROJECT_BINARY_DIR}/V
 
 if(TARGET velmdiag)
     install(TARGETS velmdiag CONFIGURATIONS Release RelWithDebInfo MinSizeRel)
+    if(TARGET velmdiag_pages)
+        set(pages ${PROJECT_BINARY_DIR}/tools/velmdiag)
+        install(FILES ${pages}/velmdiag.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+        install(FILES ${pages}/velmdiag.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+            RENAME velmdiag)
+    endif()
     set_target_properties(velmdiag PROPERTIES INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
 endif()
