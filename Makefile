@@ -1,5 +1,5 @@
 # Thin, over the presets of CMakePresets.json.
-.PHONY: demo demo-linux test bench fuzz setup clean
+.PHONY: demo demo-linux test bench fuzz package docs lint setup clean
 
 demo: setup ## build for Windows and run a job of every family under Wine
 	@scripts/demo windows
@@ -10,11 +10,23 @@ demo-linux: setup ## the same, natively
 test: setup ## the tests of every preset, under the sanitizers and under Wine
 	@scripts/test
 
-bench: ## measure against other libraries, draw docs/performance.svg and fill in docs/performance.md
+bench: setup ## measure against other libraries, draw docs/performance.svg and fill in docs/performance.md
+	@scripts/setup bench
 	@scripts/bench
 
 fuzz: setup ## each fuzz target for MINUTES, 1 unless given
 	@scripts/fuzz $$((60 * $(or $(MINUTES),1)))
+
+package: setup ## the release archives of both platforms, each used once from another folder
+	@scripts/package
+
+docs: setup ## the reference and the guides as a site, build/docs/html/index.html
+	@scripts/setup docs
+	@scripts/docs
+
+lint: setup ## formatting, clang-tidy, and warnings of the three compilers
+	@scripts/setup lint
+	@scripts/lint
 
 setup:
 	@scripts/setup

@@ -63,7 +63,10 @@ Semaphore::Semaphore(unsigned int initial, unsigned int maximum)
       m_waiters(0),
       m_maximum(std::min(maximum, kMostCount)),
       m_fruitlessSpins(0),
-      m_padAfter{} {}
+      m_padAfter{} {
+    static_assert(sizeof m_padBefore == 64 - 16 && sizeof m_padAfter == 64 - 16 - sizeof m_fruitlessSpins,
+                  "no neighbour in a line of 64 bytes, where heap blocks begin at multiples of 16");
+}
 
 Semaphore::~Semaphore() {
     m_waiters.fetch_or(kClosing, std::memory_order_acq_rel);

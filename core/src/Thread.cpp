@@ -43,7 +43,7 @@ struct Thread::Impl {
         void operator()(void* handle) const { CloseHandle(handle); }
     };
 
-    static unsigned int WINAPI Run(void* self);
+    static unsigned int WINAPI Run(void* record);
 
     Thread* owner = nullptr;
     ThreadConfig config;
@@ -61,8 +61,8 @@ struct Thread::Impl {
     std::shared_ptr<Impl> self;
 };
 
-unsigned int WINAPI Thread::Impl::Run(void* self) {
-    const std::shared_ptr<Impl> impl = std::move(static_cast<Impl*>(self)->self);
+unsigned int WINAPI Thread::Impl::Run(void* record) {
+    const std::shared_ptr<Impl> impl = std::move(static_cast<Impl*>(record)->self);
     impl->started.Wait();
     NameCurrentThread(impl->config.GetName());
     try {

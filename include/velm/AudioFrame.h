@@ -35,20 +35,18 @@ public:
     /// @param dataSize  in bytes; the header has room for 65535, of a larger size it stores the low 16 bits
     /// @param data  the payload; the caller's; may be null when `dataSize` is 0
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for a type outside 0 to 3, for null data with a size, or for
-    /// a size
-    ///         that leaves no room for the header in 32 bits; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY.
-    ///         After a failure the object holds no frame.
+    ///         a size that leaves no room for the header in 32 bits; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY. After
+    ///         a failure the object holds no frame.
     ErrorCode InitilizeWriter(E_FrameType type, unsigned short counter, unsigned int dataSize,
                               unsigned char* data);
 
     /// Lies over a frame of the caller's and checks its header; releases a block of its own.
     /// @param frame  the caller's; must live as long as the object reads it; bytes after the payload are
-    /// ignored
+    ///               ignored
     /// @param frameSize  in bytes
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for a null frame or fewer than 7 bytes;
-    /// VELM_ERROR_UTIL_UNKNOWN for
-    ///         a header that is wrong or promises more than there is. After a failure the object holds no
-    ///         frame.
+    ///         VELM_ERROR_UTIL_UNKNOWN for a header that is wrong or promises more than there is. After a
+    ///         failure the object holds no frame.
     ErrorCode InitilizeReader(unsigned char* frame, unsigned int frameSize);
 
     /// The frame; null when there is none. It stays the property of the object, or of the reader's caller.

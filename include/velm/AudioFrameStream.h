@@ -73,9 +73,8 @@ public:
     /// @return 0
     ErrorCode DropAllFrame();
 
-    /// Whole frames that the ring holds and has room for.
-    unsigned int GetUsedFrameSize();
-    unsigned int GetFreeFrameSize();
+    unsigned int GetUsedFrameSize();  ///< whole frames that the ring holds
+    unsigned int GetFreeFrameSize();  ///< whole frames that it has room for
 
     /// Lets one blocked push and one blocked take go, which then fail if the ring is still full or empty.
     /// Where none is blocked, the next one that would block is let through.

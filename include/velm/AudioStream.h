@@ -66,11 +66,10 @@ public:
     /// @return 0; VELM_ERROR_UTIL_UNKNOWN when there is no storage
     ErrorCode DropAllSamples();
 
-    /// What the ring holds and what it has room for, in samples and in bytes.
-    unsigned int GetUsedSampleSize();
-    unsigned int GetUsedSampleByteSize();
-    unsigned int GetFreeSampleSize();
-    unsigned int GetFreeSampleByteSize();
+    unsigned int GetUsedSampleSize();      ///< what the ring holds, in samples
+    unsigned int GetUsedSampleByteSize();  ///< what the ring holds, in bytes
+    unsigned int GetFreeSampleSize();      ///< what the ring has room for, in samples
+    unsigned int GetFreeSampleByteSize();  ///< what the ring has room for, in bytes
 
 private:
     ErrorCode CheckPush(const void* data, unsigned int sampleSize);

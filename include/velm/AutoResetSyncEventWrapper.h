@@ -15,10 +15,12 @@ public:
     AutoResetSyncEventWrapper(const AutoResetSyncEventWrapper&) = delete;
     AutoResetSyncEventWrapper& operator=(const AutoResetSyncEventWrapper&) = delete;
 
+    /// @{
     /// Does nothing: the event is ready from construction to destruction.
     /// @return 0
     ErrorCode Initialize();
     ErrorCode Terminate();
+    /// @}
 
     /// Blocks, without a time limit, until the event is triggered.
     /// @return as SyncEvent::Wait

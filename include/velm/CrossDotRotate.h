@@ -11,16 +11,20 @@ namespace velm {
 /// Threads: one at a time per object.
 class VELM_UTIL_API CrossDotRotate {
 public:
+    /// A vector, or a point.
     struct _Vector3D {
-        float x;
-        float y;
-        float z;
+        float x;  ///< the x coordinate
+        float y;  ///< the y coordinate
+        float z;  ///< the z coordinate
     };
 
     /// No rotation is set up.
     CrossDotRotate();
+    /// @{
+    /// Copies the rotation that is set up.
     CrossDotRotate(const CrossDotRotate& other);
     CrossDotRotate& operator=(const CrossDotRotate& other);
+    /// @}
     ~CrossDotRotate();
 
     /// v = (0, 0, 0)

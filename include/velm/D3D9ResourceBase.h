@@ -28,14 +28,18 @@ typedef void (*RecoverLostCallback)(D3D9ResourceBase* resource, void* user, IDir
 class VELM_UTIL_API D3D9ResourceBase {
 public:
     D3D9ResourceBase();
+    /// @{
+    /// Copies callbacks and user pointer; see above for the registration.
     D3D9ResourceBase(const D3D9ResourceBase& other);
     D3D9ResourceBase& operator=(const D3D9ResourceBase& other);
+    /// @}
     virtual ~D3D9ResourceBase();
 
     /// Sets the callbacks of this resource.
     /// @param user  handed back to both
     /// @param lost, recoverLost  null for none. They neither register nor destroy resources.
     void SetUserCallback(void* user, LostCallback lost, RecoverLostCallback recoverLost);
+    /// Back to no callbacks.
     void UnsetUserCallback();
 
     /// The loss for this resource alone: the lost callback, then OnLostImpl.

@@ -15,14 +15,16 @@ class VELM_UTIL_API D3D9Surface : public D3D9ResourceBase {
 public:
     /// Empty and not registered.
     D3D9Surface();
+    /// @{
+    /// Shares the surface of the other, with a reference of its own.
     D3D9Surface(const D3D9Surface& other);
     D3D9Surface& operator=(const D3D9Surface& other);
+    /// @}
     ~D3D9Surface() override;
 
     /// Replaces the surface and registers the object.
     /// @param surface  one reference to it passes from the caller to the object; null leaves the object
-    /// empty,
-    ///                 with the last surface's description
+    ///                 empty, with the last surface's description
     void Bind(IDirect3DSurface9* surface);
 
     /// @return the surface, without a reference for the caller; null when the object is empty: before Bind,

@@ -61,12 +61,18 @@ class VELM_UTIL_API D3d9AdapterCheckItem {
 public:
     /// A rule that the driver version, as text, equals "". D3d9AdapterCheckSet refuses it for its type.
     D3d9AdapterCheckItem();
+    /// @{
+    /// Copies the whole rule.
     D3d9AdapterCheckItem(const D3d9AdapterCheckItem& other);
     D3d9AdapterCheckItem& operator=(const D3d9AdapterCheckItem& other);
+    /// @}
 
-    // Each replaces the whole rule.
-
-    /// @param value  NUL-terminated, the caller's; its first 127 bytes are kept; null counts as ""
+    /// @{
+    /// Replaces the whole rule.
+    /// @param command  the fact
+    /// @param compare  the operator
+    /// @param value  the operand; a text is NUL-terminated, the caller's; its first 127 bytes are kept, and
+    ///               null counts as ""
     void SetAsString(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, const char* value);
     void SetAsInt32(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, int value);
     void SetAsDWORD(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, DWORD value);
@@ -75,17 +81,19 @@ public:
     void SetAsFloat(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, float value);
     void SetAsDouble(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, double value);
     void SetAsGUID(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, GUID value);
+    /// @}
 
-    D3d9AdapterCheckCommand GetCommand();
-    D3d9AdapterParamType GetType();
-    D3d9AdapterParamCompare GetCompare();
+    D3d9AdapterCheckCommand GetCommand();  ///< the fact
+    D3d9AdapterParamType GetType();        ///< the type of the operand
+    D3d9AdapterParamCompare GetCompare();  ///< the operator
 
     /// Whether the operand is of this type.
     bool CheckType(D3d9AdapterParamType type);
 
-    // The operand, or the zero of the asked type when the operand is of another.
-
-    /// @return the item's own text, valid until the item is set or destroyed; "" for another type, never null
+    /// @{
+    /// The operand.
+    /// @return the zero of the asked type when the operand is of another. A text is the item's own, valid
+    ///         until the item is set or destroyed, and never null
     const char* AsString();
     int AsInt32();
     DWORD AsDWORD();
@@ -94,20 +102,22 @@ public:
     float AsFloat();
     double AsDouble();
     GUID AsGUID();
+    /// @}
 
-    // Whether `actual` satisfies the rule; false when the operand is of another type, or the operator does
-    // not exist or does not suit the type.
-
-    /// Compares whole texts byte by byte, bytes as unsigned. Null satisfies no rule.
+    /// @{
+    /// Whether `actual` satisfies the rule. Whole texts are compared byte by byte, bytes as unsigned; numbers
+    /// exactly, and with a NaN only not-equal holds.
+    /// @return false also when the operand is of another type, when the operator does not exist or does not
+    ///         suit the type, and for null
     bool CheckAsString(const char* actual);
     bool CheckAsInt32(int actual);
     bool CheckAsDWORD(DWORD actual);
     bool CheckAsUINT(unsigned int actual);
     bool CheckAsInt64(long long actual);
-    /// Compares exactly. With a NaN only not-equal holds; this goes for CheckAsDouble too.
     bool CheckAsFloat(float actual);
     bool CheckAsDouble(double actual);
     bool CheckAsGUID(GUID actual);
+    /// @}
 
     /// The operand as text of at most 255 characters. DWORD and UINT are written as signed 32-bit numbers.
     /// Throws std::bad_alloc when memory runs out.

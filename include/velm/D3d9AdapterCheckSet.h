@@ -24,8 +24,11 @@ typedef void (*NotifyErrorFunc)(void* user, D3d9AdapterContext* context,
 class VELM_UTIL_API D3d9AdapterCheckSet {
 public:
     D3d9AdapterCheckSet();
+    /// @{
+    /// Copies the list and who learns of a failed rule; the items are shared.
     D3d9AdapterCheckSet(const D3d9AdapterCheckSet& other);
     D3d9AdapterCheckSet& operator=(const D3d9AdapterCheckSet& other);
+    /// @}
     virtual ~D3d9AdapterCheckSet();
 
     /// Appends a rule, which the set then shares. Duplicates count. An empty pointer is kept as a rule that

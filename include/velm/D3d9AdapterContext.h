@@ -10,8 +10,11 @@ namespace velm {
 /// The facts about one display adapter. A new context is all zero.
 struct VELM_UTIL_API D3d9AdapterContext {
     D3d9AdapterContext();
+    /// @{
+    /// Copies the facts, and the pointer that is remembered.
     D3d9AdapterContext(const D3d9AdapterContext& other);
     D3d9AdapterContext& operator=(const D3d9AdapterContext& other);
+    /// @}
 
     /// Reads the facts: identifier, capabilities of the hardware device, current display mode, in this order.
     /// Ends at the first that cannot be read; it and those after it keep what they held.
@@ -22,11 +25,11 @@ struct VELM_UTIL_API D3d9AdapterContext {
     /// Threads: one at a time.
     ErrorCode Setup(IDirect3D9* d3d, UINT adapter);
 
-    IDirect3D9* m_pD3d9;
-    UINT m_nAdapter;
-    D3DADAPTER_IDENTIFIER9 m_identifier;
-    D3DCAPS9 m_caps;
-    D3DDISPLAYMODE m_displayMode;
+    IDirect3D9* m_pD3d9;                  ///< as given to Setup; not counted
+    UINT m_nAdapter;                      ///< as given to Setup
+    D3DADAPTER_IDENTIFIER9 m_identifier;  ///< names, driver, PCI numbers
+    D3DCAPS9 m_caps;                      ///< of the hardware device
+    D3DDISPLAYMODE m_displayMode;         ///< the current one
 };
 
 }  // namespace velm

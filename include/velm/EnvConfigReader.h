@@ -11,15 +11,17 @@ namespace velm {
 class VELM_UTIL_API EnvConfigReader {
 public:
     EnvConfigReader();
+    /// @{
+    /// There is nothing in an object to copy.
     EnvConfigReader(const EnvConfigReader& other);
     EnvConfigReader& operator=(const EnvConfigReader& other);
+    /// @}
     virtual ~EnvConfigReader();
 
     /// Reads one variable.
     /// @param name  in the OEM code page
     /// @param value  receives the value in UTF-8, which is empty for a variable that is set but empty; keeps
-    /// what
-    ///               it holds when the variable is not set or anything fails
+    ///               what it holds when the variable is not set or anything fails
     void GetIfOk(const std::string& name, std::string& value);
 };
 

@@ -14,6 +14,7 @@ namespace velm {
 class VELM_UTIL_API FileStdio {
 public:
     FileStdio();
+    /// Has the same stream and does not own it.
     FileStdio(const FileStdio& other);
     /// Closes a stream of its own first.
     FileStdio& operator=(const FileStdio& other);
@@ -25,8 +26,7 @@ public:
     /// @param path  in the encoding of fopen_s, which is the system's
     /// @param mode  as for fopen
     /// @return the stream, the object's; null when the file cannot be opened, or for a null argument or a
-    /// mode
-    ///         that does not begin with "r", "w" or "a"
+    ///         mode that does not begin with "r", "w" or "a"
     std::FILE* Open(const char* path, const char* mode);
 
     /// The stream; null when none is open.

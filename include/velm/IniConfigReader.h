@@ -16,8 +16,11 @@ namespace velm {
 class VELM_UTIL_API IniConfigReader {
 public:
     IniConfigReader();
+    /// @{
+    /// There is nothing in an object to copy.
     IniConfigReader(const IniConfigReader& other);
     IniConfigReader& operator=(const IniConfigReader& other);
+    /// @}
     virtual ~IniConfigReader();
 
     /// Reads a number: the digits that the setting begins with, after a sign and a prefix such as 0x, if any.

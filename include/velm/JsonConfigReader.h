@@ -14,8 +14,11 @@ namespace velm {
 class VELM_UTIL_API JsonConfigReader {
 public:
     JsonConfigReader();
+    /// @{
+    /// Copies the text.
     JsonConfigReader(const JsonConfigReader& other);
     JsonConfigReader& operator=(const JsonConfigReader& other);
+    /// @}
     virtual ~JsonConfigReader();
 
     /// Replaces the text by the lines of a file, joined end to end: line ends (LF, CR LF) are not kept, a
@@ -23,8 +26,7 @@ public:
     /// Windows.
     /// @param path  in the encoding of the system's narrow file names: the ANSI code page on Windows
     /// @return 0; 1 when the file cannot be opened, and the text stays as it was, or when reading it fails,
-    /// and the
-    ///         text is what was read so far
+    ///         and the text is what was read so far
     int ReadFile(const std::string& path);
 
     /// Replaces the text by `json` as it is.
@@ -35,9 +37,8 @@ public:
     /// Parses the text: the first JSON value in it; what follows is not looked at.
     /// @param value  receives the document; after a syntax error what was understood of it
     /// @param error  receives "syntax error at line N near: " and the rest of that line; the same for text
-    /// nested
-    ///               deeper than picojson's limit for arrays (100), of arrays and objects alike, which is not
-    ///               parsed at all
+    ///               nested deeper than picojson's limit for arrays (100), of arrays and objects alike, which
+    ///               is not parsed at all
     /// @return whether `error` is empty afterwards; it is not emptied before
     /// Throws std::bad_alloc when memory runs out; `value` then holds what was parsed so far.
     bool getJsonValue(picojson::value& value, std::string& error);

@@ -18,6 +18,7 @@ namespace velm {
 class VELM_UTIL_API LoadClassPointerFromDll {
 public:
     LoadClassPointerFromDll();
+    /// Empty.
     LoadClassPointerFromDll(const LoadClassPointerFromDll& other);
     /// Terminates first.
     LoadClassPointerFromDll& operator=(const LoadClassPointerFromDll& other);

@@ -15,8 +15,11 @@ public:
     static MemoryInfo* GetInstance();
 
     MemoryInfo();
+    /// @{
+    /// Opens a handle of its own when the other is initialised.
     MemoryInfo(const MemoryInfo& other);
     MemoryInfo& operator=(const MemoryInfo& other);
+    /// @}
 
     /// Closes the handle.
     ~MemoryInfo();

@@ -5,8 +5,11 @@
 /// The priority of the process.
 class VELM_UTIL_API SchedulingProcess {
 public:
+    /// @{
+    /// There is nothing in an object to copy.
     SchedulingProcess(const SchedulingProcess& other);
     SchedulingProcess& operator=(const SchedulingProcess& other);
+    /// @}
     virtual ~SchedulingProcess();
 
     /// Gives the process the priority class HIGH_PRIORITY_CLASS.
@@ -27,6 +30,7 @@ private:
 class VELM_UTIL_API SchedulingThread {
 public:
     SchedulingThread();
+    /// Unregistered.
     SchedulingThread(const SchedulingThread& other);
     /// A registration of its own stays.
     SchedulingThread& operator=(const SchedulingThread& other);

@@ -27,6 +27,7 @@ class Thread;
 class VELM_UTIL_API ThreadCaller {
 public:
     ThreadCaller();
+    /// Has the identifier, the state and the name of the other, but no thread.
     ThreadCaller(const ThreadCaller& other);
     /// Stops a thread of its own first.
     ThreadCaller& operator=(const ThreadCaller& other);
@@ -40,8 +41,8 @@ public:
     /// @param function  its result is not kept
     /// @param argument  the caller's; must live until Stop returns
     /// @param name  under which debuggers show the thread, UTF-8; copied; null counts as ""
-    /// @param idBase  0 when not given
     void Start(int (*function)(void*), void* argument, const char* name, int idBase);
+    /// Starts a thread whose `idBase` is 0.
     void Start(int (*function)(void*), void* argument, const char* name);
     /// Starts a thread named "0".
     void Start(int (*function)(void*), void* argument, int idBase);

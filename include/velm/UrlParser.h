@@ -18,8 +18,11 @@ class VELM_UTIL_API UrlParser {
 public:
     /// Everything is empty.
     UrlParser();
+    /// @{
+    /// Copies all components and parameters.
     UrlParser(const UrlParser& other);
     UrlParser& operator=(const UrlParser& other);
+    /// @}
     virtual ~UrlParser();
 
     /// Replaces the whole result by that of another URL.
@@ -35,9 +38,9 @@ public:
     const char* Url() const;        ///< the whole text
     const char* Scheme() const;     ///< without the ":" after it
     const char* Authority() const;  ///< without the "//" before it
-    const char* Path() const;
-    const char* Query() const;     ///< without the "?" before it
-    const char* Fragment() const;  ///< without the "#" before it
+    const char* Path() const;       ///< "/" included, where it begins with one
+    const char* Query() const;      ///< without the "?" before it
+    const char* Fragment() const;   ///< without the "#" before it
 
     /// The value of a parameter. A name that the query does not have is added with an empty value.
     /// @param name  NUL-terminated, not null; upper and lower case differ

@@ -22,6 +22,7 @@ namespace velm {
 /// Threads: any number at once, each with output strings of its own.
 class VELM_UTIL_API UrlSchemeUtil {
 public:
+    /// There is nothing in an object to copy.
     UrlSchemeUtil& operator=(const UrlSchemeUtil& other);
 
     /// Reads a link and checks the address that it leads to. Three forms are read:
@@ -32,7 +33,7 @@ public:
     ///
     /// @param source  the link
     /// @param url  on entry, its beginning chooses the scheme of the address: "http:" or "https". It receives
-    ///        the scheme, "://" and BODY; a resume link leaves it as it is
+    ///             the scheme, "://" and BODY; a resume link leaves it as it is
     /// @param param1, param2  receive TITLE and TICKET
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for another beginning of `url` or another form of link, all
     ///         outputs unchanged, and for an address that checkPavix refuses, the outputs being set
@@ -41,8 +42,8 @@ public:
                           std::string& param2);
 
     /// Whether a pattern of the caller's covers the whole of an address.
-    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. It
-    ///        ends at its first NUL
+    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. It ends
+    ///                 at its first NUL
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when it does not, and for a pattern that is not valid
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode checkDomain(const std::string& url, const std::string& pattern);

@@ -38,7 +38,7 @@ public:
 
     /// The code that the quit message carries, 16 at first.
     void SetExitCode(int exitCode);
-    int GetExitCode();
+    int GetExitCode();  ///< the code that is set
 
     /// Starts the timer. A watchdog that runs already goes over to the new window and checker.
     /// @param window  the caller's, of the calling thread; must outlive the run

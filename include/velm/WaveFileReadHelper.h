@@ -15,15 +15,17 @@ class FileReader;
 class VELM_UTIL_API WaveFileReadHelper {
 public:
     WaveFileReadHelper();
+    /// @{
+    /// Copies the place in the file; the reader is shared.
     WaveFileReadHelper(const WaveFileReadHelper& other);
     WaveFileReadHelper& operator=(const WaveFileReadHelper& other);
+    /// @}
     virtual ~WaveFileReadHelper();
 
     /// Reads up to the beginning of the sample data.
     /// @param reader  an open file at its beginning; the caller's, before, during and after
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for a null reader; VELM_ERROR_UTIL_UNKNOWN when the file is
-    /// not
-    ///         RIFF/WAVE; VELM_ERROR_UTIL_DATA_BROKEN for a chunk that is not smaller than the whole; the
+    ///         not RIFF/WAVE; VELM_ERROR_UTIL_DATA_BROKEN for a chunk that is not smaller than the whole; the
     ///         reader's own code when a read fails, the end of the file included
     ErrorCode Initialize(FileReader* reader);
 
@@ -38,23 +40,22 @@ public:
     /// @param bufferSize  of the buffer, in bytes
     /// @param milliSec  play time of the block
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null or zero arguments, when samples per second *
-    /// milliSec is not
-    ///         a multiple of 1000, or when the block is larger than the buffer: the call can be repeated with
-    ///         better arguments; VELM_ERROR_CORE_NOTHING_TO_READ when the format gives a block of 0 bytes;
-    ///         VELM_ERROR_UTIL_ILLEGAL_CALL before Initialize; VELM_ERROR_UTIL_DATA_BROKEN for a chunk that
-    ///         is not smaller than the whole; the reader's own code when a read fails, which is also how the
-    ///         data ends
+    ///         milliSec is not a multiple of 1000, or when the block is larger than the buffer: the call can
+    ///         be repeated with better arguments; VELM_ERROR_CORE_NOTHING_TO_READ when the format gives a
+    ///         block of 0 bytes; VELM_ERROR_UTIL_ILLEGAL_CALL before Initialize; VELM_ERROR_UTIL_DATA_BROKEN
+    ///         for a chunk that is not smaller than the whole; the reader's own code when a read fails, which
+    ///         is also how the data ends
     ErrorCode GetWaveData(unsigned char* buffer, unsigned long long* readSize, unsigned long long bufferSize,
                           unsigned int milliSec);
 
     /// Samples per second.
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
-    /// was read
+    ///         was read
     ErrorCode GetSampleRate(unsigned int* sampleRate);
 
     /// The number of channels.
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
-    /// was read
+    ///         was read
     ErrorCode GetChannelNum(unsigned int* channelNum);
 
 private:

@@ -20,25 +20,30 @@ class VELM_UTIL_API WindowsUtil {
 public:
     // Text. All of these leave `out` as it was when they fail.
 
+    /// @{
     /// Converts 8-bit text to UTF-16, NULs inside it included. Bytes that form no character become the
     /// system's replacement for them.
     /// @return 0; the codes of PathHelper::GetWstringFromString
     static ErrorCode GetWstringFromUtf8String(const std::string& in, std::wstring& out);
     static ErrorCode GetWstringFromOemcpString(const std::string& in, std::wstring& out);
+    /// @}
 
+    /// @{
     /// Converts UTF-16 up to its first NUL to 8-bit text. What the OEM code page has no form for becomes the
     /// closest character that it has, or the system's default character; an unpaired surrogate becomes the
     /// replacement character.
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when the system refuses the text, and for text of 2^31 - 1
-    /// units
-    ///         or more; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY
+    ///         units or more; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY
     static ErrorCode GetUtf8StringFromWstring(const std::wstring& in, std::string& out);
     static ErrorCode GetOemcpStringFromWstring(const std::wstring& in, std::string& out);
+    /// @}
 
+    /// @{
     /// Converts 8-bit text up to its first NUL to the other 8-bit encoding, by way of UTF-16.
     /// @return as the conversion that failed
     static ErrorCode GetOemcpStringFromUtf8String(const std::string& in, std::string& out);
     static ErrorCode GetUtf8StringFromOemcpString(const std::string& in, std::string& out);
+    /// @}
 
     /// Converts text of the platform's text interface, which is UTF-16. The result is in the OEM code page,
     /// not in UTF-8: it is that of GetOemcpStringFromWstring.
@@ -60,6 +65,7 @@ public:
     static void* CallLoadImage(HINSTANCE__* module, const char* name, unsigned int type, int cx, int cy,
                                unsigned int loadFlags);
 
+    /// Shows a text in the debugger.
     static void CallOutputDebugString(const char* text);
 
     /// @return the button that was chosen; 0 when no box was shown

@@ -53,4 +53,11 @@ bool OutputIsTerminal() {
     return _isatty(_fileno(stdout)) != 0;
 }
 
+bool OutputTakesColors() {
+    const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) == 0 && GetConsoleMode(console, &mode) &&
+           SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
 }  // namespace velm::platform

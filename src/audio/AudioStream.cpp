@@ -130,7 +130,7 @@ AudioStream::AudioStream(unsigned int maxSampleSize, unsigned int channelNum, un
     : m_nMaxSampleSize(maxSampleSize),
       m_nChannelNum(channelNum),
       m_nBitsPerSample(bitsPerSample),
-      m_nSampleByteSize(SampleByteSize(channelNum, bitsPerSample)),
+      m_nSampleByteSize(SampleByteSize(m_nChannelNum, m_nBitsPerSample)),
       m_nBufferByteSize(BufferByteSize(m_nSampleByteSize, maxSampleSize)),
       m_nBackIndex(0),
       m_nFrontIndex(0) {

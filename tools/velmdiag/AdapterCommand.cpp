@@ -4,6 +4,7 @@
 
 #include "AdapterRules.h"
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/FileReader.h"
@@ -129,19 +130,12 @@ void AddAdapterCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<AdapterOptions>();
     CLI::App* const command =
         app.add_subcommand("adapter", "Shows display adapters and checks them by rules");
-    command->description(
-        "Shows the facts about each Direct3D 9 adapter and, with a rule file, whether it is accepted, or "
-        "which "
-        "rule it failed first and the fact that rule met.\n"
-        "Ends with 0 when every adapter shown is accepted, 1 when one is refused, 2 when that could not be "
-        "found "
-        "out.\n"
-        "Example: velmdiag adapter --index 0 --rules adapter-rules.json");
-    command->footer(
-        "A rule file: {\"rules\": [{\"fact\": \"vendor-name\", \"is\": \"==\", \"value\": \"NVIDIA\"}]}\n" +
-        HelpOnRules() +
-        "\nValues are texts or whole numbers, as the fact is; \"0x10DE\" is a number, \"9.18.13.0\" a driver "
-        "version.");
+    Explain(command,
+            "Shows the facts about each Direct3D 9 adapter and, with a rule file, whether it is "
+            "accepted, or which rule it failed first and the fact that rule met.\nEnds with 0 when "
+            "every adapter shown is accepted, 1 when one is refused, 2 when that could not be found "
+            "out.",
+            "velmdiag adapter --index 0 --rules adapter-rules.json");
     command->add_option("--index", options->index, "show this adapter only; 0 is the first");
     command->add_option("--rules", options->rules, "check the adapters by this rule file");
     command->add_flag("--json", options->json, "print one JSON object");

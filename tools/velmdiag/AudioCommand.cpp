@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "Command.h"
+#include "Help.h"
 #include "Path.h"
 #include "Report.h"
 #include "velm/AudioFrame.h"
@@ -299,12 +300,11 @@ int RunAudio(const AudioOptions& options) {
 void AddAudioCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<AudioOptions>();
     CLI::App* const command = app.add_subcommand("audio", "Plays a WAVE file through the frame ring");
-    command->description(
-        "Reads a WAVE file block by block on one thread, passes each block as an audio frame through the "
-        "frame ring "
-        "to another, and compares what arrives with what was read. Any sample rate, depth and number of "
-        "channels.\n"
-        "Example: velmdiag audio speech.wav --out copy.wav");
+    Explain(command,
+            "Reads a WAVE file block by block on one thread, passes each block as an audio frame "
+            "through the frame ring to another, and compares what arrives with what was read. Any "
+            "sample rate, depth and number of channels.",
+            "velmdiag audio speech.wav --out copy.wav");
     command->add_option("IN", options->input, "the WAVE file")->required();
     command->add_option("--out", options->output, "write what arrives to this WAVE file");
     command->add_option("--block-ms", options->blockMilliseconds, "play time of a block in milliseconds")

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/core/FileReader.h"
 #include "velm/EnvConfigReader.h"
@@ -205,11 +206,10 @@ void AddConfigCommand(CLI::App& app, int& exitStatus) {
     config->require_subcommand(1);
 
     CLI::App* const ini = config->add_subcommand("ini", "Reads one value of an INI file");
-    ini->description(
-        "Prints one value of an INI file, or the default. The exit status is 0 when the file has a value and "
-        "1 when "
-        "it has none.\n"
-        "Example: velmdiag config ini client.ini network port --int --default 443");
+    Explain(ini,
+            "Prints one value of an INI file, or the default. The exit status is 0 when the file has a "
+            "value and 1 when it has none.",
+            "velmdiag config ini client.ini network port --int --default 443");
     ini->add_option("FILE", options->file, "the INI file")->required();
     ini->add_option("SECTION", options->section, "its section, without brackets")->required();
     ini->add_option("KEY", options->key, "the key in it")->required();
@@ -218,18 +218,16 @@ void AddConfigCommand(CLI::App& app, int& exitStatus) {
     ini->callback([options, &exitStatus] { exitStatus = RunIni(*options); });
 
     CLI::App* const env = config->add_subcommand("env", "Reads an environment variable");
-    env->description(
-        "Prints an environment variable. The exit status is 0 when it is set, also when it is empty, and 1 "
-        "when it "
-        "is not.\n"
-        "Example: velmdiag config env PATH");
+    Explain(env,
+            "Prints an environment variable. The exit status is 0 when it is set, also when it is "
+            "empty, and 1 when it is not.",
+            "velmdiag config env PATH");
     env->add_option("NAME", options->variable, "the variable")->required();
     env->callback([options, &exitStatus] { exitStatus = RunEnv(*options); });
 
     CLI::App* const json = config->add_subcommand("json", "Reads a JSON file");
-    json->description(
-        "Reads and parses a JSON file and says what it is; with --json, prints it too.\n"
-        "Example: velmdiag config json settings.json --json");
+    Explain(json, "Reads and parses a JSON file and says what it is; with --json, prints it too.",
+            "velmdiag config json settings.json --json");
     json->add_option("FILE", options->file, "the JSON file")->required();
     json->callback([options, &exitStatus] { exitStatus = RunJson(*options); });
 

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/core/Tick.h"
 #include "velm/D3D9ResourceManager.h"
@@ -243,14 +244,12 @@ void AddDeviceCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<DeviceOptions>();
     CLI::App* const command =
         app.add_subcommand("device", "Loses and recovers a Direct3D 9 device on screen");
-    command->description(
-        "Opens a window with a Direct3D 9 device, a render target and a depth-stencil surface. In each round "
-        "the "
-        "device must refuse a reset while the surfaces live, accept it after their loss, and draw a picture "
-        "into "
-        "the rebuilt ones that reads back pixel by pixel.\n"
-        "Ends with 0 when every round did, 1 when one did not, 2 when there is no device.\n"
-        "Example: velmdiag device --rounds 20");
+    Explain(command,
+            "Opens a window with a Direct3D 9 device, a render target and a depth-stencil surface. In "
+            "each round the device must refuse a reset while the surfaces live, accept it after their "
+            "loss, and draw a picture into the rebuilt ones that reads back pixel by pixel.\nEnds with "
+            "0 when every round did, 1 when one did not, 2 when there is no device.",
+            "velmdiag device --rounds 20");
     command->add_option("--rounds", options->rounds, "losses and recoveries")
         ->check(CLI::Range(1U, 100000U))
         ->capture_default_str();

@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/KeyStringToByteData.h"
 
@@ -43,11 +44,10 @@ void AddKeyCommand(CLI::App& app, int& exitStatus) {
     };
     const auto options = std::make_shared<KeyOptions>();
     CLI::App* const command = app.add_subcommand("key", "Translates a key of 64 hexadecimal digits");
-    command->description(
-        "Prints the 32 bytes that the first 64 characters of HEX stand for. Characters that are no "
-        "hexadecimal "
-        "digits count as the low four bits of their codes.\n"
-        "Example: velmdiag key 0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef");
+    Explain(command,
+            "Prints the 32 bytes that the first 64 characters of HEX stand for. Characters that are no "
+            "hexadecimal digits count as the low four bits of their codes.",
+            "velmdiag key 0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef");
     command->add_option("HEX", options->text, "the key")->required();
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunKey(options->text, options->json); });

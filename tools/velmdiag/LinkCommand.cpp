@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/UrlSchemeUtil.h"
 
@@ -43,10 +44,10 @@ int RunLink(const LinkOptions& options) {
 void AddLinkCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<LinkOptions>();
     CLI::App* const command = app.add_subcommand("link", "Reads a link and checks where it leads");
-    command->description(
-        "Reads a link as the client does and checks the address that it leads to. The exit status is 0 when "
-        "the client would follow it and 1 when not.\n"
-        "Example: velmdiag link 'velm://connect/play.velm.example/a?title=T1&ticket=abc' --scheme https");
+    Explain(command,
+            "Reads a link as the client does and checks the address that it leads to. The exit status "
+            "is 0 when the client would follow it and 1 when not.",
+            "velmdiag link 'velm://connect/play.velm.example/a?title=T1&ticket=abc' --scheme https");
     command->add_option("LINK", options->link, "the link")->required();
     CLI::Option* const scheme =
         command->add_option("--scheme", options->scheme, "scheme of the address that the link names")

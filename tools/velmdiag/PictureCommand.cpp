@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "Help.h"
 #include "Path.h"
 #include "PngFile.h"
 #include "Report.h"
@@ -182,11 +183,11 @@ int RunPicture(const PictureOptions& options) {
 void AddPictureCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<PictureOptions>();
     CLI::App* const command = app.add_subcommand("picture", "Converts a YUV picture into a PNG file");
-    command->description(
-        "Reads a frame of planar YUV 4:2:0 in limited range (the Y, U and V planes one after another, no "
-        "header), "
-        "converts it into 32-bit pixels, prints the median time that takes and writes the picture.\n"
-        "Example: velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
+    Explain(command,
+            "Reads a frame of planar YUV 4:2:0 in limited range (the Y, U and V planes one after "
+            "another, no header), converts it into 32-bit pixels, prints the median time that takes "
+            "and writes the picture.",
+            "velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
     command->add_option("IN", options->input, "the YUV file")->required();
     command->add_option("--size", options->size, "width and height in pixels, such as 1280x720")->required();
     command->add_option("--out", options->output, "the PNG file")->required();

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/LoadClassPointerFromDll.h"
 #include "velm/WindowsUtil.h"
@@ -68,10 +69,10 @@ int RunPlugin(const PluginOptions& options) {
 void AddPluginCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<PluginOptions>();
     CLI::App* const command = app.add_subcommand("plugin", "Takes a plug-in library through its life");
-    command->description(
-        "Loads a plug-in library, obtains its object, releases it, unloads the library, and says which step "
-        "failed.\n"
-        "Example: velmdiag plugin sample_plugin.dll");
+    Explain(command,
+            "Loads a plug-in library, obtains its object, releases it, unloads the library, and says "
+            "which step failed.",
+            "velmdiag plugin sample_plugin.dll");
     command->add_option("FILE", options->file, "the library")->required();
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunPlugin(*options); });

@@ -5,6 +5,8 @@
 #include <iostream>
 #include <sstream>
 
+#include "velm/platform/CommandLine.h"
+
 namespace velmdiag {
 
 void Report::Add(const std::string& key, const std::string& text) {
@@ -41,6 +43,7 @@ void Report::Print(bool json) const {
         std::cout << Json().serialize(true);
         return;
     }
+    const bool colors = velm::platform::OutputTakesColors();
     std::size_t width = 0;
     for (const Entry& entry : m_entries) {
         width = std::max(width, entry.key.size());
@@ -48,7 +51,8 @@ void Report::Print(bool json) const {
     for (const Entry& entry : m_entries) {
         std::string label = entry.key;
         std::replace(label.begin(), label.end(), '_', ' ');
-        std::cout << std::left << std::setw(static_cast<int>(width) + 2) << label << entry.text << '\n';
+        std::cout << (colors ? "\x1b[36m" : "") << std::left << std::setw(static_cast<int>(width) + 2)
+                  << label << (colors ? "\x1b[0m" : "") << entry.text << '\n';
     }
 }
 

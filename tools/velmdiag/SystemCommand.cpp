@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/core/ErrorRegistry.h"
 #include "velm/LocalMachineTime.h"
@@ -19,7 +20,7 @@ namespace {
 void AddLibraries(Report& report) {
     picojson::array libraries;
     std::string text;
-    for (const char* const name : {"VelmUtil", "VelmCore"}) {
+    for (const char* const name : {VELM_UTIL_NAME, VELM_CORE_NAME}) {
         const velm::platform::LibraryFile file = velm::platform::FindLibrary(name);
         libraries.emplace_back(picojson::object{{"name", picojson::value(name)},
                                                 {"version", picojson::value(file.version)},
@@ -95,13 +96,12 @@ int RunSystem(bool json) {
 void AddSystemCommand(CLI::App& app, int& exitStatus) {
     const auto json = std::make_shared<bool>(false);
     CLI::App* const command = app.add_subcommand("system", "Shows what a support engineer asks for first");
-    command->description(
-        "Shows the libraries and the error codes that they registered, the executable and its resources "
-        "folder, the "
-        "screens, the OEM code page, this process's memory, the milliseconds since the machine started, and "
-        "whether "
-        "the system grants high priority and the multimedia scheduler's task \"Audio\".\n"
-        "Example: velmdiag system --json");
+    Explain(command,
+            "Shows the libraries and the error codes that they registered, the executable and its "
+            "resources folder, the screens, the OEM code page, this process's memory, the milliseconds "
+            "since the machine started, and whether the system grants high priority and the multimedia "
+            "scheduler's task \"Audio\".",
+            "velmdiag system --json");
     command->add_flag("--json", *json, "print one JSON object; sizes of memory are in MiB");
     command->callback([json, &exitStatus] { exitStatus = RunSystem(*json); });
 }

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "Command.h"
+#include "Help.h"
 #include "Report.h"
 #include "velm/UrlParser.h"
 
@@ -43,11 +44,10 @@ int RunUrl(const UrlOptions& options) {
 void AddUrlCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<UrlOptions>();
     CLI::App* const command = app.add_subcommand("url", "Splits a URL into its components and parameters");
-    command->description(
-        "Splits a URL into scheme, authority, path, query and fragment, and its query into parameters, "
-        "sorted "
-        "by name. Nothing is decoded.\n"
-        "Example: velmdiag url 'https://play.velm.example/a?b=1&c=2#d' --json");
+    Explain(command,
+            "Splits a URL into scheme, authority, path, query and fragment, and its query into "
+            "parameters, sorted by name. Nothing is decoded.",
+            "velmdiag url 'https://play.velm.example/a?b=1&c=2#d' --json");
     command->add_option("URL", options->url, "the URL")->required();
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunUrl(*options); });

@@ -5,9 +5,12 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <type_traits>
 
 #include "Command.h"
+#include "Help.h"
+#include "Report.h"
 #include "velm/core/Thread.h"
 #include "velm/LocalMachineTime.h"
 #include "velm/ThreadCaller.h"
@@ -23,6 +26,7 @@ struct WatchOptions {
     unsigned int stallAfter = 0;   // 0 for never
     unsigned int period = 500;
     int exitCode = 16;
+    bool json = false;
 };
 
 struct WindowDestroyer {
@@ -66,30 +70,40 @@ private:
     velm::ThreadCaller m_thread;
 };
 
-/// Says that the worker is alive when it has made a step since the last tick, and shows each tick.
+/// Says that the worker is alive when it has made a step since the last tick, and shows or keeps each tick.
 class ProgressChecker : public velm::WatchdogChecker {
 public:
-    explicit ProgressChecker(const Worker& worker) : m_worker(worker), m_start(velm::GetLocalMachineTime()) {}
+    ProgressChecker(const Worker& worker, bool show)
+        : m_worker(worker), m_show(show), m_start(velm::GetLocalMachineTime()) {}
 
     bool IsActive() override {
         const unsigned long long steps = m_worker.Steps() - m_seen;
         m_seen += steps;
         const double seconds = static_cast<double>(velm::GetLocalMachineTime() - m_start) / 1000.0;
-        std::cout << "tick " << std::setw(3) << ++m_ticks << std::fixed << std::setprecision(2)
-                  << std::setw(8) << seconds << " s  " << (steps != 0 ? "alive, " : "stalled, ") << steps
-                  << " steps" << std::endl;
+        m_ticks.emplace_back(picojson::object{{"seconds", picojson::value(seconds)},
+                                              {"alive", picojson::value(steps != 0)},
+                                              {"steps", picojson::value(static_cast<double>(steps))}});
+        if (m_show) {
+            std::cout << "tick " << std::setw(3) << m_ticks.size() << std::fixed << std::setprecision(2)
+                      << std::setw(8) << seconds << " s  " << (steps != 0 ? "alive, " : "stalled, ") << steps
+                      << " steps" << std::endl;
+        }
         return steps != 0;
     }
 
+    const picojson::array& Ticks() const { return m_ticks; }
+
 private:
     const Worker& m_worker;
+    bool m_show;
     unsigned long long m_start;
     unsigned long long m_seen = 0;
-    unsigned int m_ticks = 0;
+    picojson::array m_ticks;
 };
 
-/// Runs the message loop until a quit message, whose exit code it gives, or for the duration, which gives 0.
-int RunLoop(HWND window, unsigned int milliseconds) {
+/// Runs the message loop until a quit message, whose exit code it gives, or for the duration, which gives
+/// none.
+std::optional<int> RunLoop(HWND window, unsigned int milliseconds) {
     constexpr UINT_PTR kEndTimer = 1;
     if (SetTimer(window, kEndTimer, milliseconds, nullptr) == 0) {
         throw Failure{"the system gives no timer"};
@@ -97,14 +111,11 @@ int RunLoop(HWND window, unsigned int milliseconds) {
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (message.hwnd == window && message.message == WM_TIMER && message.wParam == kEndTimer) {
-            std::cout << "time is up, nothing stalled\n";
-            return 0;
+            return std::nullopt;
         }
         DispatchMessageW(&message);
     }
-    const int exitCode = static_cast<int>(message.wParam);
-    std::cout << "the watchdog ended the message loop with " << exitCode << '\n';
-    return exitCode;
+    return static_cast<int>(message.wParam);
 }
 
 int RunWatch(const WatchOptions& options) {
@@ -114,7 +125,7 @@ int RunWatch(const WatchOptions& options) {
         throw Failure{"a window cannot be made"};
     }
     const Worker worker(options.stallAfter);
-    ProgressChecker checker(worker);
+    ProgressChecker checker(worker, !options.json);
     velm::Watchdog* const watchdog = velm::Watchdog::GetInstance();
     watchdog->SetElapse(options.period);
     watchdog->SetExitCode(options.exitCode);
@@ -122,9 +133,20 @@ int RunWatch(const WatchOptions& options) {
     if (result.IsFailed()) {
         throw Failure{std::string("the watchdog cannot be started: ") + NameOf(result)};
     }
-    const int exitCode = RunLoop(window.get(), options.duration);
+    const std::optional<int> exitCode = RunLoop(window.get(), options.duration);
     watchdog->Stop();
-    return exitCode;
+    if (options.json) {
+        Report report;
+        report.Add("ticks", picojson::value(checker.Ticks()), "");
+        report.Add("ended_by_the_watchdog", exitCode.has_value());
+        report.Add("exit_code", static_cast<long long>(exitCode.value_or(0)));
+        report.Print(true);
+    } else if (exitCode) {
+        std::cout << "the watchdog ended the message loop with " << *exitCode << '\n';
+    } else {
+        std::cout << "time is up, nothing stalled\n";
+    }
+    return exitCode.value_or(0);
 }
 
 }  // namespace
@@ -136,13 +158,11 @@ void AddWatchCommand(CLI::App& app, int& exitStatus) {
         CLI::AsNumberWithUnit::UNIT_REQUIRED, "DURATION");
     const CLI::Range range(1U, kMostMilliseconds);
     CLI::App* const command = app.add_subcommand("watch", "Puts a watchdog over a worker thread");
-    command->description(
-        "Opens a window, starts a worker thread and a watchdog that looks at its progress, and shows each "
-        "look. When "
-        "the worker stalls, the watchdog ends the message loop, and the program ends with the watchdog's "
-        "exit code. "
-        "A DURATION is a number with ms, s or m.\n"
-        "Example: velmdiag watch --for 6s --stall-after 2s");
+    Explain(command,
+            "Opens a window, starts a worker thread and a watchdog that looks at its progress, and "
+            "shows each look. When the worker stalls, the watchdog ends the message loop, and the "
+            "program ends with the watchdog's exit code. A DURATION is a number with ms, s or m.",
+            "velmdiag watch --for 6s --stall-after 2s");
     command->add_option("--for", options->duration, "how long to watch; 5s if not given")
         ->transform(duration)
         ->check(range)
@@ -157,6 +177,7 @@ void AddWatchCommand(CLI::App& app, int& exitStatus) {
         ->option_text("DURATION");
     command->add_option("--exit-code", options->exitCode, "what the watchdog ends the message loop with")
         ->capture_default_str();
+    command->add_flag("--json", options->json, "print one JSON object when the watch is over");
     command->callback([options, &exitStatus] { exitStatus = RunWatch(*options); });
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "Help.h"
 #include "velm/core/ErrorRegistry.h"
 #include "velm/platform/CommandLine.h"
 
@@ -40,6 +41,7 @@ int Run(std::vector<std::string> arguments) {
     AddSystemCommand(app, exitStatus);
     AddUrlCommand(app, exitStatus);
     AddWatchCommand(app, exitStatus);
+    AddHelp(app);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));

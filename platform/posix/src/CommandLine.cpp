@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+
 namespace velm::platform {
 
 std::vector<std::string> Utf8CommandLine(int argc, char** argv) {
@@ -14,6 +16,12 @@ std::string NarrowFileName(const std::string& utf8) {
 
 bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
+}
+
+bool OutputTakesColors() {
+    const char* const terminal = std::getenv("TERM");
+    return OutputIsTerminal() && std::getenv("NO_COLOR") == nullptr && terminal != nullptr &&
+           std::string(terminal) != "dumb";
 }
 
 }  // namespace velm::platform

@@ -77,7 +77,8 @@ UINT_PTR _beginthreadex(void*, unsigned int stackSize, unsigned int(WINAPI* func
         pthread_attr_init(&attributes);
         pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
         if (stackSize != 0) {
-            pthread_attr_setstacksize(&attributes, std::max<std::size_t>(stackSize, PTHREAD_STACK_MIN));
+            pthread_attr_setstacksize(
+                &attributes, std::max(std::size_t{stackSize}, static_cast<std::size_t>(PTHREAD_STACK_MIN)));
         }
         auto holder = std::make_unique<std::shared_ptr<ThreadState>>(state);
         pthread_t thread{};

@@ -6,19 +6,24 @@ namespace velm {
 /// failure. ErrorRegistry.h turns a code into its name.
 class ErrorCode {
 public:
+    /// @param code  becomes the result as it is
     constexpr ErrorCode(unsigned int code = 0) noexcept : m_code(code) {}
 
+    /// The code.
     constexpr unsigned int GetCode() const noexcept { return m_code; }
 
     /// Whether bit 31 is set.
     constexpr bool IsFailed() const noexcept { return (m_code & 0x80000000U) != 0; }
 
+    /// @{
+    /// Compares the codes.
     friend constexpr bool operator==(ErrorCode a, ErrorCode b) noexcept { return a.m_code == b.m_code; }
     friend constexpr bool operator!=(ErrorCode a, ErrorCode b) noexcept { return a.m_code != b.m_code; }
     friend constexpr bool operator==(ErrorCode a, unsigned int b) noexcept { return a.m_code == b; }
     friend constexpr bool operator!=(ErrorCode a, unsigned int b) noexcept { return a.m_code != b; }
     friend constexpr bool operator==(unsigned int a, ErrorCode b) noexcept { return a == b.m_code; }
     friend constexpr bool operator!=(unsigned int a, ErrorCode b) noexcept { return a != b.m_code; }
+    /// @}
 
 private:
     unsigned int m_code;

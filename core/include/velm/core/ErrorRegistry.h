@@ -8,9 +8,9 @@ namespace velm {
 
 /// A code and the texts it was registered with. The texts live as long as the core library is loaded.
 struct ErrorCodeInfo {
-    unsigned int code;
-    const char* facility;
-    const char* name;
+    unsigned int code;     ///< with bit 31 for a failure
+    const char* facility;  ///< such as "VELM_FACILITY_UTIL"
+    const char* name;      ///< such as "VELM_ERROR_UTIL_UNKNOWN"
 };
 
 /// Records a code with its facility and its name. The texts are copied, so a library that registered codes

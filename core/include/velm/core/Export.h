@@ -2,6 +2,7 @@
 /// Marks what the two libraries export. The only header of the project that looks at the platform.
 #pragma once
 
+/// @cond INTERNAL
 #if defined(_WIN32)
 #define VELM_DLL_EXPORT __declspec(dllexport)
 #define VELM_DLL_IMPORT __declspec(dllimport)
@@ -22,3 +23,4 @@
 #else
 #define VELM_UTIL_API VELM_DLL_IMPORT
 #endif
+/// @endcond

@@ -26,8 +26,7 @@ public:
     void Close();
 
     /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED when no file is open; VELM_ERROR_CORE_INVALID_PARAM for a
-    /// null
-    ///         `buffer` with a `size` above 0; VELM_ERROR_CORE_END_OF_DATA when the file ends first;
+    ///         null `buffer` with a `size` above 0; VELM_ERROR_CORE_END_OF_DATA when the file ends first;
     ///         VELM_ERROR_CORE_READ_FAILED when the system fails the read
     ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long size) override;
 

@@ -30,14 +30,19 @@ public:
     virtual ~IReader();
 
 protected:
+    /// @{
+    /// For derived classes.
     IReader() = default;
     IReader(const IReader&) = default;
     IReader& operator=(const IReader&) = default;
+    /// @}
 
+    /// @{
     /// The bytes that a buffering reader has at hand: ReadU8 takes them from here without a virtual call. A
     /// reader without a buffer leaves both null. They point into the reader's own storage.
     const unsigned char* m_next = nullptr;
     const unsigned char* m_end = nullptr;
+    /// @}
 
 private:
     ErrorCode ReadU8Slowly(unsigned char* value);

@@ -10,8 +10,8 @@ namespace velm {
 /// An event that threads of one process wait for.
 class VELM_CORE_API SyncEvent {
 public:
-    /// @param manualReset  true: once set, the event stays set and releases every waiter;
-    ///                     false: it resets itself as one waiter leaves
+    /// @param manualReset  true: once set, the event stays set and releases every waiter; false: it resets
+    ///                     itself as one waiter leaves
     /// @param initiallySet  whether the event starts set
     SyncEvent(bool manualReset, bool initiallySet);
 

@@ -29,20 +29,18 @@ public:
     /// @param function  not null; its result is the thread's exit code
     /// @param argument  handed to the function; the caller's
     /// @return 0; VELM_ERROR_CORE_INVALID_PARAM for a null function; VELM_ERROR_CORE_ILLEGAL_CALL while a
-    /// thread is
-    ///         running or not joined; VELM_ERROR_CORE_NOT_ENOUGH_MEMORY
+    ///         thread is running or not joined; VELM_ERROR_CORE_NOT_ENOUGH_MEMORY
     ErrorCode Initialize(const ThreadConfig& config, int (*function)(void*), void* argument);
 
     /// Starts the prepared thread.
     /// @param parameter  handed to operator()
     /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL before Initialize, or when started already;
-    /// VELM_ERROR_CORE_UNKNOWN
-    ///         when the system gives no thread
+    ///         VELM_ERROR_CORE_UNKNOWN when the system gives no thread
     ErrorCode Start(void* parameter);
 
     /// Waits until the function has returned. The thread can then be started, or initialised, anew.
     /// @param exitCode  receives what the function returned, converted to unsigned; may be null; unchanged on
-    /// failure
+    ///                  failure
     /// @return 0; VELM_ERROR_CORE_THREAD_EXCEPTION when the function ended by an exception;
     ///         VELM_ERROR_CORE_ILLEGAL_CALL when there is nothing to join, or on the thread itself;
     ///         VELM_ERROR_CORE_UNKNOWN when the system fails the wait

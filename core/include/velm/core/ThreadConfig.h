@@ -11,8 +11,11 @@ namespace velm {
 class VELM_CORE_API ThreadConfig {
 public:
     ThreadConfig();
+    /// @{
+    /// Copies the settings.
     ThreadConfig(const ThreadConfig& other);
     ThreadConfig& operator=(const ThreadConfig& other);
+    /// @}
     ~ThreadConfig();
 
     /// Stores a copy of the name under which debuggers and profilers show the thread.
@@ -24,7 +27,7 @@ public:
 
     /// Sets the size of the thread's stack in bytes; 0, the default, leaves it to the system.
     void SetStackSize(unsigned int bytes);
-    unsigned int GetStackSize() const;
+    unsigned int GetStackSize() const;  ///< in bytes; 0 for the system's choice
 
 private:
     std::string m_name;

@@ -15,4 +15,8 @@ std::string NarrowFileName(const std::string& utf8);
 /// Whether standard output goes to a terminal.
 bool OutputIsTerminal();
 
+/// Whether standard output goes to a terminal that shows colours, and the user has not turned them off with
+/// the environment variable NO_COLOR.
+bool OutputTakesColors();
+
 }  // namespace velm::platform

@@ -1,0 +1,39 @@
+# What `cmake --install` puts in place, and the package that find_package(VelmUtil CONFIG) finds there. Debug and
+# release builds may share a prefix: the Debug libraries carry a "d" after their names.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VelmUtil)
+install(TARGETS VelmCore VelmUtil EXPORT VelmUtilTargets)
+set_target_properties(VelmCore VelmUtil PROPERTIES INSTALL_RPATH $ORIGIN)
+if(TARGET velm_posix)
+    install(TARGETS velm_posix)
+    # Windows' interfaces, which the public headers include under Windows' names.
+    install(DIRECTORY platform/posix/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/posix)
+    target_include_directories(VelmUtil INTERFACE
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/posix>)
+endif()
+
+# picojson comes along, because the library and its callers must be built with the same one.
+file(REAL_PATH ${picojson_INCLUDE_DIR}/picojson.h picojson_header)
+install(FILES ${picojson_header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/third-party)
+target_include_directories(VelmUtil INTERFACE
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/third-party>)
+
+install(DIRECTORY include/velm core/include/velm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT VelmUtilTargets NAMESPACE VelmUtil:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/VelmUtilConfig.cmake.in VelmUtilConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(VelmUtilConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/VelmUtilConfig.cmake ${PROJECT_BINARY_DIR}/VelmUtilConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+if(TARGET velmdiag)
+    install(TARGETS velmdiag CONFIGURATIONS Release RelWithDebInfo MinSizeRel)
+    if(TARGET velmdiag_pages)
+        set(pages ${PROJECT_BINARY_DIR}/tools/velmdiag)
+        install(FILES ${pages}/velmdiag.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+        install(FILES ${pages}/velmdiag.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+            RENAME velmdiag)
+    endif()
+    set_target_properties(velmdiag PROPERTIES INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
+endif()

@@ -1,0 +1,164 @@
+#include "Help.h"
+
+#include <iostream>
+#include <sstream>
+
+namespace velmdiag {
+namespace {
+
+constexpr std::size_t kColumns = 80;
+const std::string kExample = "\nExample:\n  ";
+
+/// Breaks lines at blanks, so that none is longer than a terminal is wide.
+std::string Wrap(const std::string& text) {
+    std::istringstream lines(text);
+    std::string wrapped;
+    for (std::string line; std::getline(lines, line);) {
+        while (line.size() > kColumns && line.rfind(' ', kColumns) != std::string::npos) {
+            const std::size_t blank = line.rfind(' ', kColumns);
+            wrapped += line.substr(0, blank) + '\n';
+            line.erase(0, blank + 1);
+        }
+        wrapped += line + '\n';
+    }
+    return wrapped;
+}
+
+/// The commands that run, a command's own commands in its place.
+std::vector<const CLI::App*> RunnableCommands(const CLI::App& app) {
+    std::vector<const CLI::App*> commands;
+    for (const CLI::App* const command : app.get_subcommands({})) {
+        const auto inner = RunnableCommands(*command);
+        commands.insert(commands.end(), inner.begin(), inner.end());
+        if (inner.empty()) {
+            commands.push_back(command);
+        }
+    }
+    return commands;
+}
+
+/// Such as "config ini".
+std::string PathOf(const CLI::App& command) {
+    const CLI::App* const parent = command.get_parent();
+    return parent == nullptr         ? ""
+           : PathOf(*parent).empty() ? command.get_name()
+                                     : PathOf(*parent) + ' ' + command.get_name();
+}
+
+std::string ExampleOf(const CLI::App& command) {
+    const std::string footer = command.get_footer();
+    const std::size_t at = footer.find(kExample);
+    return at == std::string::npos ? "" : footer.substr(at + kExample.size());
+}
+
+std::string Replace(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+/// Text as roff takes it: a backslash, a hyphen and a mark at the beginning of a line mean something else
+/// there.
+std::string Roff(const std::string& text) {
+    return Replace(Replace(Replace(text, "\\", "\\e"), "-", "\\-"), "\n", "\n\\&");
+}
+
+std::string ManPage(const CLI::App& app) {
+    std::ostringstream page;
+    page << ".TH VELMDIAG 1 \"\" \"VelmUtil " VELM_VERSION "\" \"User Commands\"\n"
+         << ".SH NAME\nvelmdiag \\- " << Roff(app.get_description()) << '\n'
+         << ".SH SYNOPSIS\n.B velmdiag\n.I COMMAND\n[\\fIOPTIONS\\fR]\n.SH COMMANDS\n";
+    for (const CLI::App* const command : RunnableCommands(app)) {
+        page << ".SS " << PathOf(*command) << '\n' << Roff(command->get_description()) << ".\n";
+        for (const CLI::Option* const option : command->get_options()) {
+            page << ".TP\n.B " << Roff(option->get_name(false, true)) << '\n'
+                 << Roff(option->get_description()) << '\n';
+        }
+        const std::string footer = command->get_footer();
+        page << ".PP\n"
+             << Roff(footer.substr(0, footer.find(kExample))) << "\n.PP\n.EX\n"
+             << Roff(ExampleOf(*command)) << "\n.EE\n";
+    }
+    page << ".SH \"EXIT STATUS\"\n0 on success, 1 when the command failed or says no, 2 for wrong usage; a "
+            "command "
+            "says where it differs.\n"
+         << ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nno colours, also on a terminal\n";
+    return page.str();
+}
+
+/// The words that may follow: options, or commands.
+std::string WordsOf(const CLI::App& app) {
+    std::string words;
+    for (const CLI::App* const command : app.get_subcommands({})) {
+        words += command->get_name() + ' ';
+    }
+    for (const CLI::Option* const option : app.get_options()) {
+        if (option->nonpositional()) {
+            words += "--" + option->get_lnames().front() + ' ';
+        }
+    }
+    return words;
+}
+
+void AddCases(const CLI::App& app, std::ostream& known, std::ostream& words) {
+    const std::string path = PathOf(app);
+    words << "        \"" << path << "\") words=\"" << WordsOf(app) << "\" ;;\n";
+    for (const CLI::App* const command : app.get_subcommands({})) {
+        known << "\"" << path << ' ' << command->get_name() << "\"|";
+        AddCases(*command, known, words);
+    }
+}
+
+std::string BashCompletion(const CLI::App& app) {
+    std::ostringstream known;
+    std::ostringstream words;
+    AddCases(app, known, words);
+    std::string commands = known.str();
+    commands.pop_back();
+    return "# Completion of velmdiag for bash, made by velmdiag --completion.\n"
+           "_velmdiag() {\n"
+           "    local current=${COMP_WORDS[COMP_CWORD]} path= word words=\n"
+           "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
+           "        case \"$path $word\" in\n"
+           "        " +
+           commands +
+           ") path=${path:+$path }$word ;;\n"
+           "        esac\n"
+           "    done\n"
+           "    case $path in\n" +
+           words.str() +
+           "    esac\n"
+           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$current\")\n"
+           "}\n"
+           "complete -o default -F _velmdiag velmdiag velmdiag.exe\n";
+}
+
+}  // namespace
+
+void Explain(CLI::App* command, const std::string& text, const std::string& example) {
+    command->footer(Wrap(text) + kExample + example);
+}
+
+void AddHelp(CLI::App& app) {
+    std::string examples = "Examples:";
+    for (const CLI::App* const command : RunnableCommands(app)) {
+        examples += "\n  " + ExampleOf(*command);
+    }
+    app.footer(examples);
+    const auto add = [&app](const char* name, const char* description, std::string (*text)(const CLI::App&)) {
+        app.add_flag_callback(
+            name,
+            [&app, text] {
+                std::cout << text(app);
+                throw CLI::Success();
+            },
+            description);
+    };
+    add("--version", "Print the version and exit",
+        [](const CLI::App&) { return std::string(VELM_VERSION "\n"); });
+    add("--man", "Print the manual page and exit", ManPage);
+    add("--completion", "Print completion for bash and exit", BashCompletion);
+}
+
+}  // namespace velmdiag
