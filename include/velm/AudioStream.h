@@ -88,7 +88,10 @@ private:
     unsigned int m_nChannelNum;
     unsigned int m_nBitsPerSample;
     unsigned int m_nSampleByteSize;
-    std::unique_ptr<unsigned char[]> m_pBuffer;
+    struct BufferDeleter {
+        void operator()(unsigned char* buffer) const;
+    };
+    std::unique_ptr<unsigned char[], BufferDeleter> m_pBuffer;  // on a cache line of its own
     unsigned int m_nBufferByteSize;
     int m_nBackIndex;   // one past the newest sample; written by the thread that pushes or takes at the back
     int m_nFrontIndex;  // the oldest sample; written by the thread that pushes or takes at the front
