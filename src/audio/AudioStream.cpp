@@ -144,7 +144,7 @@ AudioStream::AudioStream(unsigned int maxSampleSize, unsigned int channelNum, un
 
 AudioStream::~AudioStream() = default;
 
-void AudioStream::BufferDeleter::operator()(unsigned char* buffer) const {
+void AudioBufferDeleter::operator()(unsigned char* buffer) const {
     operator delete[](buffer, kBufferAlignment);
 }
 
