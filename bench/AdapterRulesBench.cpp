@@ -2,7 +2,6 @@
 #include <memory>
 #include <string>
 
-#include "FakeDirect3D9.h"
 #include "Families.h"
 #include "velm/D3d9AdapterCheckSet.h"
 
@@ -29,14 +28,14 @@ D3d9AdapterCheckSet MakeRules(std::size_t count) {
     return set;
 }
 
-Contender Check(std::string name, std::size_t rules, FakeDirect3D9& d3d, std::size_t times) {
+Contender Check(std::string name, std::size_t rules, D3d9AdapterContext& context, std::size_t times) {
     const auto set = std::make_shared<D3d9AdapterCheckSet>(MakeRules(rules));
     return Repeat(
         std::move(name),
-        [set, &d3d, times] {
+        [set, &context, times] {
             for (std::size_t i = 0; i < times; ++i) {
                 bool passed = false;
-                set->Check(&passed, &d3d, 0);
+                set->Check(&passed, &context);
                 Keep(passed);
             }
         },
@@ -46,17 +45,18 @@ Contender Check(std::string name, std::size_t rules, FakeDirect3D9& d3d, std::si
 }  // namespace
 
 void MeasureAdapterRules(Suite& suite) {
-    FakeDirect3D9 d3d;
+    D3d9AdapterContext context;
     constexpr std::size_t kRules[] = {10, 100, 1000, 10000};
     for (const std::size_t rules : kRules) {
         const std::string times = std::to_string(rules);
-        suite.Compare("Adapter rules", "check of " + times + " rules", Check(times + " rules", rules, d3d, 1),
-                      {{Check("a check of one rule, " + times + " times", 1, d3d, rules), 0.9}});
+        suite.Compare("Adapter rules", "check of " + times + " rules",
+                      Check(times + " rules", rules, context, 1),
+                      {{Check("a check of one rule, " + times + " times", 1, context, rules), 0.9}});
     }
     suite.Grow(
         "Adapter rules: a check", "rules", Growth::kWithSize, {1, 10, 100, 1000, 10000},
-        [&d3d](double rules) -> std::vector<Contender> {
-            return {Check("D3d9AdapterCheckSet", static_cast<std::size_t>(rules), d3d, 1)};
+        [&context](double rules) -> std::vector<Contender> {
+            return {Check("D3d9AdapterCheckSet", static_cast<std::size_t>(rules), context, 1)};
         },
         100);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 
 #include "Families.h"
@@ -19,11 +20,13 @@ fs::path Folder() {
     return fs::path(path).parent_path() / L"bench";
 }
 
-/// Seconds that a new process takes to load a library; 0 when it cannot.
-double Load(const wchar_t* library) {
+/// Seconds that a new process takes to load libraries; 0 when it cannot.
+double Load(std::initializer_list<const wchar_t*> libraries) {
     const fs::path folder = Folder();
-    std::wstring command =
-        L"\"" + (folder / L"load_library.exe").wstring() + L"\" \"" + (folder / library).wstring() + L"\"";
+    std::wstring command = L"\"" + (folder / L"load_library.exe").wstring() + L"\"";
+    for (const wchar_t* const library : libraries) {
+        command += L" \"" + (folder / library).wstring() + L"\"";
+    }
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION process{};
@@ -42,17 +45,22 @@ double Load(const wchar_t* library) {
 void MeasureLoading(Suite& suite) {
     std::vector<double> ours;
     std::vector<double> empty;
+    std::vector<double> twoEmpty;
     for (int round = 0; round < suite.Rounds(); ++round) {
-        empty.push_back(Load(L"empty_library.dll"));
-        ours.push_back(Load(L"VelmUtil.dll"));
-        if (empty.back() == 0 || ours.back() == 0) {
+        empty.push_back(Load({L"empty_library.dll"}));
+        ours.push_back(Load({L"VelmUtil.dll"}));
+        twoEmpty.push_back(Load({L"empty_library.dll", L"empty_library_2.dll"}));
+        if (empty.back() == 0 || ours.back() == 0 || twoEmpty.back() == 0) {
             std::fprintf(stderr, "velm_bench: a library could not be loaded\n");
             suite.Fail();
             return;
         }
     }
-    suite.Limit("Libraries", "loading both into a new process", "an empty one of the same runtime",
-                MedianOf(ours) / MedianOf(empty), 2.0, "times");
+    const std::string against = "an empty one of the same runtime";
+    suite.Limit("Libraries", "loading both into a new process", against, MedianOf(ours) / MedianOf(empty),
+                2.0, "times");
+    suite.Limit("Libraries", "loading two empty ones", against, MedianOf(twoEmpty) / MedianOf(empty), 0,
+                "times");
 }
 
 }  // namespace

@@ -8,8 +8,11 @@ int wmain(int argc, wchar_t** argv) {
     LARGE_INTEGER frequency;
     QueryPerformanceFrequency(&frequency);
     QueryPerformanceCounter(&before);
-    const HMODULE module = argc == 2 ? LoadLibraryW(argv[1]) : nullptr;
+    bool loaded = argc > 1;
+    for (int i = 1; i < argc; ++i) {
+        loaded = loaded && LoadLibraryW(argv[i]) != nullptr;
+    }
     QueryPerformanceCounter(&after);
     const long long ticks = (after.QuadPart - before.QuadPart) * 10'000'000 / frequency.QuadPart;
-    return module != nullptr ? static_cast<int>(ticks) : 0;
+    return loaded ? static_cast<int>(ticks) : 0;
 }

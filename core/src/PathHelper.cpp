@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string_view>
 
@@ -32,19 +33,21 @@ ErrorCode PathHelper::GetWstringFromString(unsigned int codePage, const std::str
         return VELM_ERROR_CORE_INVALID_PARAM;
     }
     try {
-        std::wstring wide;
-        if (!in.empty()) {
-            const int size = static_cast<int>(in.size());
-            const int units = MultiByteToWideChar(codePage, 0, in.data(), size, nullptr, 0);
-            if (units <= 0) {
-                return VELM_ERROR_CORE_INVALID_PARAM;
-            }
-            wide.resize(static_cast<std::size_t>(units));
-            if (MultiByteToWideChar(codePage, 0, in.data(), size, wide.data(), units) != units) {
-                return VELM_ERROR_CORE_INVALID_PARAM;
-            }
+        if (in.empty()) {
+            out.clear();
+            return 0;
         }
-        out.swap(wide);
+        const int size = static_cast<int>(in.size());
+        const int units = MultiByteToWideChar(codePage, 0, in.data(), size, nullptr, 0);
+        if (units <= 0) {
+            return VELM_ERROR_CORE_INVALID_PARAM;
+        }
+        // Not a string: it would be filled before it is written.
+        const std::unique_ptr<wchar_t[]> wide(new wchar_t[static_cast<std::size_t>(units)]);
+        if (MultiByteToWideChar(codePage, 0, in.data(), size, wide.get(), units) != units) {
+            return VELM_ERROR_CORE_INVALID_PARAM;
+        }
+        out.assign(wide.get(), static_cast<std::size_t>(units));
         return 0;
     } catch (const std::bad_alloc&) {
         return VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;

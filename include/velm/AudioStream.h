@@ -6,6 +6,11 @@
 
 namespace velm {
 
+/// The library's own; releases the storage of a ring.
+struct AudioBufferDeleter {
+    void operator()(unsigned char* buffer) const;
+};
+
 /// A ring of interleaved PCM samples that is filled and emptied at both ends. One sample is one instant
 /// across all channels: (bits per sample / 8, rounded down) * channels bytes, which are copied as they are.
 ///
@@ -88,7 +93,7 @@ private:
     unsigned int m_nChannelNum;
     unsigned int m_nBitsPerSample;
     unsigned int m_nSampleByteSize;
-    std::unique_ptr<unsigned char[]> m_pBuffer;
+    std::unique_ptr<unsigned char[], AudioBufferDeleter> m_pBuffer;  // on a cache line of its own
     unsigned int m_nBufferByteSize;
     int m_nBackIndex;   // one past the newest sample; written by the thread that pushes or takes at the back
     int m_nFrontIndex;  // the oldest sample; written by the thread that pushes or takes at the front

@@ -82,7 +82,6 @@ private:
                             unsigned long long bufferSize, unsigned int milliSec);
     ErrorCode ReadUnknownChunk();
     ErrorCode ReadExactly(void* buffer, unsigned int size);
-    void Skip(unsigned long long size);
 
     FileReader* m_pReader;
     bool m_bChunkHeaderRead;

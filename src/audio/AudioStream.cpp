@@ -20,6 +20,9 @@ void Store(int& index, unsigned int value) {
     std::atomic_ref(index).store(static_cast<int>(value), std::memory_order_relaxed);
 }
 
+// Blocks that are whole cache lines, as frames often are, then never share one.
+constexpr std::align_val_t kBufferAlignment{64};
+
 /// The bytes of one sample, or 0 when such samples cannot be stored.
 unsigned int SampleByteSize(unsigned int channelNum, unsigned int bitsPerSample) {
     const unsigned long long bytes = static_cast<unsigned long long>(bitsPerSample / 8) * channelNum;
@@ -135,11 +138,15 @@ AudioStream::AudioStream(unsigned int maxSampleSize, unsigned int channelNum, un
       m_nBackIndex(0),
       m_nFrontIndex(0) {
     if (m_nBufferByteSize != 0) {
-        m_pBuffer.reset(new (std::nothrow) unsigned char[m_nBufferByteSize]());
+        m_pBuffer.reset(new (kBufferAlignment, std::nothrow) unsigned char[m_nBufferByteSize]());
     }
 }
 
 AudioStream::~AudioStream() = default;
+
+void AudioBufferDeleter::operator()(unsigned char* buffer) const {
+    operator delete[](buffer, kBufferAlignment);
+}
 
 ErrorCode AudioStream::Initialize() {
     return m_pBuffer != nullptr ? 0 : VELM_ERROR_UTIL_NOT_INITIALIZED;

@@ -144,7 +144,7 @@ ErrorCode WaveFileReadHelper::ReadChunkHeader() {
     if (m_bChunkHeaderRead) {
         return 0;
     }
-    Skip(m_nChunkSize % 2);  // the pad byte of the chunk before
+    m_pReader->Skip(m_nChunkSize % 2);  // the pad byte of the chunk before
     ChunkHeader header{};
     const ErrorCode result = ReadExactly(&header, sizeof header);
     if (result.IsFailed()) {
@@ -188,7 +188,7 @@ ErrorCode WaveFileReadHelper::ReadFormatChunk() {
     if (result.IsFailed()) {
         return result;
     }
-    Skip(m_nChunkSize - size);
+    m_pReader->Skip(m_nChunkSize - size);
     m_nChunkReadSize += m_nChunkSize;
     m_bFormatRead = true;
     return 0;
@@ -221,7 +221,7 @@ ErrorCode WaveFileReadHelper::ReadDataChunk(bool* dataRead, unsigned char* buffe
 }
 
 ErrorCode WaveFileReadHelper::ReadUnknownChunk() {
-    Skip(m_nChunkSize);
+    m_pReader->Skip(m_nChunkSize);
     m_nChunkReadSize += m_nChunkSize;
     return 0;
 }
@@ -229,17 +229,6 @@ ErrorCode WaveFileReadHelper::ReadUnknownChunk() {
 ErrorCode WaveFileReadHelper::ReadExactly(void* buffer, unsigned int size) {
     unsigned long long readSize = 0;
     return m_pReader->Read(&readSize, buffer, size);
-}
-
-/// Reads and drops bytes, up to the reader's first failure: what the file lacks is found by the next block
-/// read.
-void WaveFileReadHelper::Skip(unsigned long long size) {
-    for (; size != 0; --size) {
-        unsigned char ignored;
-        if (m_pReader->ReadU8(&ignored).IsFailed()) {
-            return;
-        }
-    }
 }
 
 }  // namespace velm

@@ -33,12 +33,12 @@ ErrorCode WindowsUtil::GetStringFromWstring(const std::wstring& in, unsigned int
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     try {
-        std::string text(static_cast<std::size_t>(size), '\0');
-        if (WideCharToMultiByte(codePage, 0, in.c_str(), units, text.data(), size, nullptr, nullptr) == 0) {
+        // Not a string: it would be filled before it is written.
+        const std::unique_ptr<char[]> text(new char[static_cast<std::size_t>(size)]);
+        if (WideCharToMultiByte(codePage, 0, in.c_str(), units, text.get(), size, nullptr, nullptr) == 0) {
             return VELM_ERROR_UTIL_INVALID_PARAM;
         }
-        text.resize(std::strlen(text.c_str()));
-        out.swap(text);
+        out = text.get();
         return 0;
     } catch (const std::bad_alloc&) {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;

@@ -27,6 +27,10 @@ public:
         return ReadU8Slowly(value);
     }
 
+    /// Reads bytes and drops them, as so many calls of ReadU8 would; stops at the first that fails.
+    /// Threads: one at a time.
+    void Skip(unsigned long long size);
+
     virtual ~IReader();
 
 protected:
