@@ -101,11 +101,20 @@ struct Soak {
         while (stream.GetUsedFrameSize() != 0) {
             Take(taken, true);
         }
+        // What force has left over lets it through first, so it goes on until it no longer comes back.
+        std::atomic<int> entered{0};
+        std::atomic<bool> ends{false};
         std::thread blocked([&] {
-            while (!(full ? stream.PushBackClearFrame() : stream.DropFrontFrame()).IsFailed()) {
+            while (!ends) {
+                ++entered;
+                full ? stream.PushBackClearFrame() : stream.DropFrontFrame();
             }
         });
-        std::this_thread::sleep_for(20ms);
+        for (int before = -1; before != entered;) {
+            before = entered;
+            std::this_thread::sleep_for(20ms);
+        }
+        ends = true;
         stream.Terminate();
         blocked.join();
         stream.DropAllFrame();

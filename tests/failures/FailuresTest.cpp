@@ -59,8 +59,8 @@ void* realloc(void* block, std::size_t size) {
 }
 #endif
 
-// Linux lets a program replace these for the libraries that it uses, too; the other forms come here. Inlined,
-// the pairs of malloc and free would look mismatched to the compiler.
+// Linux lets a program replace these for the libraries that it uses, too. Inlined, the pairs of malloc and
+// free would look mismatched to the compiler.
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     void* const block = MayAllocate() ? VELM_TEST_MALLOC(size) : nullptr;
     g_blocks += block != nullptr;
@@ -77,6 +77,19 @@ void* realloc(void* block, std::size_t size) {
     std::free(block);
 }
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
+    operator delete(block);
+}
+// A sanitizer's own would not come to those above.
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return operator new(size, std::nothrow);
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void operator delete[](void* block) noexcept {
+    operator delete(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
     operator delete(block);
 }
 
@@ -96,21 +109,14 @@ bool EndShortage() {
 
 namespace {
 
-struct Held {
-    long long blocks = g_blocks;
-    unsigned int handles = posix::OpenHandles();
-    unsigned int contexts = posix::OpenDeviceContexts();
-    bool operator==(const Held&) const = default;
-};
-
 /// Runs an operation and looks at what it leaves behind.
 long long RunOne(const Operation& operation, Attempt& attempt) {
-    const Held before;
+    const unsigned int handles = posix::OpenHandles();
+    const unsigned int contexts = posix::OpenDeviceContexts();
     const long long outcome = operation.run(attempt);
     posix::Reset();
-    const Held after;
-    EXPECT_EQ(after.handles, before.handles);
-    EXPECT_EQ(after.contexts, before.contexts);
+    EXPECT_EQ(posix::OpenHandles(), handles);
+    EXPECT_EQ(posix::OpenDeviceContexts(), contexts);
     return outcome;
 }
 

@@ -99,13 +99,11 @@ void AddCore(Table& table) {
         return code;
     };
     table.Add("velm::PathHelper::*", 0, {kNoMemory}, {{"MultiByteToWideChar", kInvalid}},
+              Converts(kWide, [](auto& out) { return PathHelper::GetWstringFromUtf8String(kText, out); }));
+    table.Add("velm::PathHelper::*", 0, {kNoMemory}, {{"MultiByteToWideChar", kInvalid}},
               Converts(kWide, [](auto& out) { return PathHelper::GetWstringFromOemcpString(kText, out); }));
     table.Add("velm::PathHelper::*", 0, {kNoMemory, kInvalid}, {{"MultiByteToWideChar", kInvalid}},
               Converts(kWide, [](auto& out) { return PathHelper::GetWstringFromString(932, kText, out); }));
-    table.Add("velm::PathHelper::*", 0, {}, {}, [](Attempt& attempt) {
-        char directory[20];
-        return attempt([&] { return PathHelper::GetFileDir(directory, sizeof directory, "D:\\app\\a.exe"); });
-    });
     table.Add("velm::FileReader::* velm::FileReader::HandleCloser::*", 0, {kNoMemory, kUnknown},
               {{"MultiByteToWideChar", kInvalid},
                {"CreateFileW", VELM_ERROR_CORE_NOT_EXIST, ERROR_FILE_NOT_FOUND},
