@@ -7,7 +7,8 @@ demo: setup ## build for Windows and run a job of every family under Wine
 demo-linux: setup ## the same, natively
 	@scripts/demo linux
 
-test: setup ## the tests of every preset, under the sanitizers and under Wine
+test: setup ## the tests of every preset, under the sanitizers and under Wine; each benchmark and fuzzer for a moment
+	@scripts/setup bench
 	@scripts/test
 
 bench: setup ## measure against other libraries, draw docs/performance.svg and fill in docs/performance.md

@@ -40,7 +40,7 @@ void NameCurrentThread(const char* utf8Name) {
 
 struct Thread::Impl {
     struct HandleCloser {
-        void operator()(void* handle) const { CloseHandle(handle); }
+        void operator()(void* open) const { CloseHandle(open); }
     };
 
     static unsigned int WINAPI Run(void* record);

@@ -179,7 +179,8 @@ D3DCOLOR ColorOf(unsigned int round) {
     return D3DCOLOR_XRGB(round * 37 % 256, 255 - round * 11 % 256, 64 + round * 5 % 128);
 }
 
-Counts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters, const DeviceOptions& options) {
+Counts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters,
+                 const DeviceOptions& options) {
     const bool showProgress = !options.json && velm::platform::OutputIsTerminal();
     Cycle cycle(device, parameters);
     cycle.DrawAndCompare(ColorOf(0));

@@ -87,7 +87,7 @@ UINT_PTR _beginthreadex(void*, unsigned int stackSize, unsigned int(WINAPI* func
         if (failed != 0) {
             return 0;
         }
-        holder.release();
+        static_cast<void>(holder.release());  // the thread has it now
         std::unique_lock lock(state->mutex);
         state->changed.wait(lock, [&] { return state->id != 0; });
         if (threadId != nullptr) {
