@@ -138,6 +138,7 @@ std::optional<PatternCharacters::Set> PatternCharacters::ReadBracket() {
         if (!isRange) {
             return std::nullopt;
         }
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse): a range runs in the order of char
         for (int c = first; c <= last; ++c) {
             set.set(Byte(static_cast<char>(c)));
         }

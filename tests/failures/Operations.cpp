@@ -291,7 +291,7 @@ void AddFoundation(Table& table) {
               }));
     table.Add(kAll, 5, {}, {{"MultiByteToWideChar", 5}, {"GetPrivateProfileIntW", 5}},
               shows([] { return W::CallGetPrivateProfileInt("section", "key", 5, "./no.ini"); }));
-    table.Add(kAll, -5U, {0}, {{"MultiByteToWideChar", 0}, {"GetPrivateProfileIntW", -5U}},
+    table.Add(kAll, 4294967291, {0}, {{"MultiByteToWideChar", 0}, {"GetPrivateProfileIntW", 4294967291}},
               shows([] { return W::CallGetPrivateProfileInt("section", "key", -5, "./no.ini"); }));
     table.Add(kAll, 1, {0}, {{"MultiByteToWideChar", 0}, {"TextOutW", 0}},
               shows([] { return W::CallTextOut(nullptr, 0, 0, kText.c_str(), 4); }));
@@ -548,7 +548,7 @@ void AddAudioAndConfig(Table& table) {
         UrlParser copy;
         return attempt([&] {
             copy = parser;
-            return copy.ParamMap().size() + copy.Param(kText.c_str())[0];
+            return copy.ParamMap().size() + static_cast<unsigned char>(copy.Param(kText.c_str())[0]);
         });
     });
     table.Add("velm::UrlSchemeUtil::*", 0, {kThrew}, {}, [](Attempt& attempt) {

@@ -68,7 +68,7 @@ bool Judge(const std::vector<AdapterRule>& rules, velm::D3d9AdapterContext& cont
     for (std::size_t i = 0; i < rules.size(); ++i) {
         if (rules[i].item == failed) {
             const velm::D3d9AdapterCommand& command = CommandOf(*failed);
-            report.Add("failed_rule", static_cast<long long>(i + 1));
+            report.Add("failed_rule", static_cast<long long>(i) + 1);
             report.Add("failed_rule_text", rules[i].text);
             report.Add("fact_met", FactValue(command, context), FactText(command, context));
         }
