@@ -8,6 +8,7 @@ namespace velm {
 
 /// The library's own; releases the storage of a ring.
 struct AudioBufferDeleter {
+    /// Releases the storage.
     void operator()(unsigned char* buffer) const;
 };
 
