@@ -5,6 +5,8 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "Families.h"
 #include "LoadStoreKernel.h"
@@ -26,15 +28,24 @@ namespace {
 struct Size {
     int width;
     int height;
-    double libyuv;  // how many times as fast as each the conversion is to be; 0: no figure is required
-    double swscale;
-    double limit;
 
     std::string Name() const { return std::to_string(width) + " x " + std::to_string(height); }
+    bool FitsCache() const { return width <= 1920; }
 };
 
-constexpr Size kSizes[] = {
-    {640, 360, 1.0, 1.0, 0}, {1280, 720, 1.0, 1.0, 0}, {1920, 1080, 1.0, 1.0, 0}, {3840, 2160, 1.0, 1.0, 0}};
+constexpr Size kSizes[] = {{640, 360}, {1280, 720}, {1920, 1080}, {3840, 2160}};
+
+/// How many times as fast as libyuv's AVX2 path a kernel is to be.
+struct Required {
+    std::string_view kernel;
+    double inCache;
+    double beyond;
+};
+
+constexpr Required kRequired[] = {
+    {"sse2", 0.80, 0.75}, {"avx2", 1.45, 1.1}, {"avx512bw", 2.0, 1.4}, {"avx512vbmi", 2.3, 1.5}};
+constexpr double kSse2OverSsse3 = 1.25;
+constexpr double kVbmiOverLimit = 0.95;
 
 struct Free {
     void operator()(unsigned char* block) const { std::free(block); }
@@ -136,7 +147,7 @@ Peer Libyuv(const SharedFrame& frame, Level level, double required) {
 #endif
 }
 
-Peer Swscale(const SharedFrame& frame, double required) {
+Peer Swscale(const SharedFrame& frame) {
     const std::string name = "swscale";
 #ifdef VELM_BENCH_SWSCALE
     const Size& size = frame->GetSize();
@@ -144,10 +155,10 @@ Peer Swscale(const SharedFrame& frame, double required) {
         sws_getContext(size.width, size.height, AV_PIX_FMT_YUV420P, size.width, size.height, AV_PIX_FMT_BGR0,
                        SWS_POINT, nullptr, nullptr, nullptr),
         sws_freeContext);
-    return {Repeat(name, [frame, context] { frame->ConvertBySwscale(context.get()); }), required};
+    return {Repeat(name, [frame, context] { frame->ConvertBySwscale(context.get()); })};
 #else
     (void)frame;
-    return Missing(name, "libswscale-dev", required);
+    return Missing(name, "libswscale-dev", 0);
 #endif
 }
 
@@ -160,18 +171,22 @@ Peer LoadStoreLimit(const SharedFrame& frame, double required) {
     return {Repeat(name, [frame] { frame->ConvertBy(kLoadAndStore); }), required};
 }
 
-/// Each kernel that this processor can run, against libyuv with the same instructions.
+/// Each kernel that this processor can run and that a figure is required of.
 void MeasureKernels(Suite& suite, const SharedFrame& frame) {
-    for (const yuv::Kernel& kernel : yuv::GetKernels()) {
-        if (yuv::FindKernel(kernel.name) == nullptr) {
+    const bool inCache = frame->GetSize().FitsCache();
+    for (const Required& required : kRequired) {
+        const yuv::Kernel* const kernel = yuv::FindKernel(required.kernel);
+        if (kernel == nullptr) {
             continue;
         }
-        const Level level = kernel.needs >= yuv::CpuLevel::kAvx512Bw ? Level::kBest
-                            : kernel.needs >= yuv::CpuLevel::kAvx2   ? Level::kAvx2
-                                                                     : Level::kSsse3;
-        suite.Compare("Pictures", "kernel " + std::string(kernel.name) + ", " + frame->GetSize().Name(),
-                      Repeat(kernel.name, [frame, &kernel] { frame->ConvertBy(kernel); }),
-                      {Libyuv(frame, level, 0)});
+        std::vector<Peer> peers{Libyuv(frame, Level::kAvx2, inCache ? required.inCache : required.beyond)};
+        if (required.kernel == "sse2") {
+            peers.push_back(Libyuv(frame, Level::kSsse3, inCache ? kSse2OverSsse3 : 0));
+        } else if (required.kernel == "avx512vbmi") {
+            peers.push_back(LoadStoreLimit(frame, inCache ? kVbmiOverLimit : 0));
+        }
+        suite.Compare("Pictures", frame->GetSize().Name() + ", kernel " + kernel->name,
+                      Repeat(kernel->name, [frame, kernel] { frame->ConvertBy(*kernel); }), peers);
     }
 }
 
@@ -188,19 +203,15 @@ std::vector<double> PixelsOf(std::vector<double> widths) {
 void MeasurePictures(Suite& suite) {
     for (const Size& size : kSizes) {
         const auto frame = std::make_shared<const Frame>(size);
-        suite.Compare("Pictures", size.Name(), Ours(frame),
-                      {Libyuv(frame, Level::kBest, size.libyuv), Swscale(frame, size.swscale),
-                       LoadStoreLimit(frame, size.limit)});
-        if (size.width == 1920) {
-            MeasureKernels(suite, frame);
-        }
+        suite.Compare("Pictures", size.Name(), Ours(frame), {Libyuv(frame, Level::kBest, 0), Swscale(frame)});
+        MeasureKernels(suite, frame);
     }
     suite.Grow(
         "Pictures: a conversion", "pixels", Growth::kWithSize,
         PixelsOf({160, 320, 640, 1280, 1920, 2560, 3840, 5120, 7680}),
         [](double pixels) -> std::vector<Contender> {
             const int sixteenth = static_cast<int>(std::lround(std::sqrt(pixels / (16 * 9))));
-            const auto frame = std::make_shared<const Frame>(Size{16 * sixteenth, 9 * sixteenth, 0, 0, 0});
+            const auto frame = std::make_shared<const Frame>(Size{16 * sixteenth, 9 * sixteenth});
             std::vector<Contender> contenders{Ours(frame)};
             for (const Peer& peer : {Libyuv(frame, Level::kBest, 0), LoadStoreLimit(frame, 0)}) {
                 if (peer.contender.run != nullptr) {

@@ -11,6 +11,12 @@
 #include "velm/core/CoreErrorCode.h"
 
 namespace velm {
+namespace {
+
+/// What is converted on the stack, in units of UTF-16; most texts are names and paths.
+constexpr int kSmallText = 512;
+
+}  // namespace
 
 ErrorCode PathHelper::GetFileDir(char* out, std::size_t outSize, const char* path) {
     if (out == nullptr || outSize == 0 || path == nullptr) {
@@ -43,11 +49,14 @@ ErrorCode PathHelper::GetWstringFromString(unsigned int codePage, const std::str
             return VELM_ERROR_CORE_INVALID_PARAM;
         }
         // Not a string: it would be filled before it is written.
-        const std::unique_ptr<wchar_t[]> wide(new wchar_t[static_cast<std::size_t>(units)]);
-        if (MultiByteToWideChar(codePage, 0, in.data(), size, wide.get(), units) != units) {
+        wchar_t small[kSmallText];
+        const std::unique_ptr<wchar_t[]> large(
+            units > kSmallText ? new wchar_t[static_cast<std::size_t>(units)] : nullptr);
+        wchar_t* const wide = large != nullptr ? large.get() : small;
+        if (MultiByteToWideChar(codePage, 0, in.data(), size, wide, units) != units) {
             return VELM_ERROR_CORE_INVALID_PARAM;
         }
-        out.assign(wide.get(), static_cast<std::size_t>(units));
+        out.assign(wide, static_cast<std::size_t>(units));
         return 0;
     } catch (const std::bad_alloc&) {
         return VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;

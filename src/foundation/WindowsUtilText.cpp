@@ -10,6 +10,12 @@
 #include "velm/core/PathHelper.h"
 
 namespace velm {
+namespace {
+
+/// What is converted on the stack; most texts are names and paths.
+constexpr int kSmallText = 512;
+
+}  // namespace
 
 ErrorCode WindowsUtil::GetWstringFromString(unsigned int codePage, const std::string& in, std::wstring& out) {
     return PathHelper::GetWstringFromString(codePage, in, out);
@@ -34,11 +40,14 @@ ErrorCode WindowsUtil::GetStringFromWstring(const std::wstring& in, unsigned int
     }
     try {
         // Not a string: it would be filled before it is written.
-        const std::unique_ptr<char[]> text(new char[static_cast<std::size_t>(size)]);
-        if (WideCharToMultiByte(codePage, 0, in.c_str(), units, text.get(), size, nullptr, nullptr) == 0) {
+        char small[kSmallText];
+        const std::unique_ptr<char[]> large(size > kSmallText ? new char[static_cast<std::size_t>(size)]
+                                                              : nullptr);
+        char* const text = large != nullptr ? large.get() : small;
+        if (WideCharToMultiByte(codePage, 0, in.c_str(), units, text, size, nullptr, nullptr) == 0) {
             return VELM_ERROR_UTIL_INVALID_PARAM;
         }
-        out = text.get();
+        out = text;
         return 0;
     } catch (const std::bad_alloc&) {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
