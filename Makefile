@@ -1,5 +1,5 @@
 # Thin, over the presets of CMakePresets.json.
-.PHONY: demo demo-linux test bench fuzz package docs lint setup clean
+.PHONY: demo demo-linux test bench fuzz mutants package docs lint setup clean
 
 demo: setup ## build for Windows and run a job of every family under Wine
 	@scripts/demo windows
@@ -17,6 +17,9 @@ bench: setup ## measure against other libraries, draw docs/performance.svg and f
 
 fuzz: setup ## each fuzz target for MINUTES, 1 unless given
 	@scripts/fuzz $$((60 * $(or $(MINUTES),1)))
+
+mutants: setup ## change src/ in COUNT places, 300 unless given, one at a time: do the tests notice?
+	@scripts/mutants --count $(or $(COUNT),300)
 
 package: setup ## the release archives of both platforms, each used once from another folder
 	@scripts/package
