@@ -1,11 +1,13 @@
 #include "velm/JsonConfigReader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string_view>
 
 #include "JsonNesting.h"
@@ -76,6 +78,43 @@ std::string SyntaxErrorAfter(const std::string& text, std::size_t where) {
     return error;
 }
 
+/// Parses without a result, up to the first number that no double holds. picojson ignores what becomes of a
+/// number, so it is looked at where the number stands.
+struct UpToOverflow {
+    bool overflowed = false;
+
+    bool set_null() { return true; }
+    bool set_bool(bool) { return true; }
+    bool set_number(double number) {
+        overflowed = overflowed || !std::isfinite(number);
+        return true;
+    }
+    template <typename Iterator>
+    bool parse_string(picojson::input<Iterator>& in) {
+        std::string ignored;
+        return picojson::_parse_string(ignored, in);
+    }
+    bool parse_array_start() { return true; }
+    template <typename Iterator>
+    bool parse_array_item(picojson::input<Iterator>& in, std::size_t) {
+        return picojson::_parse(*this, in) && !overflowed;
+    }
+    bool parse_array_stop(std::size_t) { return true; }
+    bool parse_object_start() { return true; }
+    template <typename Iterator>
+    bool parse_object_item(picojson::input<Iterator>& in, const std::string&) {
+        return picojson::_parse(*this, in) && !overflowed;
+    }
+    bool parse_object_stop() { return true; }
+};
+
+/// The last byte of the first number that is too large.
+std::size_t FindOverflow(const std::string& text) {
+    UpToOverflow context;
+    const auto stop = picojson::_parse(context, text.begin(), text.end(), nullptr);
+    return static_cast<std::size_t>(stop - text.begin()) - 1;
+}
+
 }  // namespace
 
 JsonConfigReader::JsonConfigReader() = default;
@@ -113,7 +152,11 @@ bool JsonConfigReader::getJsonValue(picojson::value& value, std::string& error) 
         error = SyntaxErrorAfter(m_strJson, tooDeep);
         return false;
     }
-    picojson::parse(value, m_strJson.cbegin(), m_strJson.cend(), &error);
+    try {
+        picojson::parse(value, m_strJson.cbegin(), m_strJson.cend(), &error);
+    } catch (const std::overflow_error&) {
+        error = SyntaxErrorAfter(m_strJson, FindOverflow(m_strJson));
+    }
     return error.empty();
 }
 

@@ -109,6 +109,8 @@ TEST(JsonConfigReader, TextsKeepTheirLinesAndWhatFollowsIsIgnored) {
          "[\"" + Repeat("[{", 200) + "\\\"" + Repeat("[", 200) + "\"]"},
         {"[1,\nx\x01\ty]\nz", "syntax error at line 2 near: xy]"},
         {"", "syntax error at line 1 near: "},
+        {"[1,\n{\"a\": 1e999, \"b\": 2}]", "syntax error at line 2 near: , \"b\": 2}]"},  // beyond a double
+        {"-1e999", "syntax error at line 1 near: "},
     };
     for (const auto& row : rows) {
         const Parsed parsed = ParseText(row.text);
