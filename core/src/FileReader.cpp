@@ -13,7 +13,7 @@
 namespace velm {
 namespace {
 
-constexpr unsigned long long kBufferSize = 64 * 1024;
+constexpr unsigned long long kBufferSize = 256 * 1024;
 // One call of the system reads at most this much; its count is 32 bits wide.
 constexpr unsigned long long kLargestRead = 1ULL << 30;
 
@@ -53,7 +53,7 @@ ErrorCode FileReader::Open(const char* utf8Path) {
             return converted;
         }
         if (m_buffer == nullptr) {
-            m_buffer = std::make_unique<unsigned char[]>(kBufferSize);
+            m_buffer = std::make_unique_for_overwrite<unsigned char[]>(kBufferSize);
         }
         // Others may write, move or delete the file meanwhile: a reader does not get in their way.
         const HANDLE file =

@@ -26,12 +26,13 @@ constexpr unsigned int kClosing = 0x80000000U;
 constexpr unsigned int kMostCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
 
-// Spinning pays when the thread that posts runs on another processor, and only delays it when both share one.
-// So a semaphore whose waits have ended in sleep for a while spins only now and then, to see whether it pays
-// again.
-constexpr unsigned int kSpins = 100;
-constexpr unsigned int kFruitlessSpins = 16;
-constexpr unsigned int kRetrySpins = 8;
+// Spinning pays when the thread that posts runs on another processor: for the time that waking a thread
+// takes, some 10 microseconds, so that threads which have fallen asleep in turn catch up with each other.
+// When both share a processor it only delays the other one. So a semaphore whose waits have ended in sleep
+// for a while spins only now and then, to see whether it pays again.
+constexpr unsigned int kSpins = 400;
+constexpr unsigned int kFruitlessSpins = 8;
+constexpr unsigned int kRetrySpins = 64;
 
 constexpr unsigned int SpinsAfter(unsigned int fruitless) {
     return fruitless < kFruitlessSpins || fruitless % kRetrySpins == 0 ? kSpins : 1;

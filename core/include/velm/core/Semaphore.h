@@ -8,8 +8,8 @@
 namespace velm {
 
 /// A counting semaphore between the threads of one process. While it has something to take, taking and
-/// posting are one atomic operation each; only a thread that finds nothing asks the system to sleep, after at
-/// most 100 spins.
+/// posting are one atomic operation each; only a thread that finds nothing asks the system to sleep, after
+/// spinning for some 10 microseconds at most.
 class VELM_CORE_API Semaphore {
 public:
     /// @param initial  the count to begin with; more than `maximum` counts as `maximum`
