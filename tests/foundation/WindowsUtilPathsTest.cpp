@@ -34,11 +34,11 @@ TEST(WindowsUtilPaths, TheBufferFormNeverWritesPastItsSize) {
         std::vector<char> buffer(size, '?');
         EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(buffer.data(), size, "a.txt"),
                   fits ? 0U : VELM_ERROR_UTIL_DATA_LENGTH);
+        std::string expected(size, '?');
         if (fits) {
-            EXPECT_STREQ(buffer.data(), path.c_str());
-        } else {
-            EXPECT_EQ(std::string(buffer.data(), size), std::string(size, '?'));
+            expected.replace(0, path.size() + 1, path.c_str(), path.size() + 1);
         }
+        EXPECT_EQ(std::string(buffer.data(), size), expected);
     }
     char buffer[4] = "abc";
     EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(buffer, 0, "a"), VELM_ERROR_UTIL_INVALID_PARAM);

@@ -198,6 +198,7 @@ TEST(D3d9AdapterContext, AFailedSetupKeepsTheOlderFacts) {
     first.caps.Caps = 2;
     first.mode.Width = 3;
     D3d9AdapterContext context;
+    EXPECT_EQ(context.m_nAdapter, 0U);
     ASSERT_EQ(context.Setup(&first, 4), 0U);
 
     FakeDirect3D9 second;

@@ -74,6 +74,7 @@ TEST(ThreadCaller, AFailedStartKeepsItsStateThroughStop) {
 // An earlier thread must neither hold up Start nor be lost: it works on an event of this function's.
 TEST(ThreadCaller, StartTwiceWaitsForBothThreadsInStop) {
     AutoResetSyncEventWrapper event;
+    static std::atomic<bool> triggered{false};
     std::atomic<int> runs{0};
     ThreadCaller caller;
     caller.Start(&WaitFor, &event, "first");
@@ -83,11 +84,13 @@ TEST(ThreadCaller, StartTwiceWaitsForBothThreadsInStop) {
     trigger.Start(
         [](void* argument) {
             Thread::Sleep(20);
+            triggered = true;
             static_cast<AutoResetSyncEventWrapper*>(argument)->Trigger();
             return 0;
         },
         &event, "trigger");
     caller.Stop();
+    EXPECT_TRUE(triggered) << "the event was set from the start";
     EXPECT_EQ(caller.GetState(), 65535);
     EXPECT_EQ(runs, 1);
 }
