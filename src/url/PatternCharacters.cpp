@@ -116,11 +116,12 @@ std::optional<PatternCharacters::Set> PatternCharacters::ReadBracket() {
             return std::nullopt;
         }
         if (symbol.kind != Kind::kDash) {
+            const bool isCharacter = symbol.kind == Kind::kCharacter || symbol.kind == Kind::kElement;
             set |= symbol.set;
-            if (symbol.kind == Kind::kCharacter) {
+            if (isCharacter) {
                 set.set(Byte(symbol.character));
             }
-            previous = symbol.kind == Kind::kCharacter ? kCharacter : kClass;
+            previous = isCharacter ? kCharacter : kClass;
             first = symbol.character;
             symbol = ReadSymbol();
             continue;
@@ -132,6 +133,7 @@ std::optional<PatternCharacters::Set> PatternCharacters::ReadBracket() {
             first = '-';
             continue;
         }
+        // Like the standard library: a named element may begin a range and not end one.
         const char last = symbol.kind == Kind::kDash ? '-' : symbol.character;
         const bool isRange = previous == kCharacter && first <= last &&
                              (symbol.kind == Kind::kDash || symbol.kind == Kind::kCharacter);
@@ -244,7 +246,7 @@ PatternCharacters::Symbol PatternCharacters::ReadNamedSymbol() {
     m_rest.remove_prefix(end + 2);
     if (mark == '.') {
         const auto element = FindElement(name);
-        return element ? Symbol{Kind::kCharacter, *element, {}} : Symbol{};
+        return element ? Symbol{Kind::kElement, *element, {}} : Symbol{};
     }
     const auto set = mark == ':' ? FindClass(name) : FindEquivalenceClass(name);
     return set ? Symbol{Kind::kSet, 0, *set} : Symbol{};

@@ -43,6 +43,7 @@ TEST(KeyStringToByteData, LengthsBelowTheMinimumTouchNothing) {
     }
     EXPECT_EQ(KeyStringToByteData::Translate(0, nullptr, 0, nullptr), VELM_ERROR_UTIL_DATA_LENGTH);
     EXPECT_TRUE(std::all_of(buffer.begin(), buffer.end(), [](unsigned char byte) { return byte == 0; }));
+    EXPECT_EQ(KeyStringToByteData::Translate(64, text.c_str(), 32, buffer.data()), 0U);
 }
 
 }  // namespace

@@ -201,7 +201,7 @@ TEST(UrlSchemeUtil, OtherAddressesAreRefused) {
 }
 
 // Other programs run too: a text may be tried again when it took too long.
-constexpr int kMostTries = 10;
+constexpr int kMostTries = 20;
 constexpr auto kMostTime = std::chrono::milliseconds(VELM_TEST_MILLISECONDS);
 
 std::string EveryByte() {
