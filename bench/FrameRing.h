@@ -1,18 +1,29 @@
 /// @file
-/// A frame ring over other semaphores than the library's, and how frames pass through rings.
+/// The library's frame ring, one over other semaphores, and how frames pass through rings.
 #pragma once
 
 #include <algorithm>
 #include <thread>
 #include <vector>
 
-#include "velm/AudioStream.h"
+#include "velm/AudioFrameStream.h"
 
 namespace velm::bench {
 
 constexpr unsigned int kFrameSamples = 480;
 constexpr unsigned int kFrameBytes = 1920;
 constexpr unsigned int kFrames = 4;
+
+/// The library's own ring.
+class Ours {
+public:
+    Ours() { m_stream.Initialize(); }
+    void Push(short* frame) { m_stream.PushBackFrame(frame); }
+    void Take(short* frame) { m_stream.TakeFrontFrame(frame); }
+
+private:
+    AudioFrameStream m_stream{kFrameSamples, kFrames, 2, 16};
+};
 
 /// AudioFrameStream as it would be over semaphores of the kind `Sem`.
 template <typename Sem>

@@ -10,7 +10,6 @@
 
 #include "Families.h"
 #include "FrameRing.h"
-#include "velm/AudioFrameStream.h"
 
 #ifdef VELM_BENCH_READERWRITERQUEUE
 #include <readerwriterqueue/readerwritercircularbuffer.h>
@@ -39,16 +38,6 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_condition;
     unsigned int m_count;
-};
-
-class Ours {
-public:
-    Ours() { m_stream.Initialize(); }
-    void Push(short* frame) { m_stream.PushBackFrame(frame); }
-    void Take(short* frame) { m_stream.TakeFrontFrame(frame); }
-
-private:
-    AudioFrameStream m_stream{kFrameSamples, kFrames, 2, 16};
 };
 
 #ifdef VELM_BENCH_READERWRITERQUEUE

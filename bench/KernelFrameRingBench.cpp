@@ -5,7 +5,6 @@
 
 #include "Families.h"
 #include "FrameRing.h"
-#include "velm/AudioFrameStream.h"
 
 namespace velm::bench {
 namespace {
@@ -23,16 +22,6 @@ public:
 
 private:
     HANDLE m_handle;
-};
-
-class Ours {
-public:
-    Ours() { m_stream.Initialize(); }
-    void Push(short* frame) { m_stream.PushBackFrame(frame); }
-    void Take(short* frame) { m_stream.TakeFrontFrame(frame); }
-
-private:
-    AudioFrameStream m_stream{kFrameSamples, kFrames, 2, 16};
 };
 
 template <typename Ring>
