@@ -37,7 +37,8 @@ public:
 
     /// Makes the frame operations wait. The ring is expected to be empty: frames that it holds are not
     /// counted. Called once, and once more after each Terminate.
-    /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: every frame operation will fail;
+    /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: every frame operation fails at
+    /// once;
     ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: the frame operations do not wait
     ErrorCode Initialize() override;
 
@@ -77,7 +78,8 @@ public:
     unsigned int GetFreeFrameSize();  ///< whole frames that it has room for
 
     /// Lets one blocked push and one blocked take go, which then fail if the ring is still full or empty.
-    /// Where none is blocked, the next one that would block is let through.
+    /// Where none is blocked, the next take from a ring that is empty now is let through, or the next push
+    /// into one that is full now.
     void UnlockForce();
 
 private:

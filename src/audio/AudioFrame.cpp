@@ -2,7 +2,9 @@
 
 #include <climits>
 #include <cstring>
+#include <memory>
 #include <new>
+#include <utility>
 
 namespace velm {
 namespace {
@@ -38,9 +40,10 @@ ErrorCode AudioFrame::InitilizeWriter(E_FrameType type, unsigned short counter, 
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     m_nFrameBufferSize = dataSize + kHeaderSize;
+    std::unique_ptr<unsigned char[]> replaced;  // until the payload, which may lie in it, is copied
     if (m_nOwnBufferSize < m_nFrameBufferSize) {
         m_nOwnBufferSize = 0;
-        m_pOwnBuffer.reset();
+        replaced = std::move(m_pOwnBuffer);
         m_pOwnBuffer.reset(new (std::nothrow) unsigned char[m_nFrameBufferSize]);
         if (m_pOwnBuffer == nullptr) {
             return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
@@ -48,7 +51,7 @@ ErrorCode AudioFrame::InitilizeWriter(E_FrameType type, unsigned short counter, 
         m_nOwnBufferSize = m_nFrameBufferSize;
     }
     if (dataSize != 0) {
-        std::memcpy(m_pOwnBuffer.get() + kHeaderSize, data, dataSize);
+        std::memmove(m_pOwnBuffer.get() + kHeaderSize, data, dataSize);
     }
     m_pFrameBuffer = m_pOwnBuffer.get();
     const ErrorCode result = SetFrameHeader(type, counter, dataSize);

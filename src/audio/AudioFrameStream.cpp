@@ -50,8 +50,12 @@ AudioFrameStream::~AudioFrameStream() {
 }
 
 ErrorCode AudioFrameStream::Initialize() {
-    const ErrorCode result = AudioStream::Initialize();
+    std::atomic_ref(m_bInitialized).store(0, std::memory_order_release);
     DestroySemaphores();
+    const ErrorCode result = AudioStream::Initialize();
+    if (result.IsFailed()) {
+        return result;  // without storage no frame ever comes, so nobody is to wait for one
+    }
     m_pPushSemaphore = new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum);
     m_pTakeSemaphore = new (std::nothrow) Semaphore(0, m_nFrameNum);
     m_pLockSemaphore = new (std::nothrow) Semaphore(1, 1);
@@ -59,7 +63,7 @@ ErrorCode AudioFrameStream::Initialize() {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
     }
     std::atomic_ref(m_bInitialized).store(1, std::memory_order_release);
-    return result;
+    return 0;
 }
 
 void AudioFrameStream::Terminate() {

@@ -180,10 +180,11 @@ ErrorCode WaveFileReadHelper::ReadChunk(bool* dataRead, unsigned char* buffer, u
 
 ErrorCode WaveFileReadHelper::ReadFormatChunk() {
     static_assert(sizeof(Format) == 18);
-    // A shorter body leaves the rest of the record 0.
     const auto size =
         static_cast<unsigned int>(std::min<unsigned long long>(m_nChunkSize, sizeof m_stFormat));
-    m_stFormat = {};
+    if (size < sizeof m_stFormat) {
+        m_stFormat = {};
+    }
     const ErrorCode result = ReadExactly(&m_stFormat, size);
     if (result.IsFailed()) {
         return result;

@@ -78,8 +78,8 @@ std::string SyntaxErrorAfter(const std::string& text, std::size_t where) {
     return error;
 }
 
-/// Parses without a result, up to the first number that no double holds. picojson ignores what becomes of a
-/// number, so it is looked at where the number stands.
+/// Parses without a result, up to an error or the first number that no double holds. picojson ignores what
+/// becomes of a number, so it is looked at where the number stands.
 struct UpToOverflow {
     bool overflowed = false;
 
@@ -108,10 +108,12 @@ struct UpToOverflow {
     bool parse_object_stop() { return true; }
 };
 
-/// The last byte of the first number that is too large.
-std::size_t FindOverflow(const std::string& text) {
+/// The last byte that parsing the text's first `size` bytes takes: that of the first number that is too
+/// large, of an error or of what is there.
+std::size_t FindStop(const std::string& text, std::size_t size) {
     UpToOverflow context;
-    const auto stop = picojson::_parse(context, text.begin(), text.end(), nullptr);
+    const auto end = text.begin() + static_cast<std::ptrdiff_t>(size);
+    const auto stop = picojson::_parse(context, text.begin(), end, nullptr);
     return static_cast<std::size_t>(stop - text.begin()) - 1;
 }
 
@@ -149,13 +151,13 @@ bool JsonConfigReader::getJsonValue(picojson::value& value, std::string& error) 
     // picojson recurses into both kinds of brackets but limits the depth of arrays only.
     const std::size_t tooDeep = FindTooDeep(m_strJson, picojson::DEFAULT_MAX_DEPTHS);
     if (tooDeep != m_strJson.npos) {
-        error = SyntaxErrorAfter(m_strJson, tooDeep);
+        error = SyntaxErrorAfter(m_strJson, FindStop(m_strJson, tooDeep + 1));
         return false;
     }
     try {
         picojson::parse(value, m_strJson.cbegin(), m_strJson.cend(), &error);
     } catch (const std::overflow_error&) {
-        error = SyntaxErrorAfter(m_strJson, FindOverflow(m_strJson));
+        error = SyntaxErrorAfter(m_strJson, FindStop(m_strJson, m_strJson.size()));
     }
     return error.empty();
 }

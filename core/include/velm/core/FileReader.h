@@ -6,7 +6,7 @@
 
 namespace velm {
 
-/// Reads a file from its beginning to its end, through a buffer of 64 KiB.
+/// Reads a file from its beginning to its end, through a buffer of 256 KiB.
 class VELM_CORE_API FileReader : public IReader {
 public:
     /// A reader that is not attached to a file.
