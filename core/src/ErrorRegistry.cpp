@@ -1,8 +1,7 @@
 #include "velm/core/ErrorRegistry.h"
 
-#include <iterator>
-#include <list>
-#include <mutex>
+#include <atomic>
+#include <memory>
 #include <string>
 
 #include "velm/core/CoreErrorCode.h"
@@ -28,81 +27,91 @@ constexpr ErrorCodeInfo kCoreCodes[] = {
     {VELM_ERROR_CORE_NOTHING_TO_READ, kCoreFacility, "VELM_ERROR_CORE_NOTHING_TO_READ"},
 };
 
+/// The registered codes in their order: a list that only grows, at its end. It needs no lock and nothing at
+/// its first use, so neither can fail. Its entries stay where they are, and so do their texts.
 class Registry {
 public:
-    static Registry& Get() {
-        static Registry registry;
-        return registry;
+    constexpr Registry() = default;
+    Registry(const Registry&) = delete;
+    Registry& operator=(const Registry&) = delete;
+
+    ~Registry() {
+        for (const Entry* entry = m_first.load(); entry != nullptr;) {
+            entry = std::unique_ptr<const Entry>(entry)->next.load();
+        }
     }
 
-    void Add(unsigned int code, std::string facility, std::string name) {
-        const std::lock_guard lock(m_mutex);
-        if (FindLocked(code) != nullptr) {
+    void Add(unsigned int code, const char* facility, const char* name) {
+        if (Find(code) != nullptr) {
             return;
         }
-        Entry& entry = m_entries.emplace_back();
-        entry.facility = std::move(facility);
-        entry.name = std::move(name);
-        entry.info = {code, entry.facility.c_str(), entry.name.c_str()};
+        auto entry = std::make_unique<Entry>(code, facility, name);
+        std::atomic<Entry*>* place = &m_first;
+        Entry* there = nullptr;
+        while (!place->compare_exchange_strong(there, entry.get())) {
+            if (there->info.code == code) {
+                return;  // another thread was first
+            }
+            place = &there->next;
+            there = nullptr;
+        }
+        entry.release();
     }
 
-    const ErrorCodeInfo* Find(unsigned int code) {
-        const std::lock_guard lock(m_mutex);
-        return FindLocked(code);
+    const ErrorCodeInfo* Find(unsigned int code) const {
+        for (const ErrorCodeInfo& info : kCoreCodes) {
+            if (info.code == code) {
+                return &info;
+            }
+        }
+        for (const Entry* entry = m_first.load(); entry != nullptr; entry = entry->next.load()) {
+            if (entry->info.code == code) {
+                return &entry->info;
+            }
+        }
+        return nullptr;
     }
 
-    std::vector<ErrorCodeInfo> All() {
-        const std::lock_guard lock(m_mutex);
+    std::vector<ErrorCodeInfo> All() const {
         std::vector<ErrorCodeInfo> all;
-        all.reserve(m_entries.size());
-        for (const Entry& entry : m_entries) {
-            all.push_back(entry.info);
+        for (const Entry* entry = m_first.load(); entry != nullptr; entry = entry->next.load()) {
+            all.push_back(entry->info);
         }
         return all;
     }
 
 private:
     struct Entry {
-        std::string facility;
-        std::string name;
-        ErrorCodeInfo info;
+        Entry(unsigned int code, const char* facilityText, const char* nameText)
+            : facility(facilityText), name(nameText), info{code, facility.c_str(), name.c_str()} {}
+
+        const std::string facility;
+        const std::string name;
+        const ErrorCodeInfo info;
+        std::atomic<Entry*> next{nullptr};
     };
 
-    const ErrorCodeInfo* FindLocked(unsigned int code) const {
-        for (const ErrorCodeInfo& info : kCoreCodes) {
-            if (info.code == code) {
-                return &info;
-            }
-        }
-        for (const Entry& entry : m_entries) {
-            if (entry.info.code == code) {
-                return &entry.info;
-            }
-        }
-        return nullptr;
-    }
-
-    std::mutex m_mutex;
-    // A list never moves its elements, so pointers into them stay good, and it takes no memory while empty.
-    std::list<Entry> m_entries;
+    std::atomic<Entry*> m_first{nullptr};
 };
+
+constinit Registry g_registry;
 
 }  // namespace
 
 void RegisterErrorCode(unsigned int code, const char* facility, const char* name) {
     try {
-        Registry::Get().Add(code, facility != nullptr ? facility : "", name != nullptr ? name : "");
+        g_registry.Add(code, facility != nullptr ? facility : "", name != nullptr ? name : "");
     } catch (...) {
         // Out of memory while a library loads: the code stays without a name, and the load goes on.
     }
 }
 
 const ErrorCodeInfo* FindErrorCode(unsigned int code) {
-    return Registry::Get().Find(code);
+    return g_registry.Find(code);
 }
 
 std::vector<ErrorCodeInfo> GetRegisteredErrorCodes() {
-    return Registry::Get().All();
+    return g_registry.All();
 }
 
 }  // namespace velm

@@ -24,8 +24,9 @@ ErrorCode PathHelper::GetFileDir(char* out, std::size_t outSize, const char* pat
     }
     const std::string_view text(path);
     const std::size_t separator = text.find_last_of("\\/");
-    const std::string_view directory =
-        separator == text.npos ? std::string_view(".") : text.substr(0, separator);
+    const std::string_view directory = separator == text.npos
+                                           ? std::string_view(".")
+                                           : text.substr(0, text.find_last_not_of("\\/", separator) + 1);
     if (directory.size() >= outSize) {
         return VELM_ERROR_CORE_DATA_LENGTH;
     }

@@ -69,10 +69,12 @@ public:
     /// @param b  another vector than a
     void AdjustNormalizedOrthogonalVector(_Vector3D* a, _Vector3D* b);
 
-    /// The cosine of the angle between a and b; 0 when one of them is zero.
+    /// The cosine of the angle between a and b; 0 when one of them is zero, and too small when the product of
+    /// their lengths is below 1e-9.
     float GetCosSita(_Vector3D* a, _Vector3D* b);
 
-    /// The sine, never negative, of the angle between a and b; 0 when one of them is zero.
+    /// The sine, never negative, of the angle between a and b; 0 when one of them is zero, and too small when
+    /// the product of their lengths is below 1e-9.
     float GetSinSita(_Vector3D* a, _Vector3D* b);
 
     /// Sets up a rotation; a positive sine turns counter-clockwise for one who looks from the head of the

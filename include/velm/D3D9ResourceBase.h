@@ -20,7 +20,7 @@ typedef void (*RecoverLostCallback)(D3D9ResourceBase* resource, void* user, IDir
 /// something to restore; from then until its destruction D3D9ResourceManager tells it of losses and
 /// recoveries.
 ///
-/// A copy has the source's callbacks and user pointer, and registers for itself when the source is
+/// A copy has the source's callbacks and user pointer, and registers for itself when the source is or was
 /// registered; an object that is assigned to keeps its own registration.
 ///
 /// Threads: one at a time for each object. Objects may be registered, copied and destroyed on any thread, but

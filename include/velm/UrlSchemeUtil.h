@@ -17,7 +17,9 @@ namespace velm {
 /// - a match of more than 8,388,608 steps, or with more than 524,288 ways left open. Most patterns take
 ///   one to seven steps for a byte of the address and leave nothing open, so an address of a megabyte is
 ///   matched. Patterns that leave a way open at every byte, such as "(a+)+b", and those with look-ahead or
-///   back-references suit shorter ones.
+///   back-references suit shorter ones;
+/// - a match that leaves a way open, when the pattern's branches (its alternatives, and its repetitions once
+///   the counted ones are written out) times the bytes of the address are more than 67,108,864.
 ///
 /// Threads: any number at once, each with output strings of its own.
 class VELM_UTIL_API UrlSchemeUtil {

@@ -20,7 +20,7 @@ constexpr ErrorCodeInfo kCodes[] = {
     {VELM_ERROR_UTIL_DATA_BROKEN, kFacility, "VELM_ERROR_UTIL_DATA_BROKEN"},
 };
 
-/// Registers the codes while the library loads. No other static of the library runs code at load.
+/// Registers the codes while the library loads.
 const struct Registration {
     Registration() {
         for (const ErrorCodeInfo& info : kCodes) {

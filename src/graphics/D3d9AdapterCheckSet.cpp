@@ -62,11 +62,11 @@ ErrorCode D3d9AdapterCheckSet::Check(bool* passed, D3d9AdapterContext* context) 
 
 ErrorCode D3d9AdapterCheckSet::CheckCommand(bool* passed, D3d9AdapterContext* context,
                                             std::tr1::shared_ptr<D3d9AdapterCheckItem> item) {
-    return D3d9AdapterChecker::GetInstance().Check(passed, *context, item);
+    return CheckAdapter(passed, *context, item);
 }
 
 ErrorCode D3d9AdapterCheckSet::GetCommandType(D3d9AdapterParamType* type, D3d9AdapterCheckCommand command) {
-    const D3d9AdapterCommand* const entry = D3d9AdapterChecker::GetInstance().Find(command);
+    const D3d9AdapterCommand* const entry = FindAdapterCommand(command);
     if (type == nullptr || entry == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }

@@ -1,5 +1,7 @@
 #include "D3d9AdapterChecker.h"
 
+#include <iterator>
+
 namespace velm {
 namespace {
 
@@ -23,30 +25,17 @@ bool Satisfies(const D3d9AdapterFact& fact, D3d9AdapterCheckItem& item) {
 
 }  // namespace
 
-const D3d9AdapterChecker& D3d9AdapterChecker::GetInstance() {
-    static const D3d9AdapterChecker checker;
-    return checker;
-}
-
-D3d9AdapterChecker::D3d9AdapterChecker() : m_commandTable() {
-    for (const D3d9AdapterCommand& entry : kD3d9AdapterCommands) {
-        m_commandTable[entry.command] = &entry;
-    }
-}
-
-D3d9AdapterChecker::~D3d9AdapterChecker() = default;
-
-const D3d9AdapterCommand* D3d9AdapterChecker::Find(D3d9AdapterCheckCommand command) const {
+const D3d9AdapterCommand* FindAdapterCommand(D3d9AdapterCheckCommand command) {
     const auto index = static_cast<unsigned int>(command);  // a negative command is out of range, too
-    return index < std::size(m_commandTable) ? m_commandTable[index] : nullptr;
+    return index < std::size(kD3d9AdapterCommands) ? &kD3d9AdapterCommands[index] : nullptr;
 }
 
-ErrorCode D3d9AdapterChecker::Check(bool* passed, const D3d9AdapterContext& context,
-                                    const std::tr1::shared_ptr<D3d9AdapterCheckItem>& item) const {
+ErrorCode CheckAdapter(bool* passed, const D3d9AdapterContext& context,
+                       const std::tr1::shared_ptr<D3d9AdapterCheckItem>& item) {
     if (item == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    const D3d9AdapterCommand* const entry = Find(item->GetCommand());
+    const D3d9AdapterCommand* const entry = FindAdapterCommand(item->GetCommand());
     if (entry == nullptr) {
         return VELM_ERROR_UTIL_NOT_EXIST;
     }

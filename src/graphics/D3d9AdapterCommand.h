@@ -43,7 +43,7 @@ constexpr const char* GetVendorName(DWORD vendorId) {
     return "Unknown";
 }
 
-/// In the order of the commands' values, without a gap.
+/// In the order of the commands' values, without a gap: an entry stands at the place of its command.
 inline constexpr D3d9AdapterCommand kD3d9AdapterCommands[] = {
     {D3D9_ADAPTER_CHECK_DRIVER_VERSION, D3D9_ADAPTER_PARAM_INT64, "driver-version",
      [](const D3d9AdapterContext& c) { return D3d9AdapterFact(c.m_identifier.DriverVersion.QuadPart); }},

@@ -1,5 +1,7 @@
 #include "velm/AbortMessage.h"
 
+#include <windows.h>
+
 #include <cstdarg>
 #include <cstdio>
 
@@ -12,7 +14,9 @@ void AbortMessage(const char* format, ...) {
     char message[1024];
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(message, sizeof message, format, arguments);
+    // Not std::vsnprintf: MinGW's takes a number's width and precision from the stack, however large they
+    // are.
+    _vsnprintf(message, sizeof message, format, arguments);
     va_end(arguments);
 }
 

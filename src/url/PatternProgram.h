@@ -2,7 +2,7 @@
 /// A regular expression that is safe to take from strangers and to run on their text.
 ///
 /// PatternCompiler reads the ECMAScript grammar as std::regex does, with its default flags and the traits of
-/// the global locale; PatternMatcher finds its full matches. Unlike std::regex, neither uses the stack per
+/// the "C" locale; PatternMatcher finds its full matches. Unlike std::regex, neither uses the stack per
 /// character or takes time without a bound. What would exceed one of the limits below is refused.
 #pragma once
 

@@ -12,3 +12,8 @@ int fopen_s(std::FILE** file, const char* path, const char* mode) {
     *file = std::fopen(path, mode);
     return *file != nullptr ? 0 : errno;
 }
+
+int _vsnprintf(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
+    const int length = std::vsnprintf(buffer, size, format, arguments);
+    return length >= 0 && static_cast<std::size_t>(length) < size ? length : -1;
+}
