@@ -5,7 +5,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -19,71 +18,48 @@ using Clock = std::chrono::steady_clock;
 using Numbers = std::vector<unsigned int>;
 
 constexpr unsigned int kFrameSamples = 16;  // of 4 bytes: a frame is full of one number
+constexpr unsigned int kOfEachKind = 3;     // threads that push, and that take
 
 struct Soak {
     AudioFrameStream stream{kFrameSamples, 4, 2, 16};
-    std::atomic<bool> stop{false};
-    std::atomic<int> running{0};
-    std::mutex mutex;  // guards the two below
-    Numbers pushed;
-    Numbers taken;
+    Numbers pushed[kOfEachKind];
+    Numbers taken[kOfEachKind];
 
-    bool Push(unsigned int number, bool back) {
+    void Push(Numbers& numbers, unsigned int number, bool back) {
         Numbers frame(kFrameSamples, number);
         auto* const samples = reinterpret_cast<short*>(frame.data());
-        return !(back ? stream.PushBackFrame(samples) : stream.PushFrontFrame(samples)).IsFailed();
+        if (!(back ? stream.PushBackFrame(samples) : stream.PushFrontFrame(samples)).IsFailed()) {
+            numbers.push_back(number);
+        }
     }
 
-    bool Take(Numbers& numbers, bool front) {
+    void Take(Numbers& numbers, bool front) {
         Numbers frame(kFrameSamples);
         auto* const samples = reinterpret_cast<short*>(frame.data());
-        if ((front ? stream.TakeFrontFrame(samples) : stream.TakeBackFrame(samples)).IsFailed()) {
-            return false;
+        if (!(front ? stream.TakeFrontFrame(samples) : stream.TakeBackFrame(samples)).IsFailed()) {
+            EXPECT_EQ(std::count(frame.begin(), frame.end(), frame[0]), kFrameSamples) << "a torn frame";
+            numbers.push_back(frame[0]);
         }
-        EXPECT_EQ(std::count(frame.begin(), frame.end(), frame[0]), kFrameSamples) << "a torn frame";
-        numbers.push_back(frame[0]);
-        return true;
-    }
-
-    void Keep(Numbers& all, const Numbers& own) {
-        const std::lock_guard lock(mutex);
-        all.insert(all.end(), own.begin(), own.end());
-    }
-
-    void Produce(unsigned int producer, bool bothEnds) {
-        Numbers own;
-        for (unsigned int i = 0; !stop; ++i) {
-            if (Push(producer << 28 | i, !bothEnds || i % 3 != 0)) {
-                own.push_back(producer << 28 | i);
-            }
-        }
-        Keep(pushed, own);
-        --running;
-    }
-
-    void Consume(bool bothEnds) {
-        Numbers own;
-        for (unsigned int i = 0; !stop; ++i) {
-            Take(own, !bothEnds || i % 5 != 0);
-        }
-        for (unsigned int producer = 0; producer < 3 && !bothEnds; ++producer) {
-            Numbers ofOne;
-            std::copy_if(own.begin(), own.end(), std::back_inserter(ofOne),
-                         [&](unsigned int n) { return n >> 28 == producer; });
-            EXPECT_TRUE(std::is_sorted(ofOne.begin(), ofOne.end())) << "out of order";
-        }
-        Keep(taken, own);
-        --running;
     }
 
     /// Threads at work, let go by force while they are, until they are told to stop and have left.
     void Work(bool bothEnds) {
-        stop = false;
-        running = 6;
+        std::atomic<bool> stop{false};
+        std::atomic<unsigned int> running{2 * kOfEachKind};
         std::vector<std::thread> threads;
-        for (unsigned int i = 0; i < 3; ++i) {
-            threads.emplace_back([=, this] { Produce(i, bothEnds); });
-            threads.emplace_back([=, this] { Consume(bothEnds); });
+        for (unsigned int who = 0; who < kOfEachKind; ++who) {
+            threads.emplace_back([&, who] {
+                for (unsigned int i = 0; !stop; ++i) {
+                    Push(pushed[who], who << 28 | i, !bothEnds || i % 3 != 0);
+                }
+                --running;
+            });
+            threads.emplace_back([&, who] {
+                for (unsigned int i = 0; !stop; ++i) {
+                    Take(taken[who], !bothEnds || i % 5 != 0);
+                }
+                --running;
+            });
         }
         for (const auto end = Clock::now() + 100ms; running != 0; stop = Clock::now() > end) {
             stream.UnlockForce();
@@ -94,12 +70,19 @@ struct Soak {
         for (std::thread& thread : threads) {
             thread.join();
         }
+        for (const Numbers& all : taken) {
+            for (unsigned int producer = 0; producer < kOfEachKind && !bothEnds; ++producer) {
+                Numbers ofOne(all);
+                std::erase_if(ofOne, [=](unsigned int number) { return number >> 28 != producer; });
+                EXPECT_TRUE(std::is_sorted(ofOne.begin(), ofOne.end())) << "out of order";
+            }
+        }
     }
 
     /// Ends the stream while a thread is blocked on one side, with what is left taken out.
     void End(bool full) {
         while (stream.GetUsedFrameSize() != 0) {
-            Take(taken, true);
+            Take(taken[0], true);
         }
         // What force has left over lets it through first, so it goes on until it no longer comes back.
         std::atomic<int> entered{0};
@@ -121,6 +104,17 @@ struct Soak {
     }
 };
 
+/// All the numbers in order; there are none left then.
+Numbers Drain(Numbers (&lists)[kOfEachKind]) {
+    Numbers all;
+    for (Numbers& list : lists) {
+        all.insert(all.end(), list.begin(), list.end());
+        list.clear();
+    }
+    std::sort(all.begin(), all.end());
+    return all;
+}
+
 // VELM_SOAK_SECONDS makes it longer.
 TEST(AudioFrameStreamSoak, NothingIsLostOrTornThroughForceEndsAndNewBeginnings) {
     const char* const given = std::getenv("VELM_SOAK_SECONDS");
@@ -132,12 +126,9 @@ TEST(AudioFrameStreamSoak, NothingIsLostOrTornThroughForceEndsAndNewBeginnings) 
         ASSERT_EQ(soak.stream.Initialize(), 0U);
         soak.Work(rounds % 2 != 0);
         soak.End(rounds % 4 < 2);
-        std::sort(soak.pushed.begin(), soak.pushed.end());
-        std::sort(soak.taken.begin(), soak.taken.end());
-        ASSERT_EQ(soak.pushed, soak.taken);
-        frames += soak.taken.size();
-        soak.pushed.clear();
-        soak.taken.clear();
+        const Numbers taken = Drain(soak.taken);
+        ASSERT_EQ(Drain(soak.pushed), taken);
+        frames += taken.size();
     }
     EXPECT_GT(frames, 0U);
     std::printf("%u rounds, %zu frames\n", rounds, frames);
