@@ -18,8 +18,6 @@ void ExpectNoFrame(AudioFrame& frame) {
     EXPECT_EQ(frame.GetDataBufferSize(), 0U);
     EXPECT_EQ(frame.GetCounter(), 0);
     EXPECT_EQ(frame.GetFrameType(), -1);
-    EXPECT_FALSE(frame.IsRawCodec());
-    EXPECT_FALSE(frame.IsOpusCodec());
 }
 
 // Two frames take turns, so that each has been the other before.
@@ -54,12 +52,11 @@ TEST(AudioFrame, EveryTypeTravelsFromWriterToReader) {
 }
 
 TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
-    struct Case {
+    const struct {
         const char* what;
         Bytes frame;
         unsigned int code;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"bytes to spare", {6, 0, 0, 0, 1, 0, 9, 9, 9}, 0},
         {"header alone", {6, 2, 0, 0, 1, 0}, VELM_ERROR_UTIL_INVALID_PARAM},
         {"header size 7", {7, 2, 0, 0, 1, 0, 9, 9}, VELM_ERROR_UTIL_UNKNOWN},
@@ -69,7 +66,7 @@ TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
         {"smallest", {6, 2, 0, 0, 1, 0, 9}, 0},
     };
     AudioFrame frame;
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         Bytes bytes = c.frame;
         EXPECT_EQ(frame.InitilizeReader(bytes.data(), static_cast<unsigned int>(bytes.size())), c.code);
