@@ -15,16 +15,14 @@ using Item = D3d9AdapterCheckItem;
 constexpr GUID kGuid = {0xABCDEF01, 0x2345, 0x6789, {0x0A, 1, 2, 3, 4, 5, 6, 0xFF}};
 constexpr GUID kOtherGuid = {0xABCDEF01, 0x2345, 0x6789, {0x0A, 1, 2, 3, 4, 5, 6, 0xFE}};
 
-/// For one operand and one fact: by which of the operators 0 to 9 the rule holds, as bits.
+/// For one operand and one fact: by which of the operators -1 to 9 the rule holds, as bits.
 template <typename T, typename Set, typename Check>
 unsigned int Holding(T actual, T value, Set set, Check check) {
     unsigned int holding = 0;
     for (int compare = -1; compare < 10; ++compare) {
         Item item;
         (item.*set)(D3D9_ADAPTER_CHECK_CAPS, static_cast<D3d9AdapterParamCompare>(compare), value);
-        if ((item.*check)(actual)) {
-            holding |= compare < 0 ? 0x8000U : 1U << compare;
-        }
+        holding |= ((item.*check)(actual) ? 1U : 0U) << (compare & 15);
     }
     return holding;
 }
