@@ -74,19 +74,6 @@ TEST(AudioFrameStream, MovesWholeFramesAtBothEndsAndWaitsForThem) {
     EXPECT_EQ(newest, FrameOf(8));
 }
 
-TEST(AudioFrameStream, DoesNotBlockBeforeInitializeOrAfterTerminate) {
-    AudioFrameStream stream(kSamples, 2, 1, 16);
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(stream.PushBackClearFrame(), 0U);
-        EXPECT_EQ(stream.PushBackClearFrame(), 0U);
-        EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(stream.DropAllFrame(), 0U);
-        ASSERT_EQ(stream.Initialize(), 0U);
-        stream.Terminate();
-    }
-}
-
 TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
     const unsigned int shapes[][4] = {
         {0, 4, 2, 16}, {4, 4, 0, 16}, {0xFFFFFFFF, 4, 2, 16}, {65536, 65535, 1, 8}, {480, 0xFFFFFFFF, 2, 16}};

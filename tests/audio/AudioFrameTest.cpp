@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "Pattern.h"
@@ -52,11 +53,7 @@ TEST(AudioFrame, EveryTypeTravelsFromWriterToReader) {
 }
 
 TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
-    const struct {
-        const char* what;
-        Bytes frame;
-        unsigned int code;
-    } cases[] = {
+    const std::tuple<const char*, Bytes, unsigned int> cases[] = {
         {"bytes to spare", {6, 0, 0, 0, 1, 0, 9, 9, 9}, 0},
         {"header alone", {6, 2, 0, 0, 1, 0}, VELM_ERROR_UTIL_INVALID_PARAM},
         {"header size 7", {7, 2, 0, 0, 1, 0, 9, 9}, VELM_ERROR_UTIL_UNKNOWN},
@@ -66,11 +63,11 @@ TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
         {"smallest", {6, 2, 0, 0, 1, 0, 9}, 0},
     };
     AudioFrame frame;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        Bytes bytes = c.frame;
-        EXPECT_EQ(frame.InitilizeReader(bytes.data(), static_cast<unsigned int>(bytes.size())), c.code);
-        if (c.code != 0) {
+    for (const auto& [what, header, code] : cases) {
+        SCOPED_TRACE(what);
+        Bytes bytes = header;
+        EXPECT_EQ(frame.InitilizeReader(bytes.data(), static_cast<unsigned int>(bytes.size())), code);
+        if (code != 0) {
             ExpectNoFrame(frame);
             continue;
         }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Pattern.h"
@@ -57,11 +58,7 @@ TEST(WaveFileReadHelper, DeliversEveryByteOfTheDataAndNothingElse) {
     const std::string format = Chunk("fmt ", pcm);
     const std::string data = Samples(960 * 3 + 100);
     const std::string odd = Samples(961);
-    const struct {
-        const char* what;
-        std::string chunks;
-        std::string expected;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"40-byte format", Chunk("fmt ", pcm + std::string(24, 'x')) + Chunk("data", data), data},
         {"chunks before the format", Chunk("JUNK", Samples(70'001)) + format + Chunk("data", data), data},
         {"empty chunks before data", format + Chunk("JUNK", "") + Chunk("data", "") + Chunk("data", data),
@@ -70,11 +67,11 @@ TEST(WaveFileReadHelper, DeliversEveryByteOfTheDataAndNothingElse) {
         {"tags in other letters", format + Chunk("DATA", odd) + Chunk("Fmt ", odd) + Chunk("data", data),
          data},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        Wave wave(Riff(c.chunks));
+    for (const auto& [what, chunks, expected] : cases) {
+        SCOPED_TRACE(what);
+        Wave wave(Riff(chunks));
         ASSERT_EQ(wave.initialized, 0U);
-        EXPECT_TRUE(wave.ReadAll() == c.expected);
+        EXPECT_TRUE(wave.ReadAll() == expected);
         unsigned int rate = 0;
         unsigned int channels = 0;
         EXPECT_EQ(wave.helper.GetSampleRate(&rate), 0U);
@@ -116,19 +113,15 @@ TEST(WaveFileReadHelper, ChoosesBlocksAsThePlayTimeSays) {
 
 TEST(WaveFileReadHelper, RefusesWhatIsNoWaveFile) {
     const std::string chunks = Chunk("fmt ", PcmFormat(2, 48000, 16)) + Chunk("data", "abcd");
-    const struct {
-        const char* what;
-        std::string bytes;
-        unsigned int code;
-    } cases[] = {
+    const std::tuple<const char*, std::string, unsigned int> cases[] = {
         {"big-endian", "RIFX" + Le32(40) + "WAVE" + chunks, VELM_ERROR_UTIL_UNKNOWN},
         {"another form", "RIFF" + Le32(40) + "AVI " + chunks, VELM_ERROR_UTIL_UNKNOWN},
         {"chunk as large as the whole", "RIFF" + Le32(16) + "WAVE" + chunks, VELM_ERROR_UTIL_DATA_BROKEN},
         {"chunk of 4 GB in 20 bytes", "RIFF" + Le32(0xFFFFFFFF) + "WAVEJUNK" + Le32(0xFFFFFFFE),
          VELM_ERROR_CORE_END_OF_DATA},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Wave(c.bytes).initialized, c.code) << c.what;
+    for (const auto& [what, bytes, code] : cases) {
+        EXPECT_EQ(Wave(bytes).initialized, code) << what;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 #include "RandomSeed.h"
 
@@ -11,75 +12,57 @@ namespace {
 
 using Vector = CrossDotRotate::_Vector3D;
 
-void ExpectNear(const Vector& actual, const Vector& expected, float tolerance = 1e-6F) {
-    EXPECT_NEAR(actual.x, expected.x, tolerance);
-    EXPECT_NEAR(actual.y, expected.y, tolerance);
-    EXPECT_NEAR(actual.z, expected.z, tolerance);
+void ExpectNear(const Vector& actual, const Vector& expected) {
+    EXPECT_NEAR(actual.x, expected.x, 1e-6F);
+    EXPECT_NEAR(actual.y, expected.y, 1e-6F);
+    EXPECT_NEAR(actual.z, expected.z, 1e-6F);
 }
 
-TEST(CrossDotRotate, ScalesVectorsThatAreTooShortWithoutCallingThemNormal) {
-    static const struct {
-        Vector v;
-        int result;
-        Vector normal;
-    } kCases[] = {
-        {{3, 0, 4}, 1, {0.6F, 0, 0.8F}}, {{0, 0.001F, 0}, 1, {0, 1, 0}}, {{0.0005F, 0, 0}, 0, {0.5F, 0, 0}}};
-    for (const auto& at : kCases) {
-        Vector v = at.v;
-        EXPECT_EQ(CrossDotRotate().Normalize(&v), at.result);
-        ExpectNear(v, at.normal);
-    }
+TEST(CrossDotRotate, DividesByNoLengthThatIsTooShort) {
+    CrossDotRotate rotate;
+    Vector a = {2, 2, 0};
+    Vector b = {-3, 0, 0};
+    Vector zero = {0, 0, 0};
+    EXPECT_NEAR(rotate.GetCosSita(&a, &b), -0.70710678F, 1e-6F);
+    EXPECT_NEAR(rotate.GetSinSita(&a, &b), 0.70710678F, 1e-6F);
+    EXPECT_EQ(rotate.GetCosSita(&a, &zero), 0.0F);
+    EXPECT_EQ(rotate.GetSinSita(&a, &zero), 0.0F);
+    Vector v = {0, 0.001F, 0};
+    EXPECT_EQ(rotate.Normalize(&v), 1);
+    ExpectNear(v, {0, 1, 0});
+    v = {0.0005F, 0, 0};
+    EXPECT_EQ(rotate.Normalize(&v), 0);
+    ExpectNear(v, {0.5F, 0, 0});
 }
 
-TEST(CrossDotRotate, MultipliesInTheRightHandedOrder) {
+TEST(CrossDotRotate, MakesVectorsOrthogonalOnTheSideThatTheyWereOn) {
     CrossDotRotate rotate;
     Vector a = {1, 2, 3};
     Vector b = {-2, 5, 7};
-    Vector out;
-    EXPECT_EQ(rotate.CrossEx(&a, &b, &out), std::sqrt(1.0F + 169.0F + 81.0F));
-    ExpectNear(out, {-1, -13, 9}, 0);
-    EXPECT_EQ(rotate.Dot(&a, &b), 29.0F);
-    rotate.Sub(&a, &b, &out);
-    ExpectNear(out, {3, -3, -4}, 0);
     rotate.AdjustNormalizedOrthogonalVector(&a, &b);
     EXPECT_NEAR(rotate.Dot(&a, &b), 0, 1e-6F);
     EXPECT_NEAR(rotate.Amplitude(&a), 1, 1e-6F);
     EXPECT_NEAR(rotate.Amplitude(&b), 1, 1e-6F);
-    EXPECT_GT(a.x, 0.0F);  // on the side that it was on
-}
-
-TEST(CrossDotRotate, DividesByNoZeroLength) {
-    static const struct {
-        Vector a, b;
-        float cosine, sine;
-    } kCases[] = {{{1, 1, 0}, {1, 0, 0}, 0.70710678F, 0.70710678F},
-                  {{0, 2, 0}, {0, -3, 0}, -1, 0},
-                  {{0, 0, 0}, {1, 0, 0}, 0, 0}};
-    for (auto at : kCases) {
-        EXPECT_NEAR(CrossDotRotate().GetCosSita(&at.a, &at.b), at.cosine, 1e-6F);
-        EXPECT_NEAR(CrossDotRotate().GetSinSita(&at.a, &at.b), at.sine, 1e-6F);
-    }
+    EXPECT_GT(a.x, 0.0F);
 }
 
 TEST(CrossDotRotate, TurnsOneVectorTowardsAnother) {
-    static const struct {
-        Vector from, to;
-        float ratio;
-        int result;
-        Vector turned;  // what (1, 0, 0) becomes
-    } kCases[] = {{{1, 0, 0}, {1, 1, 0}, -0.5F, 1, {0.89442719F, -0.44721360F, 0}},
-                  {{1, 0, 0}, {-1, 1, 0}, 0, 1, {-1, 0, 0}},
-                  {{1, 0, 0}, {-2, 0, 0}, 1, 0, {1, 0, 0}},  // no axis
-                  {{0, 0, 1}, {0, 1, 0}, 0, 0, {1, 0, 0}}};  // no angle
+    // The last is what (1, 0, 0) becomes.
+    const std::tuple<Vector, Vector, float, int, Vector> cases[] = {
+        {{1, 0, 0}, {1, 1, 0}, -0.5F, 1, {0.89442719F, -0.44721360F, 0}},
+        {{1, 0, 0}, {-1, 1, 0}, 0.0F, 1, {-1, 0, 0}},
+        {{1, 0, 0}, {-2, 0, 0}, 1.0F, 0, {1, 0, 0}},  // no axis
+        {{0, 0, 1}, {0, 1, 0}, 0.0F, 0, {1, 0, 0}},   // no angle
+    };
     Vector center = {0, 0, 0};
-    for (auto at : kCases) {
+    for (auto [from, to, ratio, result, turned] : cases) {
         CrossDotRotate rotate;
-        EXPECT_EQ(rotate.SetRotatoVector(&at.from, &at.to, &center, at.ratio), at.result);
+        EXPECT_EQ(rotate.SetRotatoVector(&from, &to, &center, ratio), result);
         const CrossDotRotate copy = rotate;
         rotate = copy;
         Vector point = {1, 0, 0};
         rotate.Rotato(&point);
-        ExpectNear(point, at.turned);
+        ExpectNear(point, turned);
     }
 }
 

@@ -16,29 +16,24 @@ namespace {
 /// A resource that writes down what it is told.
 class Probe final : public D3D9ResourceBase {
 public:
-    explicit Probe(std::string& log) : m_log(log) {}
-    Probe& operator=(const Probe& other) {
-        D3D9ResourceBase::operator=(other);
-        return *this;
-    }
-    Probe(const Probe&) = default;
+    explicit Probe(std::string* log) : m_log(log) {}
 
     using D3D9ResourceBase::Register;
 
     void WriteCalls() {
         SetUserCallback(
-            &m_log, [](D3D9ResourceBase*, void* log) { *static_cast<std::string*>(log) += "l"; },
+            m_log, [](D3D9ResourceBase*, void* log) { *static_cast<std::string*>(log) += "l"; },
             [](D3D9ResourceBase*, void* log, IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) {
                 *static_cast<std::string*>(log) += "r";
             });
     }
 
 protected:
-    void OnLostImpl() override { m_log += "L"; }
-    void OnRecoverLostImpl(IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) override { m_log += "R"; }
+    void OnLostImpl() override { *m_log += "L"; }
+    void OnRecoverLostImpl(IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) override { *m_log += "R"; }
 
 private:
-    std::string& m_log;
+    std::string* m_log;
 };
 
 class D3D9ResourceManagerTest : public testing::Test {
@@ -58,7 +53,7 @@ protected:
 
 TEST_F(D3D9ResourceManagerTest, CallbacksStandAroundTheResourcesOwnWork) {
     D3D9ResourceManager::Initialize();
-    Probe probe(m_log);
+    Probe probe(&m_log);
     probe.Register();
     EXPECT_EQ(Broadcast(), "LR");
     probe.WriteCalls();
@@ -69,7 +64,7 @@ TEST_F(D3D9ResourceManagerTest, CallbacksStandAroundTheResourcesOwnWork) {
 }
 
 TEST_F(D3D9ResourceManagerTest, OnlyALivingManagerReachesResources) {
-    auto probe = std::make_unique<Probe>(m_log);
+    auto probe = std::make_unique<Probe>(&m_log);
     probe->Register();
     EXPECT_EQ(Broadcast(), "");
     EXPECT_EQ(D3D9ResourceManager::Finalize(), 0U);
@@ -83,7 +78,7 @@ TEST_F(D3D9ResourceManagerTest, OnlyALivingManagerReachesResources) {
     D3D9ResourceManager::Initialize();
     probe->Register();
     EXPECT_EQ(Broadcast(), "") << "an earlier manager's resource came back";
-    Probe other(m_log);
+    Probe other(&m_log);
     other.Register();  // both have the number 1
     probe.reset();
     EXPECT_EQ(Broadcast(), "LR") << "an earlier manager's number removed somebody else";
@@ -92,14 +87,14 @@ TEST_F(D3D9ResourceManagerTest, OnlyALivingManagerReachesResources) {
 
 TEST_F(D3D9ResourceManagerTest, EveryCopyHasAnEntryOfItsOwn) {
     D3D9ResourceManager::Initialize();
-    Probe probe(m_log);
+    Probe probe(&m_log);
     const Probe ofUnregistered(probe);
     EXPECT_EQ(Broadcast(), "");
     probe.WriteCalls();
     probe.Register();
     {
         Probe constructed(probe);
-        Probe assigned(m_log);
+        Probe assigned(&m_log);
         assigned = probe;
         EXPECT_EQ(Broadcast(), "lLlLlLRrRrRr");
         assigned = constructed;
@@ -121,7 +116,7 @@ TEST_F(D3D9ResourceManagerTest, ABroadcastShowsEveryResourceTheSameCopy) {
         EXPECT_EQ(parameters.BackBufferWidth, 640U);
         static_cast<decltype(seen)*>(user)->push_back(&parameters);
     };
-    Probe first(m_log);
+    Probe first(&m_log);
     first.Register();
     first.SetUserCallback(&seen, nullptr, see);
     const Probe second(first);
@@ -137,7 +132,7 @@ TEST_F(D3D9ResourceManagerTest, ThreadsRegisterAndLeaveAtOnce) {
     std::deque<Probe> staying;
     std::vector<std::thread> threads;
     for (std::string& log : logs) {
-        threads.emplace_back([&probe = staying.emplace_back(log)] {
+        threads.emplace_back([&probe = staying.emplace_back(&log)] {
             probe.Register();
             for (int round = 0; round < 500; ++round) {
                 const Probe leaving(probe);

@@ -50,9 +50,8 @@ public:
     void StartWatchdog(HWND window, WatchdogChecker* checker) const {
         void* const watchdog = Call<void*>("_ZN4velm8Watchdog11GetInstanceEv");
         Call<void>("_ZN4velm8Watchdog9SetElapseEj", watchdog, kPeriod);
-        EXPECT_EQ(Call<ErrorCode>("_ZN4velm8Watchdog5StartEP6HWND__PNS_15WatchdogCheckerE", watchdog, window,
-                                  checker),
-                  0U);
+        const char* const start = "_ZN4velm8Watchdog5StartEP6HWND__PNS_15WatchdogCheckerE";
+        EXPECT_EQ(Call<ErrorCode>(start, watchdog, window, checker), 0U);
     }
 
     void OpenMemoryInfo() const {

@@ -26,15 +26,14 @@ TEST(UnloadPosix, SingletonsEndInTheReverseOrderOfTheirCreation) {
             watchdog ? library.StartWatchdog(window.get(), &checker) : library.OpenMemoryInfo();
         }
         EXPECT_TRUE(library.Free());
-        std::string calls;
-        for (const std::string& call : posix::RecordedCalls()) {
-            calls += call == "DisableThreadLibraryCalls" || call == "KillTimer" || call == "CloseHandle"
-                         ? call + ' '
-                         : "";
-        }
+        auto calls = posix::RecordedCalls();
         posix::Reset();
-        EXPECT_EQ(calls, watchdogFirst ? "DisableThreadLibraryCalls CloseHandle KillTimer "
-                                       : "DisableThreadLibraryCalls KillTimer CloseHandle ");
+        std::erase_if(calls, [](const auto& call) {
+            return call != "DisableThreadLibraryCalls" && call != "KillTimer" && call != "CloseHandle";
+        });
+        const char* const ends[] = {"CloseHandle", "KillTimer"};
+        EXPECT_EQ(calls, (std::vector<std::string>{"DisableThreadLibraryCalls", ends[!watchdogFirst],
+                                                   ends[watchdogFirst]}));
         EXPECT_EQ(posix::OpenHandles(), handles);
     }
 }
