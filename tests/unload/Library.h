@@ -31,8 +31,6 @@ public:
         m_module = LoadLibraryW(m_path.c_str());
         EXPECT_NE(m_module, nullptr);
     }
-    Library(const Library&) = delete;
-    Library& operator=(const Library&) = delete;
 
     /// Frees the library; true when it has left the process.
     bool Free() const {

@@ -4,7 +4,6 @@
 #include <memory>
 #include <vector>
 
-#include "velm/D3d9AdapterContext.h"
 #include "velm/D3D9ResourceManager.h"
 #include "velm/D3D9Surface.h"
 #include "velm/platform/Direct3D.h"
@@ -137,19 +136,6 @@ TEST_F(DeviceLoss, AHundredRoundsLeaveSurfacesThatDrawAndNoReference) {
         ASSERT_EQ(ReadBack(target), std::vector<D3DCOLOR>(kSize * kSize, color)) << "round " << round;
     }
     D3D9ResourceManager::OnLost();
-}
-
-TEST_F(DeviceLoss, AnAdapterThatDoesNotExistHasNoFacts) {
-    D3d9AdapterContext none;
-    EXPECT_EQ(none.Setup(m_d3d.get(), 77), VELM_ERROR_UTIL_D3D9_FAILED);
-    D3d9AdapterContext first;
-    ASSERT_EQ(first.Setup(m_d3d.get(), 0), 0U);
-    D3DDISPLAYMODE mode{};
-    ASSERT_EQ(m_d3d->GetAdapterDisplayMode(0, &mode), D3D_OK);
-    EXPECT_EQ(first.m_displayMode.Width, mode.Width);
-    EXPECT_NE(first.m_identifier.VendorId, 0U);
-    EXPECT_NE(first.m_caps.PresentationIntervals, 0U);
-    EXPECT_EQ(none.m_identifier.VendorId, 0U);
 }
 
 }  // namespace
