@@ -25,7 +25,21 @@ Frame TakeFront(AudioFrameStream& stream) {
     return frame;
 }
 
-TEST(AudioFrameStream, MovesWholeFramesAtBothEnds) {
+/// Runs an operation on a thread of its own, for as long as it blocks.
+class Blocked {
+public:
+    template <typename Operation>
+    explicit Blocked(Operation operation) : m_result(std::async(std::launch::async, operation)) {
+        EXPECT_EQ(m_result.wait_for(30ms), std::future_status::timeout) << "does not block";
+    }
+
+    ErrorCode Result() { return m_result.get(); }
+
+private:
+    std::future<ErrorCode> m_result;
+};
+
+TEST(AudioFrameStream, MovesWholeFramesAtBothEndsAndWaitsForThem) {
     AudioFrameStream stream(kSamples, 4, 1, 16);
     ASSERT_EQ(stream.Initialize(), 0U);
     for (short value = 1; value <= 3; ++value) {
@@ -39,119 +53,58 @@ TEST(AudioFrameStream, MovesWholeFramesAtBothEnds) {
     ASSERT_EQ(stream.TakeBackFrame(newest.data()), 0U);
     EXPECT_EQ(newest, FrameOf(3));
     ASSERT_EQ(stream.DropFrontFrame(), 0U);
-    ASSERT_EQ(stream.PushBackClearFrame(), 0U);
     ASSERT_EQ(stream.PushFrontClearFrame(), 0U);
-    EXPECT_EQ(TakeFront(stream), FrameOf(0));
-    EXPECT_EQ(TakeFront(stream), FrameOf(2));
-    ASSERT_EQ(stream.DropBackFrame(), 0U);
-    EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
-    EXPECT_EQ(stream.PushBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-    EXPECT_EQ(stream.PushFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-    EXPECT_EQ(stream.TakeFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-    EXPECT_EQ(stream.TakeBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-}
-
-TEST(AudioFrameStream, FillsWithSilenceAndEmptiesWithoutBlocking) {
-    AudioFrameStream stream(kSamples, 4, 1, 16);
-    ASSERT_EQ(stream.Initialize(), 0U);
-    ASSERT_EQ(stream.PushBackFrame(FrameOf(5).data()), 0U);
-    EXPECT_EQ(stream.PushAllClearFrame(), 0U);
+    ASSERT_EQ(stream.PushAllClearFrame(), 0U);
     EXPECT_EQ(stream.GetUsedFrameSize(), 4U);
-    EXPECT_EQ(TakeFront(stream), FrameOf(5));
+    EXPECT_EQ(stream.PushBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM) << "without waiting";
+    EXPECT_EQ(stream.PushFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    Blocked push([&] { return stream.PushBackFrame(FrameOf(7).data()); });
+    ASSERT_EQ(stream.DropBackFrame(), 0U);
+    EXPECT_EQ(push.Result(), 0U);
     EXPECT_EQ(TakeFront(stream), FrameOf(0));
+    ASSERT_EQ(stream.TakeBackFrame(newest.data()), 0U);
+    EXPECT_EQ(newest, FrameOf(7));
     EXPECT_EQ(stream.DropAllFrame(), 0U);
     EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
-}
-
-TEST(AudioFrameStream, DoesNotBlockBeforeInitializeOrAfterTerminate) {
-    AudioFrameStream stream(kSamples, 2, 1, 16);
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(stream.PushBackClearFrame(), 0U);
-        EXPECT_EQ(stream.PushBackClearFrame(), 0U);
-        EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(stream.DropAllFrame(), 0U);
-        ASSERT_EQ(stream.Initialize(), 0U);
-        stream.Terminate();
-    }
+    EXPECT_EQ(stream.TakeFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM) << "without waiting";
+    EXPECT_EQ(stream.TakeBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    Blocked take([&] { return stream.TakeFrontFrame(newest.data()); });
+    ASSERT_EQ(stream.PushFrontFrame(FrameOf(8).data()), 0U);
+    EXPECT_EQ(take.Result(), 0U);
+    EXPECT_EQ(newest, FrameOf(8));
 }
 
 TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
     const unsigned int shapes[][4] = {
-        {0, 4, 2, 16},          {4, 4, 0, 16},        {4, 4, 2, 0},
-        {0xFFFFFFFF, 4, 2, 16}, {65536, 65536, 1, 8}, {480, 0xFFFFFFFF, 2, 16},
-    };
+        {0, 4, 2, 16}, {4, 4, 0, 16}, {0xFFFFFFFF, 4, 2, 16}, {65536, 65535, 1, 8}, {480, 0xFFFFFFFF, 2, 16}};
     for (const auto& [samples, frames, channels, bits] : shapes) {
         AudioFrameStream stream(samples, frames, channels, bits);
-        EXPECT_EQ(stream.PushAllClearFrame(), 0U);
-        EXPECT_EQ(stream.DropAllFrame(), 0U);
         EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(stream.Initialize(), VELM_ERROR_UTIL_NOT_INITIALIZED);
         EXPECT_EQ(stream.PushAllClearFrame(), 0U);
         EXPECT_EQ(stream.DropAllFrame(), 0U);
+        EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
     }
 }
 
-/// Runs an operation on a thread of its own, for as long as it blocks.
-class Blocked {
-public:
-    template <typename Operation>
-    explicit Blocked(Operation operation) : m_result(std::async(std::launch::async, operation)) {}
-
-    bool IsBlocked() { return m_result.wait_for(30ms) == std::future_status::timeout; }
-    ErrorCode Result() { return m_result.get(); }
-
-private:
-    std::future<ErrorCode> m_result;
-};
-
-TEST(AudioFrameStream, APushWaitsForAFreeSlotAndATakeForAFrame) {
-    AudioFrameStream stream(kSamples, 1, 1, 16);
-    ASSERT_EQ(stream.Initialize(), 0U);
-    Frame taken = FrameOf(0);
-    Blocked take([&] { return stream.TakeFrontFrame(taken.data()); });
-    EXPECT_TRUE(take.IsBlocked());
-    ASSERT_EQ(stream.PushFrontFrame(FrameOf(7).data()), 0U);
-    EXPECT_EQ(take.Result(), 0U);
-    EXPECT_EQ(taken, FrameOf(7));
-
-    ASSERT_EQ(stream.PushBackFrame(FrameOf(8).data()), 0U);
-    Blocked push([&] { return stream.PushBackFrame(FrameOf(9).data()); });
-    EXPECT_TRUE(push.IsBlocked());
-    ASSERT_EQ(stream.DropBackFrame(), 0U);
-    EXPECT_EQ(push.Result(), 0U);
-    EXPECT_EQ(TakeFront(stream), FrameOf(9));
-}
-
-TEST(AudioFrameStream, UnlockForceLetsOneThreadOfEachSideGo) {
-    AudioFrameStream stream(kSamples, 1, 1, 16);
-    ASSERT_EQ(stream.Initialize(), 0U);
-    Blocked take([&] { return stream.DropFrontFrame(); });
-    EXPECT_TRUE(take.IsBlocked());
-    stream.UnlockForce();
-    EXPECT_EQ(take.Result(), VELM_ERROR_UTIL_UNKNOWN);
-
-    // With nobody waiting, the next take on the empty ring is let through, once.
-    stream.UnlockForce();
-    EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
-    Blocked next([&] { return stream.DropFrontFrame(); });
-    EXPECT_TRUE(next.IsBlocked());
-    stream.UnlockForce();
-    EXPECT_EQ(next.Result(), VELM_ERROR_UTIL_UNKNOWN);
-}
-
-TEST(AudioFrameStream, TerminateLetsABlockedThreadGo) {
+TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
     for (const bool full : {false, true}) {
-        AudioFrameStream stream(kSamples, 1, 1, 16);
+        SCOPED_TRACE(full);
+        AudioFrameStream stream(kSamples, 2, 1, 16);
         ASSERT_EQ(stream.Initialize(), 0U);
         if (full) {
-            ASSERT_EQ(stream.PushBackClearFrame(), 0U);
+            ASSERT_EQ(stream.PushAllClearFrame(), 0U);
         }
-        Blocked blocked([&] { return full ? stream.PushBackClearFrame() : stream.DropFrontFrame(); });
-        EXPECT_TRUE(blocked.IsBlocked());
+        const auto wait = [&] { return full ? stream.PushBackClearFrame() : stream.DropFrontFrame(); };
+        stream.UnlockForce();  // lets the next through, as nobody waits, and only that
+        EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
+        Blocked forced(wait);
+        stream.UnlockForce();
+        EXPECT_EQ(forced.Result(), VELM_ERROR_UTIL_UNKNOWN);
+        Blocked ended(wait);
         stream.Terminate();
-        EXPECT_EQ(blocked.Result(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(full ? stream.PushBackClearFrame() : stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(ended.Result(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
     }
 }
 

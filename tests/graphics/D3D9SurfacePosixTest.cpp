@@ -29,59 +29,46 @@ TEST_F(D3D9SurfaceTest, WhatSurvivesDependsOnPoolAndUsage) {
     const struct {
         const char* what;
         D3DSURFACE_DESC desc;
-        bool released;
-        bool rebuilt;
-        bool failCreation;
+        bool released, rebuilt, failCreation;
     } cases[] = {
         {"render target", Desc(D3DUSAGE_RENDERTARGET), true, true, false},
         {"depth-stencil", Desc(D3DUSAGE_DEPTHSTENCIL), true, true, false},
-        {"off-screen plain", Desc(0), true, false, false},
         {"both usages", Desc(D3DUSAGE_RENDERTARGET | D3DUSAGE_DEPTHSTENCIL), true, false, false},
         {"managed", Desc(D3DUSAGE_RENDERTARGET, D3DPOOL_MANAGED), false, false, false},
-        {"system memory", Desc(0, D3DPOOL_SYSTEMMEM), false, false, false},
         {"creation fails", Desc(D3DUSAGE_RENDERTARGET), true, false, true},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
         D3DPRESENT_PARAMETERS parameters{};
         D3D9Surface surface;
         IDirect3DSurface9* const first = m_device.Create(c.desc);
         surface.Bind(first);
-        EXPECT_EQ(FAILED(m_device.Reset(&parameters)), c.released) << c.what;
-        for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(FAILED(m_device.Reset(&parameters)), c.released);
+        for (const DWORD flags : {0xFFFFFFFDU, 2U}) {  // to discard the depth or not
             D3D9ResourceManager::OnLost();
-            EXPECT_EQ(surface.GetSurface() == nullptr, c.released) << c.what;
-            EXPECT_EQ(m_device.Reset(&parameters), D3D_OK) << c.what;
+            EXPECT_EQ(surface.GetSurface() == nullptr, c.released);
+            EXPECT_EQ(m_device.Reset(&parameters), D3D_OK);
             m_device.failCreation = c.failCreation;
+            parameters.Flags = flags;
             D3D9ResourceManager::OnRecoverLost(&m_device, parameters);
             m_device.failCreation = false;
+            if (c.desc.Usage == D3DUSAGE_DEPTHSTENCIL) {
+                EXPECT_EQ(m_device.lastDiscard, flags == 2 ? TRUE : FALSE);
+            }
         }
         if (!c.released) {
-            EXPECT_EQ(surface.GetSurface(), first) << c.what;
+            EXPECT_EQ(surface.GetSurface(), first);
             continue;
         }
-        ASSERT_EQ(surface.GetSurface() != nullptr, c.rebuilt) << c.what;
+        ASSERT_EQ(surface.GetSurface() != nullptr, c.rebuilt);
         if (c.rebuilt) {
             D3DSURFACE_DESC desc{};
             surface.GetSurface()->GetDesc(&desc);
-            EXPECT_EQ(std::memcmp(&desc, &c.desc, sizeof desc), 0) << c.what;
-            EXPECT_EQ(static_cast<FakeSurface9*>(surface.GetSurface())->Count(), 1U) << c.what;
+            EXPECT_EQ(std::memcmp(&desc, &c.desc, sizeof desc), 0);
+            EXPECT_EQ(static_cast<FakeSurface9*>(surface.GetSurface())->Count(), 1U);
         }
     }
-}
-
-TEST_F(D3D9SurfaceTest, DepthIsDiscardedOnlyWhenThePresentParametersSaySo) {
-    D3D9Surface target;
-    D3D9Surface depth;
-    target.Bind(m_device.Create(Desc(D3DUSAGE_RENDERTARGET)));
-    depth.Bind(m_device.Create(Desc(D3DUSAGE_DEPTHSTENCIL)));
-    for (const DWORD flags : {0U, 1U, 2U, 3U}) {
-        D3DPRESENT_PARAMETERS parameters{};
-        parameters.Flags = flags;
-        D3D9ResourceManager::OnLost();
-        D3D9ResourceManager::OnRecoverLost(&m_device, parameters);
-        EXPECT_EQ(m_device.lastDiscard, flags >= 2 ? TRUE : FALSE) << flags;
-        EXPECT_EQ(m_device.lastLockable, FALSE);
-    }
+    EXPECT_EQ(m_device.lastLockable, FALSE);
 }
 
 TEST_F(D3D9SurfaceTest, ABoundSurfaceGivesUpExactlyTheReferenceItTook) {
@@ -112,37 +99,22 @@ TEST_F(D3D9SurfaceTest, ABoundSurfaceGivesUpExactlyTheReferenceItTook) {
 
 TEST_F(D3D9SurfaceTest, CopiesCountTheSurfaceTheyShare) {
     FakeSurface9* const a = m_device.Create(Desc(D3DUSAGE_RENDERTARGET));
-    FakeSurface9* const b = m_device.Create(Desc(D3DUSAGE_RENDERTARGET));
-    {
-        D3D9Surface first;
-        D3D9Surface second;
-        first.Bind(a);
-        second.Bind(b);
-        const D3D9Surface copy(first);
-        EXPECT_EQ(a->Count(), 2U);
-        b->AddRef();
-        second = first;
-        EXPECT_EQ(a->Count(), 3U);
-        EXPECT_EQ(b->Count(), 1U);
-        second = copy;
-        D3D9Surface& self = second;
-        second = self;
-        EXPECT_EQ(a->Count(), 3U) << "the same surface";
-        second = D3D9Surface();
-        EXPECT_EQ(second.GetSurface(), nullptr);
-        EXPECT_EQ(a->Count(), 2U);
-        D3D9ResourceManager::OnLost();
-        EXPECT_EQ(m_device.living.size(), 1U) << "a copy kept the surface through the loss";
-    }
-    EXPECT_EQ(b->Release(), 0U);
-}
-
-TEST_F(D3D9SurfaceTest, AfterFinalizeTheSurfaceIsStillReleased) {
-    D3D9Surface surface;
-    surface.Bind(m_device.Create(Desc(D3DUSAGE_RENDERTARGET)));
-    D3D9ResourceManager::Finalize();
+    D3D9Surface first;
+    D3D9Surface second;
+    first.Bind(a);
+    second.Bind(m_device.Create(Desc(D3DUSAGE_RENDERTARGET)));
+    const D3D9Surface copy(first);
+    EXPECT_EQ(a->Count(), 2U);
+    second = first;
+    EXPECT_EQ(a->Count(), 3U);
+    EXPECT_EQ(m_device.living.size(), 1U) << "what was bound before was kept";
+    second = copy;
+    EXPECT_EQ(a->Count(), 3U) << "the same surface";
+    second = D3D9Surface();
+    EXPECT_EQ(second.GetSurface(), nullptr);
+    EXPECT_EQ(a->Count(), 2U);
     D3D9ResourceManager::OnLost();
-    EXPECT_NE(surface.GetSurface(), nullptr);
+    EXPECT_TRUE(m_device.living.empty()) << "a copy kept the surface through the loss";
 }
 
 }  // namespace

@@ -17,43 +17,25 @@ inline constexpr unsigned int kPeriod = 20;  // in milliseconds
 class WatchdogChecker {
 public:
     virtual ~WatchdogChecker() = default;
-    virtual bool IsActive() { return true; }
+    virtual bool IsActive() { return ++asked != 0; }
+
+    int asked = 0;
 };
-
-class Checker : public WatchdogChecker {
-public:
-    bool IsActive() override {
-        ++m_asked;
-        return true;
-    }
-    int Asked() const { return m_asked; }
-
-private:
-    int m_asked = 0;
-};
-
-inline std::wstring LibraryPath() {
-    wchar_t path[4096];
-    const std::wstring executable(path, GetModuleFileNameW(nullptr, path, 4096));
-    return executable.substr(0, executable.find_last_of(L"\\/") + 1) + VELM_UTIL_LIBRARY;
-}
 
 class Library {
 public:
-    Library() : m_module(LoadLibraryW(LibraryPath().c_str())) {}
-    ~Library() { Free(); }
-    Library(const Library&) = delete;
-    Library& operator=(const Library&) = delete;
-
-    bool IsLoaded() const { return m_module != nullptr; }
+    Library() {
+        wchar_t path[4096];
+        const std::wstring executable(path, GetModuleFileNameW(nullptr, path, 4096));
+        m_path = executable.substr(0, executable.find_last_of(L"\\/") + 1) + VELM_UTIL_LIBRARY;
+        m_module = LoadLibraryW(m_path.c_str());
+        EXPECT_NE(m_module, nullptr);
+    }
 
     /// Frees the library; true when it has left the process.
-    bool Free() {
-        if (m_module != nullptr) {
-            FreeLibrary(m_module);
-            m_module = nullptr;
-        }
-        return GetModuleHandleW(LibraryPath().c_str()) == nullptr;
+    bool Free() const {
+        FreeLibrary(m_module);
+        return GetModuleHandleW(m_path.c_str()) == nullptr;
     }
 
     template <typename Result, typename... Arguments>
@@ -63,13 +45,11 @@ public:
         return reinterpret_cast<Result (*)(Arguments...)>(address)(arguments...);
     }
 
-    void* StartWatchdog(HWND window, Checker* checker) const {
+    void StartWatchdog(HWND window, WatchdogChecker* checker) const {
         void* const watchdog = Call<void*>("_ZN4velm8Watchdog11GetInstanceEv");
         Call<void>("_ZN4velm8Watchdog9SetElapseEj", watchdog, kPeriod);
-        EXPECT_EQ(Call<ErrorCode>("_ZN4velm8Watchdog5StartEP6HWND__PNS_15WatchdogCheckerE", watchdog, window,
-                                  static_cast<WatchdogChecker*>(checker)),
-                  0U);
-        return watchdog;
+        const char* const start = "_ZN4velm8Watchdog5StartEP6HWND__PNS_15WatchdogCheckerE";
+        EXPECT_EQ(Call<ErrorCode>(start, watchdog, window, checker), 0U);
     }
 
     void OpenMemoryInfo() const {
@@ -78,6 +58,7 @@ public:
     }
 
 private:
+    std::wstring m_path;
     HMODULE m_module;
 };
 

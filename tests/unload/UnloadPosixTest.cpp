@@ -1,7 +1,6 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,40 +11,29 @@
 namespace velm {
 namespace {
 
-TEST(UnloadPosix, ALibraryThatCannotBeSparedThreadNoticesStillLoads) {
-    posix::FailCall("DisableThreadLibraryCalls", ERROR_GEN_FAILURE);
-    posix::StartRecording();
-    EXPECT_TRUE(Library().IsLoaded());
-    const auto calls = posix::RecordedCalls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), "DisableThreadLibraryCalls"), 1);
-    posix::Reset();
-}
-
-// The watchdog ends with KillTimer, the memory report with CloseHandle.
+// The watchdog ends with KillTimer, the memory report with CloseHandle. A library that cannot be spared the
+// notices of threads still loads.
 TEST(UnloadPosix, SingletonsEndInTheReverseOrderOfTheirCreation) {
-    using Calls = std::vector<std::string>;
     const UniqueWindow window = MakeWindow();
     const unsigned int handles = posix::OpenHandles();
     for (const bool watchdogFirst : {true, false}) {
         SCOPED_TRACE(watchdogFirst);
-        Checker checker;
-        Library library;
-        ASSERT_TRUE(library.IsLoaded());
-        if (watchdogFirst) {
-            library.StartWatchdog(window.get(), &checker);
-        }
-        library.OpenMemoryInfo();
-        if (!watchdogFirst) {
-            library.StartWatchdog(window.get(), &checker);
-        }
+        posix::FailCall("DisableThreadLibraryCalls", ERROR_GEN_FAILURE);
         posix::StartRecording();
+        WatchdogChecker checker;
+        const Library library;
+        for (const bool watchdog : {watchdogFirst, !watchdogFirst}) {
+            watchdog ? library.StartWatchdog(window.get(), &checker) : library.OpenMemoryInfo();
+        }
         EXPECT_TRUE(library.Free());
-        Calls calls = posix::RecordedCalls();
+        auto calls = posix::RecordedCalls();
         posix::Reset();
-        std::erase_if(calls,
-                      [](const std::string& call) { return call != "KillTimer" && call != "CloseHandle"; });
-        EXPECT_EQ(calls,
-                  watchdogFirst ? (Calls{"CloseHandle", "KillTimer"}) : (Calls{"KillTimer", "CloseHandle"}));
+        std::erase_if(calls, [](const auto& call) {
+            return call != "DisableThreadLibraryCalls" && call != "KillTimer" && call != "CloseHandle";
+        });
+        const char* const ends[] = {"CloseHandle", "KillTimer"};
+        EXPECT_EQ(calls, (std::vector<std::string>{"DisableThreadLibraryCalls", ends[!watchdogFirst],
+                                                   ends[watchdogFirst]}));
         EXPECT_EQ(posix::OpenHandles(), handles);
     }
 }
