@@ -8,13 +8,29 @@
 #include <functional>
 #include <string>
 
+#include "FakeDirect3D9.h"
 #include "MessageLoop.h"
 #include "ProcessResources.h"
+#include "Riff.h"
+#include "TemporaryFile.h"
+#include "velm/core/FileReader.h"
 #include "velm/core/Thread.h"
 #include "velm/VelmUtil.h"
 
 namespace velm {
 namespace {
+
+struct Cycle {
+    const char* name;
+    std::function<void()> run;
+    int each = 1;  // of so many cycles, for what takes long
+};
+
+/// VELM_CYCLES sets another number.
+int CycleCount() {
+    const char* const given = std::getenv("VELM_CYCLES");
+    return given != nullptr ? std::atoi(given) : 1000;
+}
 
 /// The system may still be winding up the last thread.
 ProcessResources SettledResources(long long threads) {
@@ -24,73 +40,125 @@ ProcessResources SettledResources(long long threads) {
     return GetProcessResources();
 }
 
+void CyclePlugin(const std::string& path) {
+    LoadClassPointerFromDll plugin;
+    void* object = nullptr;
+    EXPECT_EQ(plugin.Initialize(path.c_str(), &object), 0);
+    EXPECT_EQ(plugin.Terminate(), 0);
+}
+
+void CycleThread() {
+    ThreadCaller caller;
+    caller.Start([](void*) { return 0; }, nullptr, "cycle");
+    EXPECT_EQ(caller.GetState(), 0);
+    caller.Stop();
+}
+
+void CycleWatchdog(HWND window) {
+    static WatchdogChecker checker;
+    EXPECT_EQ(Watchdog::GetInstance()->Start(window, &checker), 0U);
+    EXPECT_EQ(Watchdog::GetInstance()->Stop(), 0U);
+}
+
+void CycleProcessServices() {
+    MemoryInfo::GetInstance()->Initialize("cycle");
+    MemoryInfo::GetInstance()->Check("cycle");
+    MemoryInfo::GetInstance()->Finalize();
+    SchedulingThread().StartThreadPriorityHigh();
+}
+
+void CycleCalls(HWND window) {
+    char text[100];
+    wchar_t value[10];
+    WindowsUtil::CallSetWindowText(window, "text");
+    WindowsUtil::CallGetClassName(window, text, 100);
+    WindowsUtil::CallMessageBox(window, "not converted:", nullptr, 0);
+    WindowsUtil::CallGetPrivateProfileString("s", "k", "d", value, 10, "./no.ini");
+    int width = 0;
+    int height = 0;
+    WindowsUtil::GetMaxScreenSize(&width, &height, 0);
+}
+
+void CycleFrames() {
+    AudioFrameStream stream(480, 2, 2, 16);
+    EXPECT_EQ(stream.Initialize(), 0U);
+    EXPECT_EQ(stream.PushAllClearFrame(), 0U);
+}
+
+void CycleAudio() {
+    AudioFrame frame;
+    unsigned char data[100] = {};
+    EXPECT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 1, 100, data), 0U);
+    FileReader reader;
+    EXPECT_EQ(reader.Open("cycles.wav"), 0U);
+    WaveFileReadHelper wave;
+    EXPECT_EQ(wave.Initialize(&reader), 0U);
+}
+
+void CycleConfig() {
+    std::string text;
+    EnvConfigReader().GetIfOk("PATH", text);
+    IniConfigReader().GetIfOk("./cycles.wav", "s", "k", "d", text);
+    EXPECT_EQ(text, "d");
+    JsonConfigReader json;
+    picojson::value value;
+    std::string error;
+    json.Read("{\"name\": [1, 2, \"text\"]}");
+    EXPECT_TRUE(json.getJsonValue(value, error));
+}
+
+void CycleLinks() {
+    UrlParser parser;
+    EXPECT_EQ(parser.Parse("https://host.example/path?name=value&other=value#end"), 0U);
+    std::string url = "https";
+    std::string title;
+    std::string ticket;
+    EXPECT_EQ(UrlSchemeUtil::read("velm:play.velm.example/a;title;ticket", url, title, ticket), 0U);
+}
+
+struct Resource : D3D9ResourceBase {
+    Resource() { Register(); }
+    void OnLostImpl() override {}
+    void OnRecoverLostImpl(IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) override {}
+};
+
+void CycleGraphics() {
+    FakeDirect3D9 d3d;
+    D3d9AdapterCheckSet set;
+    set.AddItem(std::tr1::shared_ptr<D3d9AdapterCheckItem>(new D3d9AdapterCheckItem));
+    bool passed = false;
+    EXPECT_TRUE(set.Check(&passed, &d3d, 0).IsFailed());
+    EXPECT_EQ(D3D9ResourceManager::Initialize(), 0U);
+    {
+        const Resource resource;
+        D3D9ResourceManager::OnLost();
+        D3D9ResourceManager::OnRecoverLost(nullptr, D3DPRESENT_PARAMETERS{});
+    }
+    EXPECT_EQ(D3D9ResourceManager::Finalize(), 0U);
+}
+
 TEST(Cycles, ThousandsLeaveNothingBehind) {
-    const char* const given = std::getenv("VELM_CYCLES");  // another number
-    const int count = given != nullptr ? std::atoi(given) : 1000;
+    const test::TemporaryFile wave(
+        "cycles.wav",
+        test::Riff(test::Chunk("fmt ", test::PcmFormat(1, 8000, 16)) + test::Chunk("data", "1234")));
     const UniqueWindow window = MakeWindow();
-    WatchdogChecker checker;
-    std::string path;
-    WindowsUtil::GetFullPathForExecDirFile(path, "sample_plugin" VELM_MODULE_SUFFIX);
-    const struct {
-        const char* name;
-        std::function<void()> run;
-        int each = 1;  // of so many cycles, for what takes long
-    } cycles[] = {
-        {"plug-in",
-         [&] {
-             LoadClassPointerFromDll plugin;
-             void* object = nullptr;
-             EXPECT_EQ(plugin.Initialize(path.c_str(), &object), 0);
-             EXPECT_EQ(plugin.Terminate(), 0);
-         }},
-        {"thread",
-         [] {
-             ThreadCaller caller;
-             caller.Start([](void*) { return 0; }, nullptr, "cycle");
-             EXPECT_EQ(caller.GetState(), 0);
-             caller.Stop();
-         }},
-        {"watchdog",
-         [&] {
-             EXPECT_EQ(Watchdog::GetInstance()->Start(window.get(), &checker), 0U);
-             EXPECT_EQ(Watchdog::GetInstance()->Stop(), 0U);
-         }},
-        {"process services",
-         [] {
-             MemoryInfo::GetInstance()->Initialize("cycle");
-             MemoryInfo::GetInstance()->Check("cycle");
-             MemoryInfo::GetInstance()->Finalize();
-             SchedulingThread().StartThreadPriorityHigh();
-         }},
-        {"calls",
-         [&] {
-             char name[100];
-             int width = 0;
-             int height = 0;
-             WindowsUtil::CallSetWindowText(window.get(), "text");
-             WindowsUtil::CallGetClassName(window.get(), name, 100);
-             WindowsUtil::GetMaxScreenSize(&width, &height, 0);
-         },
-         10},
-        {"frame ring", [] { EXPECT_EQ(AudioFrameStream(480, 2, 2, 16).Initialize(), 0U); }, 50},
-        {"configuration",
-         [] {
-             std::string text;
-             EnvConfigReader().GetIfOk("PATH", text);
-             IniConfigReader().GetIfOk("./no.ini", "s", "k", "d", text);
-             EXPECT_EQ(text, "d");
-         }},
-        {"resource manager",
-         [] {
-             EXPECT_EQ(D3D9ResourceManager::Initialize(), 0U);
-             D3D9Surface().Bind(nullptr);
-             D3D9ResourceManager::OnRecoverLost(nullptr, {});
-             EXPECT_EQ(D3D9ResourceManager::Finalize(), 0U);
-         }},
+    std::string plugin;
+    WindowsUtil::GetFullPathForExecDirFile(plugin, "sample_plugin" VELM_MODULE_SUFFIX);
+    const Cycle cycles[] = {
+        {"plug-in", [&] { CyclePlugin(plugin); }},
+        {"thread", [] { CycleThread(); }},
+        {"watchdog", [&] { CycleWatchdog(window.get()); }},
+        {"process services", [] { CycleProcessServices(); }},
+        {"calls", [&] { CycleCalls(window.get()); }, 10},
+        {"frame ring", [] { CycleFrames(); }, 50},
+        {"audio", [] { CycleAudio(); }},
+        {"configuration", [] { CycleConfig(); }},
+        {"links", [] { CycleLinks(); }},
+        {"graphics", [] { CycleGraphics(); }},
     };
-    for (const auto& cycle : cycles) {
+    for (const Cycle& cycle : cycles) {
         SCOPED_TRACE(cycle.name);
-        const int cycleCount = count / cycle.each;
+        const int cycleCount = CycleCount() / cycle.each;
         const ProcessResources start = GetProcessResources();
         for (int i = 0; i < cycleCount / 10 + 1; ++i) {
             cycle.run();
