@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <string>
 
+#include "RandomSeed.h"
 #include "TemporaryFile.h"
 
 namespace velm {
@@ -90,8 +92,7 @@ TEST(JsonConfigReader, AnErrorOnEntryIsNeverASuccess) {
 }
 
 TEST(JsonConfigReader, RandomTextsGetPicojsonsAnswer) {
-    const unsigned int seed = std::random_device()();
-    std::mt19937 random(seed);
+    std::mt19937 random = test::SeededRandom();
     const std::string any[] = {"[", "]", "{",  "}", "\"",     "\\",      ",",
                                ":", "1", "\n", " ", "\"a\":", "\\u00e9", "null"};
     const std::string inString[] = {"[[[[", "{{{{", "]", "}", "\\\\", "\\\"", "x", "\\n"};
@@ -112,7 +113,7 @@ TEST(JsonConfigReader, RandomTextsGetPicojsonsAnswer) {
             const int levels = 99 + i / 2 % 2;
             text += Repeat("[", levels) + Repeat("]", levels) + "]";
         }
-        ASSERT_EQ(ParseText(text), PicojsonsAnswer(text)) << "seed " << seed << ": " << text;
+        ASSERT_EQ(ParseText(text), PicojsonsAnswer(text)) << text;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -81,18 +80,16 @@ TEST(FileReader, SaysWhyAFileCannotBeRead) {
 }
 
 /// A reader that has no buffer, and two bytes.
-class Unbuffered : public IReader {
-public:
-    ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long size) override {
-        EXPECT_EQ(size, 1U);
-        *readSize = m_left != 0;
-        std::fill_n(static_cast<unsigned char*>(buffer), *readSize, m_left);
-        m_left -= static_cast<unsigned char>(*readSize);
-        return *readSize == size ? 0 : VELM_ERROR_CORE_READ_FAILED;
+struct Unbuffered : IReader {
+    ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long) override {
+        *readSize = left != 0;
+        if (left == 0) {
+            return VELM_ERROR_CORE_READ_FAILED;
+        }
+        *static_cast<unsigned char*>(buffer) = left--;
+        return 0;
     }
-
-private:
-    unsigned char m_left = 2;
+    unsigned char left = 2;
 };
 
 TEST(IReader, ReadsSingleBytesThroughTheBlockReadOfAnyReader) {

@@ -49,22 +49,16 @@ TEST(Mutex, LetsOneThreadInAtATime) {
 }
 
 TEST(Semaphore, NeverExceedsItsMaximum) {
-    struct Case {
-        unsigned int initial;
-        unsigned int maximum;
-        unsigned int post;
-        bool accepted;
-    };
-    for (const Case& c : {Case{0, 4, 4, true}, Case{3, 4, 2, false}, Case{9, 4, 1, false},
-                          Case{0, 0, 1, false}, Case{1, 0xFFFFFFFF, 0x7FFFFFFE, true},
-                          Case{1, 0xFFFFFFFF, 0x7FFFFFFF, false}, Case{2, 4, 0xFFFFFFFF, false}}) {
-        Semaphore semaphore(c.initial, c.maximum);
-        EXPECT_EQ(semaphore.Post(c.post), c.accepted ? 0U : VELM_ERROR_CORE_LIMIT_EXCEEDED)
-            << c.initial << " of " << c.maximum << " plus " << c.post;
+    const unsigned int cases[][3] = {{0, 4, 4}, {3, 4, 1}, {9, 4, 0}, {0, 0, 0}, {1, 0xFFFFFFFF, 0x7FFFFFFE}};
+    for (const auto& [initial, maximum, most] : cases) {
+        SCOPED_TRACE(testing::Message() << initial << " of " << maximum);
+        Semaphore semaphore(initial, maximum);
+        EXPECT_EQ(semaphore.Post(most + 1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.Post(0xFFFFFFFF), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.Post(most), 0U) << "a refused post leaves the count";
+        EXPECT_EQ(semaphore.Post(1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
     }
-    // A refused post leaves the count: exactly the three that were there can be taken.
     Semaphore semaphore(3, 4);
-    EXPECT_EQ(semaphore.Post(2), VELM_ERROR_CORE_LIMIT_EXCEEDED);
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(semaphore.Wait(), 0U);
     }

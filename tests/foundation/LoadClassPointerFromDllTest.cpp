@@ -51,21 +51,16 @@ TEST(LoadClassPointerFromDll, ReleasesEachObjectOnceWhoeverGoesFirst) {
             copy = source;
             copy.Terminate();
         }
-        EXPECT_EQ(released(), before) << "the copy released its source's object";
-        LoadClassPointerFromDll outlives(source);
         LoadClassPointerFromDll& same = source;
         source = same;
-        EXPECT_EQ(released(), before);
-        source.Terminate();
-        EXPECT_EQ(released(), before + 1);
+        EXPECT_EQ(released(), before) << "the copy released its source's object";
+        ASSERT_EQ(source.Initialize(path.c_str(), &object), 0);
+        EXPECT_EQ(released(), before + 1) << "a second Initialize lost the first object";
+        const LoadClassPointerFromDll copy(source);
+        source = copy;
+        EXPECT_EQ(released(), before + 2) << "an assignment lost the object";
+        ASSERT_EQ(source.Initialize(path.c_str(), &object), 0);
     }
-    EXPECT_EQ(released(), before + 1);
-
-    LoadClassPointerFromDll again;
-    ASSERT_EQ(again.Initialize(path.c_str(), &object), 0);
-    ASSERT_EQ(again.Initialize(path.c_str(), &object), 0);
-    EXPECT_EQ(released(), before + 2) << "a second Initialize lost the first object";
-    again = LoadClassPointerFromDll();
     EXPECT_EQ(released(), before + 3);
     FreeLibrary(module);
 }

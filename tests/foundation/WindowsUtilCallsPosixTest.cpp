@@ -1,6 +1,7 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
 #include <string>
 #include <utility>
@@ -48,12 +49,14 @@ protected:
 TEST_F(WindowsUtilPosixTest, TheLastErrorOfTheCallSurvivesTheCleanUp) {
     const UniqueWindow window = MakeWindow();
     char buffer[40];
-    for (const char* const call : {"SetWindowTextW", "GetClassNameW", "WideCharToMultiByte"}) {
+    const auto setText = [&] { return WindowsUtil::CallSetWindowText(window.get(), "text"); };
+    const auto getClassName = [&] { return WindowsUtil::CallGetClassName(window.get(), buffer, 40); };
+    const std::pair<const char*, std::function<int()>> wrappers[] = {
+        {"SetWindowTextW", setText}, {"GetClassNameW", getClassName}, {"WideCharToMultiByte", getClassName}};
+    for (const auto& [call, wrapper] : wrappers) {
         posix::FailCall(call, ERROR_ACCESS_DENIED);
         t_freeSetsError = true;
-        EXPECT_EQ(call[0] == 'S' ? WindowsUtil::CallSetWindowText(window.get(), "text")
-                                 : WindowsUtil::CallGetClassName(window.get(), buffer, 40),
-                  0);
+        EXPECT_EQ(wrapper(), 0);
         t_freeSetsError = false;
         EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED) << call;
     }
@@ -67,25 +70,23 @@ TEST_F(WindowsUtilPosixTest, ArgumentsArriveInTheirPlaces) {
     WindowsUtil::CallSetWindowText(window.get(), "text");
     // Two UTF-16 units in place of four bytes: the count goes through as it is.
     WindowsUtil::CallTextOut(nullptr, -1, -2, "\xF0\x9F\x98\x80x", 2);
-    struct Case {
-        const char* call;
-        std::vector<std::wstring> texts;
-        std::vector<long long> numbers;
-    };
-    const Case kCases[] = {
-        {"LoadImageW", {L"image"}, {1, 2, 3, 4}},
-        {"OutputDebugStringW", {L"text"}, {}},
-        {"MessageBoxW", {L"text", L"caption"}, {5}},
-        {"SetWindowTextW", {L"text"}, {}},
-        {"TextOutW", {{wchar_t(0xD83D), wchar_t(0xDE00)}}, {-1, -2}},
-    };
-    const auto shown = posix::ShownCalls();
-    ASSERT_EQ(shown.size(), std::size(kCases));
-    for (std::size_t i = 0; i < shown.size(); ++i) {
-        EXPECT_EQ(shown[i].name, kCases[i].call);
-        EXPECT_EQ(shown[i].texts, kCases[i].texts) << shown[i].name;
-        EXPECT_EQ(shown[i].numbers, kCases[i].numbers) << shown[i].name;
+    std::wstring shown;
+    for (const posix::ShownCall& call : posix::ShownCalls()) {
+        shown.append(call.name.begin(), call.name.end());
+        for (const std::wstring& text : call.texts) {
+            shown += L' ' + text;
+        }
+        for (const long long number : call.numbers) {
+            shown += L' ' + std::to_wstring(number);
+        }
+        shown += L'\n';
     }
+    EXPECT_EQ(shown,
+              L"LoadImageW image 1 2 3 4\n"
+              L"OutputDebugStringW text\n"
+              L"MessageBoxW text caption 5\n"
+              L"SetWindowTextW text\n"
+              L"TextOutW \xD83D\xDE00 -1 -2\n");
 }
 
 TEST_F(WindowsUtilPosixTest, ClassNamesOutsideAsciiCountInBytes) {
@@ -110,28 +111,25 @@ TEST_F(WindowsUtilPosixTest, PathsNearTheLimitOf260) {
     const auto executable = [](std::size_t units, wchar_t letter) {
         return L"D:\\" + std::wstring(units - 9, letter) + L"\\a.exe";
     };
-    struct Case {
-        const char* name;
-        std::wstring path;
-        std::string folder;  // none: refused
+    const std::pair<std::wstring, std::string> cases[] = {
+        // of executables and their folders
+        {executable(259, L'x'), "D:\\" + std::string(250, 'x')},
+        // Cut by the system, where the folder is still whole, and within it.
+        {executable(260, L'x'), "D:\\" + std::string(251, 'x')},
+        {executable(400, L'x'), "D:"},
+        // In bytes: 259, and too many.
+        {executable(256, L'x') + L"\u20AC", "D:\\" + std::string(247, 'x')},
+        {executable(200, L'\u00FC'), ""},
+        {executable(10, L'\u00FC'), "D:\\\xC3\xBC"},
+        {L"a.exe", "."},
     };
-    const Case kCases[] = {
-        {"ASCII, 259", executable(259, L'x'), "D:\\" + std::string(250, 'x')},
-        // Cut by the system, so the folder is still whole.
-        {"ASCII, 260", executable(260, L'x'), "D:\\" + std::string(251, 'x')},
-        {"ASCII, cut within the folder", executable(400, L'x'), "D:"},
-        {"259 bytes", executable(256, L'x') + L"\u20AC", "D:\\" + std::string(247, 'x')},
-        {"umlauts, too many bytes", executable(200, L'\u00FC'), ""},
-        {"umlauts", executable(10, L'\u00FC'), "D:\\\xC3\xBC"},
-        {"no folder", L"a.exe", "."},
-    };
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.name);
-        posix::SetExecutablePath(test.path);
+    for (const auto& [file, folder] : cases) {
+        SCOPED_TRACE(file.size());
+        posix::SetExecutablePath(file);
         std::string path = "unchanged";
         const ErrorCode result = WindowsUtil::GetFullPathForResourcesDirFile(path, "b");
-        EXPECT_EQ(result, test.folder.empty() ? VELM_ERROR_UTIL_INVALID_PARAM : 0U);
-        EXPECT_EQ(path, test.folder.empty() ? "unchanged" : test.folder + "\\resources\\b");
+        EXPECT_EQ(result, folder.empty() ? VELM_ERROR_UTIL_INVALID_PARAM : 0U);
+        EXPECT_EQ(path, folder.empty() ? "unchanged" : folder + "\\resources\\b");
     }
 }
 

@@ -17,8 +17,6 @@ TEST(WindowsUtilPaths, FilesLieBesideTheExecutable) {
     EXPECT_EQ(path, folder + "\\resources\\b.png");
     EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(path, ""), 0U);
     EXPECT_EQ(path, folder + "\\");
-    EXPECT_EQ(WindowsUtil::GetFullPathForResourcesDir(path), 0U);
-    EXPECT_EQ(path, folder + "\\resources\\");
 }
 
 TEST(WindowsUtilPaths, TheBufferFormNeverWritesPastItsSize) {
