@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <latch>
 #include <set>
 #include <string>
 #include <thread>
@@ -17,14 +17,11 @@ namespace {
 TEST(ErrorRegistry, ThreadsThatRegisterAtOnceLoseAndDoubleNoCode) {
     constexpr unsigned int kThreads = 8;
     constexpr unsigned int kCodes = 100;  // of each pair of threads
-    std::atomic<unsigned int> ready{0};
+    std::latch ready(kThreads);
     std::vector<std::jthread> threads;
     for (unsigned int number = 0; number < kThreads; ++number) {
         threads.emplace_back([&ready, first = 0xA0000000 + number / 2 * kCodes] {
-            ++ready;
-            while (ready != kThreads) {
-                std::this_thread::yield();
-            }
+            ready.arrive_and_wait();
             for (unsigned int code = first; code < first + kCodes; ++code) {
                 RegisterErrorCode(code, "THREADS", std::to_string(code).c_str());
                 EXPECT_NE(FindErrorCode(code), nullptr);
@@ -59,7 +56,7 @@ TEST(ErrorRegistry, KeepsItsOwnCopyOfTheFirstRegistration) {
 }
 
 TEST(ErrorRegistry, KnowsTheCoreCodesAndNoOthers) {
-    ASSERT_NE(FindErrorCode(0x84E8900D), nullptr);
+    ASSERT_NE(FindErrorCode(VELM_ERROR_CORE_NOTHING_TO_READ), nullptr);
     EXPECT_STREQ(FindErrorCode(0x84E8900D)->name, "VELM_ERROR_CORE_NOTHING_TO_READ");
     EXPECT_EQ(FindErrorCode(0x84E89000), nullptr);
 }

@@ -12,18 +12,14 @@
 namespace velm {
 namespace {
 
-TEST(WindowsUtilCalls, WindowTextsOfAnyLengthArriveWhole) {
+TEST(WindowsUtilCalls, ALongWindowTextArrivesWhole) {
     const UniqueWindow window = MakeWindow();
     ASSERT_NE(window, nullptr);
-    for (const auto& [utf8, utf16] :
-         {std::pair<std::string, std::wstring>{std::string(30'000, 'x'), std::wstring(30'000, L'x')},
-          {"\xF0\x9F\x98\x80", {wchar_t(0xD83D), wchar_t(0xDE00)}},
-          {"", L""}}) {
-        EXPECT_NE(WindowsUtil::CallSetWindowText(window.get(), utf8.c_str()), 0);
-        std::vector<wchar_t> text(100'000);
-        GetWindowTextW(window.get(), text.data(), 100'000);
-        EXPECT_EQ(text.data(), utf16);
-    }
+    const std::string text = std::string(30'000, 'x') + "\xF0\x9F\x98\x80";
+    EXPECT_NE(WindowsUtil::CallSetWindowText(window.get(), text.c_str()), 0);
+    std::vector<wchar_t> shown(100'000);
+    GetWindowTextW(window.get(), shown.data(), 100'000);
+    EXPECT_EQ(shown.data(), std::wstring(30'000, L'x') + L"\xD83D\xDE00");
 }
 
 TEST(WindowsUtilCalls, ProfileValuesComeFromUtf8Names) {

@@ -44,34 +44,19 @@ TEST(UrlParser, ItsOwnTextAndNoTextMayBeParsed) {
     EXPECT_EQ(PartsOf(parser), kNoParts);
 }
 
-std::vector<std::string> Split(const std::string& text, char separator) {
-    std::vector<std::string> pieces(1);
-    for (const char c : text) {
-        if (c == separator) {
-            pieces.emplace_back();
-        } else {
-            pieces.back() += c;
-        }
-    }
-    return pieces;
-}
-
-/// The components as the expression gives them and the parameters by plain splitting; false when refused.
+/// The components and the parameters as expressions give them; false when refused.
 bool ParseByExpression(const std::string& url, std::vector<std::string>& parts, Parameters& parameters) {
-    static const std::regex expression(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
+    static const std::regex whole(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
+    static const std::regex pairs("([^=&]*=[^=&]*(&[^=&]*=[^=&]*)*)?");
+    static const std::regex pair("([^=&]*)=([^=&]*)");
     std::smatch match;
-    if (!std::regex_match(url, match, expression)) {
+    if (!std::regex_match(url, match, whole) || !std::regex_match(match.str(7), pairs)) {
         return false;
     }
     parts = {url, match.str(2), match.str(4), match.str(5), match.str(7), match.str(9)};
     parameters.clear();
-    for (const std::string& piece : Split(match.str(7), '&')) {
-        const auto pair = Split(piece, '=');
-        if (pair.size() == 2) {
-            parameters[pair[0]] = pair[1];
-        } else if (match.length(7) != 0) {
-            return false;
-        }
+    for (std::sregex_iterator at(match[7].first, match[7].second, pair); at != std::sregex_iterator(); ++at) {
+        parameters[at->str(1)] = at->str(2);
     }
     return true;
 }
