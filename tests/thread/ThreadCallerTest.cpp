@@ -85,9 +85,10 @@ TEST(ThreadCaller, ACopyNeverJoinsOrDeletesASecondTime) {
     source->Start(&WaitFor, &event, "source", 5);
     ThreadCaller copied(*source);
     ThreadCaller assigned;
-    assigned.Start(&Count, &runs, "would be lost");
+    const auto countLate = [](void* counter) { return Thread::Sleep(20), Count(counter); };
+    assigned.Start(countLate, &runs, "would be lost");
     assigned = *source;
-    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(runs, 1) << "not waited for";
     ThreadCaller& same = *source;
     *source = same;
     for (ThreadCaller* const copy : {&copied, &assigned}) {
