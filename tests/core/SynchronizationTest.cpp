@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <latch>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -49,27 +50,15 @@ TEST(Mutex, LetsOneThreadInAtATime) {
 }
 
 TEST(Semaphore, NeverExceedsItsMaximum) {
-    struct Case {
-        unsigned int initial;
-        unsigned int maximum;
-        unsigned int post;
-        bool accepted;
-    };
-    for (const Case& c :
-         {Case{0, 4, 4, true}, Case{0, 4, 5, false}, Case{4, 4, 1, false}, Case{9, 4, 1, false},
-          Case{3, 4, 1, true}, Case{0, 0, 1, false}, Case{1, 0xFFFFFFFF, 0x7FFFFFFE, true},
-          Case{1, 0xFFFFFFFF, 0x7FFFFFFF, false}, Case{2, 4, 0xFFFFFFFF, false}}) {
-        Semaphore semaphore(c.initial, c.maximum);
-        EXPECT_EQ(semaphore.Post(c.post), c.accepted ? 0U : VELM_ERROR_CORE_LIMIT_EXCEEDED)
-            << c.initial << " of " << c.maximum << " plus " << c.post;
+    const unsigned int cases[][3] = {{0, 4, 4}, {3, 4, 1}, {9, 4, 0}, {0, 0, 0}, {1, 0xFFFFFFFF, 0x7FFFFFFE}};
+    for (const auto& [initial, maximum, most] : cases) {
+        SCOPED_TRACE(testing::Message() << initial << " of " << maximum);
+        Semaphore semaphore(initial, maximum);
+        EXPECT_EQ(semaphore.Post(most + 1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.Post(0xFFFFFFFF), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.Post(most), 0U) << "a refused post leaves the count";
+        EXPECT_EQ(semaphore.Post(1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
     }
-    // A refused post leaves the count: exactly the three that were there can be taken.
-    Semaphore semaphore(3, 4);
-    EXPECT_EQ(semaphore.Post(2), VELM_ERROR_CORE_LIMIT_EXCEEDED);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(semaphore.Wait(), 0U);
-    }
-    EXPECT_EQ(semaphore.Post(4), 0U);
 }
 
 // A lost wake-up leaves both threads waiting for good. Run for longer with VELM_PING_PONG_ROUNDS=10000000.
@@ -91,108 +80,83 @@ TEST(Semaphore, LosesNoWakeUpInPingPong) {
     other.join();
 }
 
+/// Threads that each wait once.
+template <typename Object>
+struct Waiters {
+    Waiters(Object& object, int count) : begun(count + 1) {
+        for (int i = 0; i < count; ++i) {
+            threads.emplace_back([this, &object] {
+                begun.arrive_and_wait();
+                (object.Wait() == 0 ? released : turnedAway) += 1;
+            });
+        }
+        begun.arrive_and_wait();
+        // Give the last one the time to get from there into Wait.
+        std::this_thread::sleep_for(5ms);
+    }
+
+    /// Waits until so many were released, and for a while whether it stays with them.
+    void ExpectReleased(int count) {
+        while (released < count) {
+            std::this_thread::sleep_for(1ms);
+        }
+        std::this_thread::sleep_for(10ms);
+        EXPECT_EQ(released, count);
+    }
+
+    std::latch begun;
+    std::atomic<int> released{0};
+    std::atomic<int> turnedAway{0};
+    std::vector<std::jthread> threads;
+};
+
 TEST(Semaphore, WakesAsManyAsWerePosted) {
-    constexpr unsigned int kThreads = 8;
-    Semaphore semaphore(0, kThreads);
-    std::atomic<unsigned int> woken{0};
-    std::vector<std::thread> threads;
-    for (unsigned int i = 0; i < kThreads; ++i) {
-        threads.emplace_back([&] {
-            semaphore.Wait();
-            ++woken;
-        });
-    }
-    std::this_thread::sleep_for(20ms);
+    Semaphore semaphore(0, 8);
+    Waiters waiters(semaphore, 8);
     semaphore.Post(3);
-    while (woken != 3) {
-        std::this_thread::sleep_for(1ms);
+    waiters.ExpectReleased(3);
+    semaphore.Post(5);
+    waiters.ExpectReleased(8);
+}
+
+TEST(SyncEvent, AutoResetReleasesOneWaiterForEachSet) {
+    SyncEvent event(false, false);
+    Waiters waiters(event, 3);
+    for (int released = 0; released < 3; ++released) {
+        waiters.ExpectReleased(released);
+        event.Set();
     }
-    std::this_thread::sleep_for(20ms);
-    EXPECT_EQ(woken, 3U);
-    semaphore.Post(kThreads - 3);
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(woken, kThreads);
+}
+
+TEST(SyncEvent, ManualResetReleasesEveryWait) {
+    SyncEvent event(true, false);
+    Waiters waiters(event, 3);
+    waiters.ExpectReleased(0);
+    event.Set();
+    waiters.ExpectReleased(3);
+    EXPECT_EQ(event.Wait(), 0U);
+    EXPECT_EQ(SyncEvent(false, true).Wait(), 0U) << "set from the start";
 }
 
 TEST(Semaphore, DestructorTurnsEveryBlockedThreadAway) {
     for (int round = 0; round < 50; ++round) {
-        constexpr int kThreads = 6;
         auto semaphore = std::make_unique<Semaphore>(0, 1);
-        std::atomic<int> begun{0};
-        std::atomic<int> turnedAway{0};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < kThreads; ++i) {
-            threads.emplace_back([&, shared = semaphore.get()] {
-                ++begun;
-                turnedAway += shared->Wait() == VELM_ERROR_CORE_ILLEGAL_CALL;
-            });
-        }
-        while (begun != kThreads) {
-            std::this_thread::yield();
-        }
-        // Only threads inside Wait are protected; give the last one the time to get there.
-        std::this_thread::sleep_for(5ms);
+        Waiters waiters(*semaphore, 6);
         semaphore.reset();
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-        EXPECT_EQ(turnedAway, kThreads);
+        waiters.threads.clear();
+        EXPECT_EQ(waiters.turnedAway, 6);
     }
 }
 
 TEST(Semaphore, MayBeDestroyedByTheThreadThatAPostWakes) {
     for (int round = 0; round < 2'000; ++round) {
         auto* const semaphore = new Semaphore(0, 1);
-        std::thread waiter([semaphore] {
+        std::jthread waiter([semaphore] {
             semaphore->Wait();
             delete semaphore;
         });
         semaphore->Post(1);
-        waiter.join();
     }
-}
-
-TEST(SyncEvent, AutoResetReleasesOneWaiterForEachSet) {
-    SyncEvent event(false, false);
-    std::atomic<int> released{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i) {
-        threads.emplace_back([&] {
-            event.Wait();
-            ++released;
-        });
-    }
-    for (int expected = 1; expected <= 3; ++expected) {
-        std::this_thread::sleep_for(10ms);
-        EXPECT_EQ(released, expected - 1);
-        event.Set();
-        while (released != expected) {
-            std::this_thread::sleep_for(1ms);
-        }
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
-
-TEST(SyncEvent, FlagsChooseManualResetAndInitialState) {
-    SyncEvent manual(true, true);
-    EXPECT_EQ(manual.Wait(), 0U);
-    EXPECT_EQ(manual.Wait(), 0U);
-
-    SyncEvent automatic(false, true);
-    EXPECT_EQ(automatic.Wait(), 0U);
-    std::atomic<bool> released{false};
-    std::thread waiter([&] {
-        automatic.Wait();
-        released = true;
-    });
-    std::this_thread::sleep_for(10ms);
-    EXPECT_FALSE(released);
-    automatic.Set();
-    waiter.join();
 }
 
 }  // namespace

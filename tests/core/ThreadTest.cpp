@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -17,6 +18,11 @@
 
 namespace velm {
 namespace {
+
+void Start(Thread& thread, int (*function)(void*), void* argument, const ThreadConfig& config = {}) {
+    ASSERT_EQ(thread.Initialize(config, function, argument), 0U);
+    ASSERT_EQ(thread.Start(nullptr), 0U);
+}
 
 TEST(Thread, RunsItsFunctionAndHandsBackTheExitCode) {
     int value = 41;
@@ -52,111 +58,78 @@ TEST(Thread, RefusesCallsOutOfOrder) {
 
 TEST(Thread, AnExceptionEndsTheThreadAndNotTheProcess) {
     Thread thread;
-    const auto fail = [](void*) -> int { throw std::runtime_error("on purpose"); };
-    ASSERT_EQ(thread.Initialize(ThreadConfig(), fail, nullptr), 0U);
-    ASSERT_EQ(thread.Start(nullptr), 0U);
+    Start(
+        thread, [](void*) -> int { throw std::runtime_error("on purpose"); }, nullptr);
     unsigned long long exitCode = 5;
     EXPECT_EQ(thread.Join(&exitCode), VELM_ERROR_CORE_THREAD_EXCEPTION);
     EXPECT_EQ(exitCode, 5U);
 }
 
 TEST(Thread, CannotJoinItself) {
-    struct Shared {
-        Thread thread;
-        ErrorCode result;
-    } shared;
-    const auto joinSelf = [](void* argument) {
-        auto* const self = static_cast<Shared*>(argument);
-        self->result = self->thread.Join(nullptr);
+    Thread thread;
+    const auto joinSelf = [](void* self) {
+        EXPECT_EQ(static_cast<Thread*>(self)->Join(nullptr), VELM_ERROR_CORE_ILLEGAL_CALL);
         return 0;
     };
-    ASSERT_EQ(shared.thread.Initialize(ThreadConfig(), joinSelf, &shared), 0U);
-    ASSERT_EQ(shared.thread.Start(nullptr), 0U);
-    ASSERT_EQ(shared.thread.Join(nullptr), 0U);
-    EXPECT_EQ(shared.result, VELM_ERROR_CORE_ILLEGAL_CALL);
+    Start(thread, joinSelf, &thread);
+    EXPECT_EQ(thread.Join(nullptr), 0U);
 }
 
 TEST(Thread, DestructionWaitsForARunningThread) {
     bool ended = false;
+    const auto slow = [](void* argument) {
+        Thread::Sleep(20);
+        *static_cast<bool*>(argument) = true;
+        return 0;
+    };
     {
         Thread thread;
-        const auto slow = [](void* argument) {
-            Thread::Sleep(20);
-            *static_cast<bool*>(argument) = true;
-            return 0;
-        };
-        ASSERT_EQ(thread.Initialize(ThreadConfig(), slow, &ended), 0U);
-        ASSERT_EQ(thread.Start(nullptr), 0U);
+        Start(thread, slow, &ended);
     }
     EXPECT_TRUE(ended);
 }
 
 TEST(Thread, MayDestroyItsOwnObject) {
-    struct Shared {
-        std::unique_ptr<Thread> thread = std::make_unique<Thread>();
-        SyncEvent destroyed{false, false};
-    };
-    static Shared shared;
+    static auto thread = std::make_unique<Thread>();
+    static SyncEvent destroyed(false, false);
     const auto destroySelf = [](void*) {
-        shared.thread.reset();
-        shared.destroyed.Set();
+        thread.reset();
+        destroyed.Set();
         return 0;
     };
-    ASSERT_EQ(shared.thread->Initialize(ThreadConfig(), destroySelf, nullptr), 0U);
-    ASSERT_EQ(shared.thread->Start(nullptr), 0U);
-    shared.destroyed.Wait();
-    EXPECT_EQ(shared.thread, nullptr);
+    Start(*thread, destroySelf, nullptr);
+    destroyed.Wait();
+    EXPECT_EQ(thread, nullptr);
 }
 
-/// The system's own name of the calling thread, or "?" where it does not tell.
-std::string SystemName() {
+/// Puts the system's own name of the calling thread into a std::wstring.
+int LookUpName(void* result) {
+    auto& name = *static_cast<std::wstring*>(result);
 #ifdef _WIN32
-    using GetThreadDescriptionCall = HRESULT(WINAPI*)(HANDLE, PWSTR*);
-    const auto call = reinterpret_cast<GetThreadDescriptionCall>(
+    const auto getThreadDescription = reinterpret_cast<HRESULT(WINAPI*)(HANDLE, PWSTR*)>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "GetThreadDescription")));
-    PWSTR name = nullptr;
-    if (call == nullptr || call(GetCurrentThread(), &name) < 0) {
-        return "?";
+    PWSTR text = nullptr;
+    if (getThreadDescription != nullptr && getThreadDescription(GetCurrentThread(), &text) >= 0) {
+        name = text;
+        LocalFree(text);
     }
-    std::string ascii;
-    for (const wchar_t* next = name; *next != 0; ++next) {
-        ascii += static_cast<char>(*next);
-    }
-    LocalFree(name);
-    return ascii;
 #else
-    char name[16] = {};
-    pthread_getname_np(pthread_self(), name, sizeof name);
-    return name;
+    char text[16] = {};
+    pthread_getname_np(pthread_self(), text, sizeof text);
+    name.assign(text, text + std::strlen(text));
 #endif
+    return 0;
 }
 
 TEST(Thread, TellsTheSystemItsName) {
-    std::string seen;
+    std::wstring seen;
     ThreadConfig config;
     config.SetName("audio consumer thread");
     Thread thread;
-    const auto look = [](void* argument) {
-        *static_cast<std::string*>(argument) = SystemName();
-        return 0;
-    };
-    ASSERT_EQ(thread.Initialize(config, look, &seen), 0U);
-    ASSERT_EQ(thread.Start(nullptr), 0U);
+    Start(thread, LookUpName, &seen, config);
     ASSERT_EQ(thread.Join(nullptr), 0U);
     // Linux keeps 15 bytes.
-    EXPECT_TRUE(seen == "audio consumer thread" || seen == "audio consumer ") << seen;
-}
-
-TEST(ThreadConfig, KeepsItsOwnCopyOfTheName) {
-    std::string name = "worker";
-    ThreadConfig config;
-    EXPECT_STREQ(config.GetName(), "");
-    config.SetName(name.c_str());
-    name = "xxxxxx";
-    const ThreadConfig copy(config);
-    config.SetName(nullptr);
-    EXPECT_STREQ(copy.GetName(), "worker");
-    EXPECT_STREQ(config.GetName(), "");
+    EXPECT_TRUE(seen == L"audio consumer thread" || seen == L"audio consumer ");
 }
 
 }  // namespace

@@ -16,65 +16,33 @@ std::string PluginPath(const std::string& name) {
     return path;
 }
 
-/// Keeps a plug-in loaded and reads its counts.
-class Counters {
-public:
-    explicit Counters(const std::string& path) : m_module(WindowsUtil::CallLoadLibrary(path.c_str())) {}
-    ~Counters() { FreeLibrary(m_module); }
-    Counters(const Counters&) = delete;
-    Counters& operator=(const Counters&) = delete;
-
-    bool AreLoaded() const { return m_module != nullptr; }
-    int Allocated() const { return Call("GetAllocatedCount"); }
-    int Released() const { return Call("GetReleasedCount"); }
-
-private:
-    int Call(const char* name) const {
-        return reinterpret_cast<int (*)()>(reinterpret_cast<void*>(GetProcAddress(m_module, name)))();
-    }
-
-    HMODULE m_module;
-};
-
 TEST(LoadClassPointerFromDll, GivesTheStatusOfEachStep) {
-    struct Case {
-        std::string path;
-        int status;
-    };
-    const Case kCases[] = {
-        {PluginPath("sample_plugin"), 0},
-        {PluginPath("sample_plugin_without_release"), 0},
-        {PluginPath("no_such_plugin"), 1},
-        {"", 1},
-        {PluginPath("sample_plugin_without_allocate"), 2},
-        {PluginPath("sample_plugin_without_object"), 3},
-    };
-    LoadClassPointerFromDll reused;
-    for (const Case& test : kCases) {
-        SCOPED_TRACE(test.path);
-        for (LoadClassPointerFromDll* plugin : {&reused, new LoadClassPointerFromDll}) {
-            int marker = 0;
-            void* object = &marker;
-            EXPECT_EQ(plugin->Initialize(test.path.c_str(), &object), test.status);
-            EXPECT_EQ(object == nullptr, test.status != 0);
-            EXPECT_NE(object, &marker);
-            if (plugin != &reused) {
-                EXPECT_EQ(plugin->Terminate(), 0);
-                EXPECT_EQ(plugin->Terminate(), 0);
-                delete plugin;
-            }
-        }
+    LoadClassPointerFromDll plugin;
+    int marker = 0;
+    void* object = &marker;
+    for (const auto& [name, status] : {std::pair{"sample_plugin_without_release", 0},
+                                       {"sample_plugin", 0},
+                                       {"no_such_plugin", 1},
+                                       {"sample_plugin_without_allocate", 2},
+                                       {"sample_plugin_without_object", 3}}) {
+        object = &marker;
+        EXPECT_EQ(plugin.Initialize(PluginPath(name).c_str(), &object), status) << name;
+        EXPECT_EQ(object == nullptr, status != 0) << name;
+        EXPECT_NE(object, &marker);
     }
-    void* object = nullptr;
-    EXPECT_EQ(reused.Initialize(nullptr, &object), 1);
-    EXPECT_EQ(reused.Initialize(PluginPath("sample_plugin").c_str(), nullptr), 1);
+    EXPECT_EQ(plugin.Initialize(PluginPath("sample_plugin").c_str(), nullptr), 1);
 }
 
 TEST(LoadClassPointerFromDll, ReleasesEachObjectOnceWhoeverGoesFirst) {
     const std::string path = PluginPath("sample_plugin");
-    const Counters counters(path);
-    ASSERT_TRUE(counters.AreLoaded());
+    const HMODULE module = WindowsUtil::CallLoadLibrary(path.c_str());
+    ASSERT_NE(module, nullptr);
+    const auto released = [module] {
+        void* const function = reinterpret_cast<void*>(GetProcAddress(module, "GetReleasedCount"));
+        return reinterpret_cast<int (*)()>(function)();
+    };
     void* object = nullptr;
+    const int before = released();
     {
         LoadClassPointerFromDll source;
         ASSERT_EQ(source.Initialize(path.c_str(), &object), 0);
@@ -83,23 +51,18 @@ TEST(LoadClassPointerFromDll, ReleasesEachObjectOnceWhoeverGoesFirst) {
             copy = source;
             copy.Terminate();
         }
-        EXPECT_EQ(counters.Released(), 0) << "the copy released its source's object";
-        LoadClassPointerFromDll outlives(source);
         LoadClassPointerFromDll& same = source;
         source = same;
-        EXPECT_EQ(counters.Released(), 0);
-        source.Terminate();
-        EXPECT_EQ(counters.Released(), 1);
+        EXPECT_EQ(released(), before) << "the copy released its source's object";
+        ASSERT_EQ(source.Initialize(path.c_str(), &object), 0);
+        EXPECT_EQ(released(), before + 1) << "a second Initialize lost the first object";
+        const LoadClassPointerFromDll copy(source);
+        source = copy;
+        EXPECT_EQ(released(), before + 2) << "an assignment lost the object";
+        ASSERT_EQ(source.Initialize(path.c_str(), &object), 0);
     }
-    EXPECT_EQ(counters.Released(), 1);
-
-    LoadClassPointerFromDll again;
-    ASSERT_EQ(again.Initialize(path.c_str(), &object), 0);
-    ASSERT_EQ(again.Initialize(path.c_str(), &object), 0);
-    EXPECT_EQ(counters.Released(), 2) << "a second Initialize lost the first object";
-    again = LoadClassPointerFromDll();
-    EXPECT_EQ(counters.Allocated(), 3);
-    EXPECT_EQ(counters.Released(), 3);
+    EXPECT_EQ(released(), before + 3);
+    FreeLibrary(module);
 }
 
 }  // namespace

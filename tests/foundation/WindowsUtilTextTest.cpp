@@ -28,12 +28,7 @@ template struct Private<&WindowsUtil::GetWstringFromString, &WindowsUtil::GetStr
 
 constexpr unsigned int kUtf8 = 65001;
 
-std::string operator""_s(const char* text, std::size_t size) {
-    return {text, size};
-}
-std::wstring operator""_s(const wchar_t* text, std::size_t size) {
-    return {text, size};
-}
+using namespace std::string_literals;
 
 TEST(WindowsUtilText, DecodesEveryByteAsTheSystemDoes) {
     const struct {
@@ -42,25 +37,22 @@ TEST(WindowsUtilText, DecodesEveryByteAsTheSystemDoes) {
         std::wstring out;
     } rows[] = {
         {kUtf8, "", L""},
-        {kUtf8, "a\0b"_s, L"a\0b"_s},
+        {kUtf8, std::string(1 << 20, 'x'), std::wstring(1 << 20, L'x')},
+        {kUtf8, "a\0b"s, L"a\0b"s},
         {kUtf8, "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF", L"\x7F\x80\x7FF\x800\xFFFF"},
-        {kUtf8, "\xED\x9F\xBF\xEE\x80\x80\xEF\xB7\x90\xEF\xBF\xBE", L"\xD7FF\xE000\xFDD0\xFFFE"},
-        {kUtf8, "\xEF\xBB\xBF"_s + "a", L"\xFEFF\x61"},
+        {kUtf8, "\xEF\xBB\xBF\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBE", L"\xFEFF\xD7FF\xE000\xFFFE"},
         {kUtf8, "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\xD800\xDC00\xDBFF\xDFFF"},
         // no lead bytes
-        {kUtf8, "\x80\xBF\xFE\xFF", L"\xFFFD\xFFFD\xFFFD\xFFFD"},
-        {kUtf8, "\xF5\x80\x80\x80", L"\xFFFD\xFFFD\xFFFD\xFFFD"},
+        {kUtf8, "\x80\xBF\xFE\xFF\xF5\x80", std::wstring(6, 0xFFFD)},
         // overlong forms
-        {kUtf8, "\xC0\x80\xC1\xBF", L"\xFFFD\xFFFD\xFFFD\xFFFD"},
-        {kUtf8, "\xE0\x80\x80\xE0\x9F\xBF", L"\xFFFD\xFFFD\xFFFD\xFFFD"},
-        {kUtf8, "\xF0\x80\x80\x80\xF0\x8F\xBF\xBF", L"\xFFFD\xFFFD\xFFFD\xFFFD\xFFFD\xFFFD"},
+        {kUtf8, "\xC0\x80\xC1\xBF\xE0\x80\x80\xE0\x9F\xBF", std::wstring(8, 0xFFFD)},
+        {kUtf8, "\xF0\x80\x80\x80\xF0\x8F\xBF\xBF", std::wstring(6, 0xFFFD)},
         // surrogates, and beyond U+10FFFF
-        {kUtf8, "\xED\xA0\xBD\xED\xB8\x80", L"\xFFFD\xFFFD\xFFFD\xFFFD"},
-        {kUtf8, "\xF4\x90\x80\x80", L"\xFFFD\xFFFD\xFFFD"},
+        {kUtf8, "\xED\xA0\xBD\xED\xB8\x80\xF4\x90\x80\x80", std::wstring(7, 0xFFFD)},
         // broken off by another character, by a lead byte, by a NUL
         {kUtf8, "\xC2\x41\xE2\x82\x41\xF0\x9F\x98\x41z", L"\xFFFD\x41\xFFFD\x41\xFFFD\x41z"},
         {kUtf8, "\xC2\xC2\xA9\xE2\x82\xE2\x82\xAC", L"\xFFFD\xA9\xFFFD\x20AC"},
-        {kUtf8, "\xE2\x82\0z"_s, L"\xFFFD\0z"_s},
+        {kUtf8, "\xE2\x82\0z"s, L"\xFFFD\0z"s},
         {kUtf8, "\xF1\x80\x80\xC0", L"\xFFFD\xFFFD"},
         // broken off by the end of the text
         {kUtf8, "a\xC2", L"a\xFFFD"},
@@ -68,18 +60,17 @@ TEST(WindowsUtilText, DecodesEveryByteAsTheSystemDoes) {
         {kUtf8, "a\xF0\x9F\x98", L"a\xFFFD"},
         {kUtf8, "\xE2\x41", L"\xFFFD"},
         {kUtf8, "\xF0\x41", L"\xFFFD"},
-        {1, "caf\x82 \x9C\xE0\0\xFF"_s, L"caf\xE9 \xA3\x3B1\0\xA0"_s},
+        {1, "caf\x82 \x9C\xE0\0\xFF"s, L"caf\xE9 \xA3\x3B1\0\xA0"s},
         {437, "\x01\x1A\x7F\x80", L"\x01\x1A\x7F\xC7"},
-        {850, "\xD5\x9E", L"\x131\xD7"},
         {866, "\x8F\xE0\xA8", L"\x41F\x440\x438"},
         {1252, "\x80\x81\x9F", L"\x20AC\x81\x178"},
-        {932, "\x82\xA0\xB1\x5C\x7E", L"\x3042\xFF71\\~"},
-        {932, "\x81\x5F\x81\x60\xFA\x40\xED\x40\xF0\x40", L"\xFF3C\xFF5E\x2170\x7E8A\xE000"},
-        {932, "\x80\xA0\xFD\xFE\xFF", L"\x80\xF8F0\xF8F1\xF8F2\xF8F3"},
+        {932, "\x82\xA0\xB1\\~\x81\x5F\x81\x60\x80\xA0\xFD\xFF",
+         L"\x3042\xFF71\\~\xFF3C\xFF5E\x80\xF8F0\xF8F1\xF8F3"},
+        {932, "\xFA\x40\xED\x40\xF0\x40", L"\x2170\x7E8A\xE000"},
         // no such pair; a lead byte at the end or before a NUL
         {932, "\x85\x40\x81\x20\x81\xFFz", L"\x30FB\x30FB\x30FBz"},
         {932, "a\x81", L"a\x30FB"},
-        {932, "\x81\0x"_s, L"\x30FB\0x"_s},
+        {932, "\x81\0x"s, L"\x30FB\0x"s},
         {932, "\x81\x81\x81", L"\xFF1D\x30FB"},
     };
     for (const auto& row : rows) {
@@ -96,9 +87,9 @@ TEST(WindowsUtilText, EncodesEveryUnitAsTheSystemDoes) {
         std::string out;
     } rows[] = {
         {kUtf8, L"", ""},
-        {kUtf8, L"ab\0cd"_s, "ab"},
+        {kUtf8, std::wstring(1 << 20, L'x'), std::string(1 << 20, 'x')},
+        {kUtf8, L"ab\0cd"s, "ab"},
         {kUtf8, L"\x7F\x80\x7FF\x800\xFFFF", "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
-        {kUtf8, L"\xFFFE\xFDD0\xFEFF", "\xEF\xBF\xBE\xEF\xB7\x90\xEF\xBB\xBF"},
         {kUtf8, L"\xD83D\xDE00\xDBFF\xDFFF", "\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"},
         // unpaired surrogates: alone, in the wrong order, before a pair, at the end
         {kUtf8, L"\xDE00\xD83Dz", "\xEF\xBF\xBD\xEF\xBF\xBDz"},
@@ -108,8 +99,7 @@ TEST(WindowsUtilText, EncodesEveryUnitAsTheSystemDoes) {
         {1, L"\xD83D\xDE00z\xD83D", "??z?"},
         {437, L"\x101\x160\x141\xC3\xFF21\xFF01", "aSLAA!"},
         {437, L"\x3042\x416\xFFFF\xFEFF", "????"},
-        {850, L"\x131\xD7\x101\x3042", "\xD5\x9E"_s + "a?"},
-        {866, L"\x416\xE9\xFF\x101\xDF", "\x86"_s + "eya?"},
+        {866, L"\x416\xE9\xFF\x101\xDF", "\x86"s + "eya?"},
         {932, L"\x3042\xFF71\\~\xFF3C\xFF5E", "\x82\xA0\xB1\\~\x81\x5F\x81\x60"},
         {932, L"\xE9\xF8\x101\xAC00\x80\xF8F0\x2252", "eo??\x80\xA0\x81\xE0"},
     };
@@ -122,45 +112,29 @@ TEST(WindowsUtilText, EncodesEveryUnitAsTheSystemDoes) {
 
 TEST(WindowsUtilText, ChainedAndPlatformTextFormsAgreeWithTheirParts) {
     std::string out = "old";
-    EXPECT_EQ(WindowsUtil::GetOemcpStringFromUtf8String("\xC3\xA9\0x"_s, out), 0U);
+    EXPECT_EQ(WindowsUtil::GetOemcpStringFromUtf8String("\xC3\xA9\0x"s, out), 0U);
     EXPECT_EQ(out, "\x82");
-    EXPECT_EQ(WindowsUtil::GetUtf8StringFromOemcpString("\x82\0x"_s, out), 0U);
+    EXPECT_EQ(WindowsUtil::GetUtf8StringFromOemcpString("\x82\0x"s, out), 0U);
     EXPECT_EQ(out, "\xC3\xA9");
-    EXPECT_EQ(WindowsUtil::GetUtf8StringFromTstring(L"\xE9\0x"_s, out), 0U);
+    EXPECT_EQ(WindowsUtil::GetUtf8StringFromTstring(L"\xE9\0x"s, out), 0U);
     EXPECT_EQ(out, "\x82") << "platform text goes to the OEM code page";
-    EXPECT_EQ(WindowsUtil::GetUtf8StringFromWstring(L"\xE9", out), 0U);
-    EXPECT_EQ(out, "\xC3\xA9");
     std::wstring wide = L"old";
-    EXPECT_EQ(WindowsUtil::GetWStringFromTstring(L"ab\0cd"_s, wide), 0U);
+    EXPECT_EQ(WindowsUtil::GetWStringFromTstring(L"ab\0cd"s, wide), 0U);
     EXPECT_EQ(wide, L"ab");
-}
-
-TEST(WindowsUtilText, UnknownCodePageLeavesTheResultAlone) {
-    std::wstring wide = L"old";
-    EXPECT_TRUE(DecodeFunction()(99999, "a", wide).IsFailed());
-    EXPECT_EQ(wide, L"old");
-    std::string out = "old";
-    EXPECT_EQ(EncodeFunction()(L"a", 99999, out), VELM_ERROR_UTIL_INVALID_PARAM);
-    EXPECT_EQ(out, "old");
 }
 
 TEST(WindowsUtilText, NewBufferHasTheTerminatorAndOneMore) {
     const struct {
         const char* in;
         int inLength;
-        bool converts;
-        std::wstring out;
-    } rows[] = {
-        {"abc", -1, true, L"abc\0"_s},  {"abc", 2, true, L"ab"},         {"", -1, true, L"\0"_s},
-        {"abc", 0, false, L""},         {nullptr, -1, false, L""},       {"a\0c", 3, true, L"a\0c"_s},
-        {"\xC3\xA9", 2, true, L"\xE9"}, {"a\xE2", -1, true, L"a\xFFFD"},
-    };
+        std::wstring out;  // none: refused
+    } rows[] = {{"abc", -1, L"abc\0"s}, {"abc", 2, L"ab"}, {"abc", 0, L""}, {nullptr, -1, L""}};
     for (const auto& row : rows) {
         auto* out = reinterpret_cast<wchar_t*>(1);
         int length = -1;
-        EXPECT_EQ(ConvertFunction()(kUtf8, &out, &length, row.in, row.inLength), row.converts);
+        EXPECT_EQ(ConvertFunction()(kUtf8, &out, &length, row.in, row.inLength), !row.out.empty());
         const std::unique_ptr<wchar_t[]> guard(out);
-        ASSERT_EQ(out != nullptr, row.converts);
+        ASSERT_EQ(out == nullptr, row.out.empty());
         EXPECT_EQ(length, static_cast<int>(row.out.size()));
         if (out != nullptr) {
             EXPECT_EQ(std::wstring(out, row.out.size() + 1), row.out + L'\0');
@@ -169,25 +143,6 @@ TEST(WindowsUtilText, NewBufferHasTheTerminatorAndOneMore) {
     wchar_t* out = nullptr;
     EXPECT_TRUE(ConvertFunction()(kUtf8, &out, nullptr, "a", 1));
     delete[] out;
-    EXPECT_FALSE(ConvertFunction()(99999, &out, nullptr, "a", 1));
-    EXPECT_EQ(out, nullptr);
-}
-
-TEST(WindowsUtilText, AMegabyteKeepsEveryByteOfItsOrder) {
-    std::string text;
-    while (text.size() < 1U << 20) {
-        text += "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";
-    }
-    std::wstring wide;
-    std::string back;
-    ASSERT_EQ(WindowsUtil::GetWstringFromUtf8String(text, wide), 0U);
-    ASSERT_EQ(WindowsUtil::GetUtf8StringFromWstring(wide, back), 0U);
-    EXPECT_EQ(back, text);
-    const std::string oem = std::string(1 << 20, '\x82') + "z";
-    ASSERT_EQ(WindowsUtil::GetUtf8StringFromOemcpString(oem, back), 0U);
-    ASSERT_EQ(back.size(), (2U << 20) + 1);
-    ASSERT_EQ(WindowsUtil::GetOemcpStringFromUtf8String(back, back), 0U);
-    EXPECT_EQ(back, oem);
 }
 
 }  // namespace

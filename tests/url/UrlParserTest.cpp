@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "RandomSeed.h"
+
 namespace velm {
 namespace {
 
@@ -21,107 +23,40 @@ std::vector<std::string> PartsOf(const UrlParser& parser) {
 
 const std::vector<std::string> kNoParts(6);
 
-TEST(UrlParser, ComponentsAreThoseOfRfc3986) {
-    const struct {
-        std::string url;
-        std::vector<std::string> parts;  // scheme, authority, path, query, fragment
-        Parameters parameters;
-    } cases[] = {
-        {"", {"", "", "", "", ""}, {}},
-        {"http://h/p?a=1&b=2#f", {"http", "h", "/p", "a=1&b=2", "f"}, {{"a", "1"}, {"b", "2"}}},
-        {"http://h/p?", {"http", "h", "/p", "", ""}, {}},
-        {"a/b:c", {"", "", "a/b:c", "", ""}, {}},
-        {"c:/x", {"c", "", "/x", "", ""}, {}},
-        {":x", {"", "", ":x", "", ""}, {}},
-        {"a:b:c", {"a", "", "b:c", "", ""}, {}},
-        {"//host/p", {"", "host", "/p", "", ""}, {}},
-        {"x:////p", {"x", "", "//p", "", ""}, {}},
-        {"//u:p@h:1?k=v", {"", "u:p@h:1", "", "k=v", ""}, {{"k", "v"}}},
-        {"a#b?c", {"", "", "a", "", "b?c"}, {}},
-        {"#a#b", {"", "", "", "", "a#b"}, {}},
-        {"/p\n?a\r=\n", {"", "", "/p\n", "a\r=\n", ""}, {{"a\r", "\n"}}},
-        {"x?b=2&a=1&b=3", {"", "", "x", "b=2&a=1&b=3", ""}, {{"a", "1"}, {"b", "3"}}},
-        {"x?=v&A=%41+&a=", {"", "", "x", "=v&A=%41+&a=", ""}, {{"", "v"}, {"A", "%41+"}, {"a", ""}}},
-    };
-    UrlParser parser;
-    for (auto expected : cases) {
-        SCOPED_TRACE(expected.url);
-        EXPECT_EQ(parser.Parse(expected.url.c_str()), 0U);
-        expected.parts.insert(expected.parts.begin(), expected.url);
-        EXPECT_EQ(PartsOf(parser), expected.parts);
-        EXPECT_EQ(parser.ParamMap(), expected.parameters);
-    }
-}
-
-TEST(UrlParser, FailureLeavesNothingOfEitherUrl) {
-    const char* const refused[] = {"x?a",      "x?a=1&", "x?&a=1", "x?a=1&&b=2", "x?a=b=c", "x?&",
-                                   "x?a=1&b#", "x#f\n",  "x#\rf",  "x?a=1#\n",   nullptr};
-    for (const char* const url : refused) {
-        SCOPED_TRACE(url != nullptr ? url : "null");
-        UrlParser parser;
-        ASSERT_EQ(parser.Parse("s://h/p?k=v#f"), 0U);
-        EXPECT_EQ(parser.Parse(url), VELM_ERROR_UTIL_INVALID_PARAM);
-        EXPECT_EQ(PartsOf(parser), kNoParts);
-        EXPECT_EQ(parser.ParamMap(), Parameters());
-    }
-}
-
 TEST(UrlParser, AskingForAnUnknownParameterAddsIt) {
     UrlParser parser;
     ASSERT_EQ(parser.Parse("x?a=1"), 0U);
     EXPECT_STREQ(parser.Param("a"), "1");
     EXPECT_STREQ(parser.Param("A"), "");
     EXPECT_EQ(parser.ParamMap(), (Parameters{{"A", ""}, {"a", "1"}}));
-    ASSERT_EQ(parser.Parse("y?b=2"), 0U);
-    EXPECT_EQ(parser.ParamMap(), (Parameters{{"b", "2"}}));
+    ASSERT_EQ(parser.Parse("y"), 0U);
+    EXPECT_EQ(parser.ParamMap(), Parameters());
 }
 
-TEST(UrlParser, CopiesShareNothingWithTheirSource) {
-    UrlParser source;
-    ASSERT_EQ(source.Parse("s://h/p?k=v#f"), 0U);
-    const auto parts = PartsOf(source);
-    UrlParser copy(source);
-    UrlParser assigned;
-    ASSERT_EQ(assigned.Parse("old?o=1"), 0U);
-    assigned = source;
-    const UrlParser& self = assigned;
-    assigned = self;
-    ASSERT_EQ(source.Parse(source.Path()), 0U);  // a text of its own
-    EXPECT_STREQ(source.Url(), "/p");
-    for (const UrlParser& each : {copy, assigned}) {
-        EXPECT_EQ(PartsOf(each), parts);
-        EXPECT_EQ(each.ParamMap(), (Parameters{{"k", "v"}}));
-    }
+TEST(UrlParser, ItsOwnTextAndNoTextMayBeParsed) {
+    UrlParser parser;
+    ASSERT_EQ(parser.Parse("s://h/p?k=v#f"), 0U);
+    const UrlParser copy(parser);
+    ASSERT_EQ(parser.Parse(parser.Path()), 0U);
+    EXPECT_STREQ(parser.Url(), "/p");
+    EXPECT_EQ(PartsOf(copy), (std::vector<std::string>{"s://h/p?k=v#f", "s", "h", "/p", "k=v", "f"}));
+    EXPECT_EQ(parser.Parse(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(PartsOf(parser), kNoParts);
 }
 
-std::vector<std::string> Split(const std::string& text, char separator) {
-    std::vector<std::string> pieces(1);
-    for (const char c : text) {
-        if (c == separator) {
-            pieces.emplace_back();
-        } else {
-            pieces.back() += c;
-        }
-    }
-    return pieces;
-}
-
-/// The components as the expression gives them and the parameters by plain splitting; false when refused.
+/// The components and the parameters as expressions give them; false when refused.
 bool ParseByExpression(const std::string& url, std::vector<std::string>& parts, Parameters& parameters) {
-    static const std::regex expression(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
+    static const std::regex whole(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
+    static const std::regex pairs("([^=&]*=[^=&]*(&[^=&]*=[^=&]*)*)?");
+    static const std::regex pair("([^=&]*)=([^=&]*)");
     std::smatch match;
-    if (!std::regex_match(url, match, expression)) {
+    if (!std::regex_match(url, match, whole) || !std::regex_match(match.str(7), pairs)) {
         return false;
     }
     parts = {url, match.str(2), match.str(4), match.str(5), match.str(7), match.str(9)};
     parameters.clear();
-    for (const std::string& piece : Split(match.str(7), '&')) {
-        const auto pair = Split(piece, '=');
-        if (pair.size() == 2) {
-            parameters[pair[0]] = pair[1];
-        } else if (match.length(7) != 0) {
-            return false;
-        }
+    for (std::sregex_iterator at(match[7].first, match[7].second, pair); at != std::sregex_iterator(); ++at) {
+        parameters[at->str(1)] = at->str(2);
     }
     return true;
 }
@@ -130,8 +65,7 @@ constexpr int kRounds = 1000000 / VELM_TEST_SLOWDOWN;
 
 TEST(UrlParser, EqualsTheExpressionOnRandomText) {
     const std::string_view alphabet = "::://///???###&&&&====aabZ09.-%+ \r\n\x7F\x80\xC3\xFF";
-    const auto seed = std::random_device()();
-    std::mt19937 random(seed);
+    std::mt19937 random = test::SeededRandom();
     UrlParser parser;
     std::string url;
     std::vector<std::string> parts;
@@ -144,9 +78,9 @@ TEST(UrlParser, EqualsTheExpressionOnRandomText) {
         }
         const bool expected = ParseByExpression(url, parts, parameters);
         accepted += expected ? 1 : 0;
-        ASSERT_EQ(parser.Parse(url.c_str()) == 0U, expected) << "seed " << seed << ", text \"" << url << '"';
-        ASSERT_EQ(PartsOf(parser), expected ? parts : kNoParts) << "seed " << seed;
-        ASSERT_EQ(parser.ParamMap(), expected ? parameters : Parameters()) << "seed " << seed;
+        ASSERT_EQ(parser.Parse(url.c_str()) == 0U, expected) << url;
+        ASSERT_EQ(PartsOf(parser), expected ? parts : kNoParts) << url;
+        ASSERT_EQ(parser.ParamMap(), expected ? parameters : Parameters()) << url;
     }
     EXPECT_GT(accepted, kRounds / 10);
     EXPECT_LT(accepted, kRounds);
