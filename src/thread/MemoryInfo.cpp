@@ -15,10 +15,6 @@ MemoryInfo* MemoryInfo::GetInstance() {
     return &instance;
 }
 
-/// Built while the library loads: for a first use the runtime of MinGW takes memory, and does not look
-/// whether it got any.
-[[maybe_unused]] static const MemoryInfo* const g_built = MemoryInfo::GetInstance();
-
 MemoryInfo::MemoryInfo() : mInitialized(0), mProcess(nullptr) {}
 
 MemoryInfo::MemoryInfo(const MemoryInfo& other) : MemoryInfo() {

@@ -40,10 +40,6 @@ Watchdog* Watchdog::GetInstance() {
     return &instance;
 }
 
-/// Built while the library loads: for a first use the runtime of MinGW takes memory, and does not look
-/// whether it got any.
-[[maybe_unused]] static const Watchdog* const g_built = Watchdog::GetInstance();
-
 void Watchdog::SetElapse(unsigned int milliseconds) {
     mElapse = milliseconds;
 }

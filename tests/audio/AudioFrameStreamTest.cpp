@@ -81,6 +81,7 @@ TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
         AudioFrameStream stream(samples, frames, channels, bits);
         EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(stream.Initialize(), VELM_ERROR_UTIL_NOT_INITIALIZED);
+        EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(stream.PushAllClearFrame(), 0U);
         EXPECT_EQ(stream.DropAllFrame(), 0U);
         EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
@@ -101,6 +102,11 @@ TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
         Blocked forced(wait);
         stream.UnlockForce();
         EXPECT_EQ(forced.Result(), VELM_ERROR_UTIL_UNKNOWN);
+        if (!full) {
+            Blocked renewed(wait);
+            ASSERT_EQ(stream.Initialize(), 0U) << "once more, which nobody should do";
+            EXPECT_EQ(renewed.Result(), VELM_ERROR_UTIL_UNKNOWN);
+        }
         Blocked ended(wait);
         stream.Terminate();
         EXPECT_EQ(ended.Result(), VELM_ERROR_UTIL_UNKNOWN);

@@ -95,6 +95,8 @@ TEST(AudioFrame, WriterTakesSizesOfEveryKind) {
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 4, 70'000, data.data()), 0U);
     EXPECT_EQ(frame.GetFrameBufferSize(), 70'006U);
     EXPECT_EQ(frame.GetDataBufferSize(), 70'000U % 65536U);
+    ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
+    EXPECT_EQ(frame.GetDataBuffer()[2], 4) << "its own frame, wrapped once more";
     EXPECT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 1, nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
     ExpectNoFrame(frame);
     EXPECT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 6, 0xFFFFFFFA, data.data()),

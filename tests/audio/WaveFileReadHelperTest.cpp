@@ -156,6 +156,11 @@ TEST(WaveFileReadHelper, ChecksItsArgumentsAndItsState) {
     EXPECT_EQ(helper.GetSampleRate(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
     EXPECT_EQ(helper.GetChannelNum(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
     EXPECT_EQ(helper.GetWaveData(buffer, &size, sizeof buffer, 10), VELM_ERROR_CORE_NOTHING_TO_READ);
+    Wave cut(Riff(Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("data", "abcd") +
+                  std::string("fmt \x12\0\0\0", 8)));
+    EXPECT_EQ(cut.ReadAll(), "abcd");
+    EXPECT_EQ(cut.helper.GetSampleRate(&value), 0U);
+    EXPECT_EQ(value, 8000U) << "of another format there is only the beginning";
     EXPECT_EQ(helper.GetWaveData(nullptr, &size, sizeof buffer, 10), VELM_ERROR_UTIL_INVALID_PARAM);
     EXPECT_EQ(helper.GetWaveData(buffer, nullptr, sizeof buffer, 10), VELM_ERROR_UTIL_INVALID_PARAM);
     EXPECT_EQ(helper.GetWaveData(buffer, &size, 0, 10), VELM_ERROR_UTIL_INVALID_PARAM);

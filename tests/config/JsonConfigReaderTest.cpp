@@ -89,6 +89,7 @@ TEST(JsonConfigReader, AnErrorOnEntryIsNeverASuccess) {
     EXPECT_FALSE(reader.getJsonValue(value, error));
     EXPECT_EQ(error, kError + "{\"a\":" + Repeat("[{\"a\":", 49)) << "behind the bracket of level 101";
     EXPECT_EQ(value.serialize(), "[1]") << "too deep a text is not parsed";
+    EXPECT_EQ(ParseText("[1 2\n" + Repeat("[", 200)), kError + "2") << "an error ahead of that bracket";
 }
 
 TEST(JsonConfigReader, RandomTextsGetPicojsonsAnswer) {

@@ -11,7 +11,8 @@ namespace {
 
 TEST(PathHelper, DirectoryEndsBeforeTheLastSeparator) {
     const char* const cases[][2] = {{"D:\\a.exe", "D:"},      {"/a", ""}, {"a.exe", "."},
-                                    {"C:/x\\y/z", "C:/x\\y"}, {"", "."},  {"dir\\", "dir"}};
+                                    {"C:/x\\y/z", "C:/x\\y"}, {"", "."},  {"dir\\", "dir"},
+                                    {"a/\\/b", "a"},          {"//b", ""}};
     for (const auto& [path, directory] : cases) {
         char out[260];
         ASSERT_EQ(PathHelper::GetFileDir(out, sizeof out, path), 0U) << path;

@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    std::size_t m_size;
+    [[maybe_unused]] std::size_t m_size;  // Windows frees by the address alone
     void* m_base;
 };
 

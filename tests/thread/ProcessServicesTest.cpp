@@ -13,6 +13,7 @@ namespace {
 TEST(AbortMessage, AMessageOfAnyLengthReturns) {
     const std::string text(10'000, 'x');
     AbortMessage("%s", text.c_str());
+    AbortMessage("%.99999999d", 5);
     AbortMessage(nullptr);
 }
 
