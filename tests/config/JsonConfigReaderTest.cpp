@@ -72,6 +72,7 @@ TEST(JsonConfigReader, WhatFollowsIsIgnoredAndNoNumberIsInfinite) {
           {"1 " + Repeat("[", 200), "1"},
           {"[1] " + Repeat("{\"a\":", 200), "[1]"},
           {"[1,\n{\"a\": 1e999, \"b\": 2}]", "syntax error at line 2 near: , \"b\": 2}]"},
+          {"[{}, -1e999, 1]", kError + ", 1]"},
           {"-1e999", kError}}) {
         EXPECT_EQ(ParseText(text), answer) << text;
     }

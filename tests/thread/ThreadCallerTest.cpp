@@ -58,6 +58,8 @@ TEST(ThreadCaller, RunsTheFunctionOnceAndCountsEveryStart) {
 // An earlier thread must neither hold up Start nor be lost: it works on an event of this function's.
 TEST(ThreadCaller, StartTwiceWaitsForBothThreadsInStop) {
     AutoResetSyncEventWrapper event;
+    EXPECT_EQ(event.Initialize(), 0U);
+    EXPECT_EQ(event.Terminate(), 0U);
     for (const char* const fault : {"the event was set from the start", "the event stayed set"}) {
         std::atomic<bool> triggered{false};
         std::atomic<int> runs{0};

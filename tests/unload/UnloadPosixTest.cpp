@@ -22,6 +22,7 @@ TEST(UnloadPosix, SingletonsEndInTheReverseOrderOfTheirCreation) {
         posix::StartRecording();
         WatchdogChecker checker;
         const Library library;
+        EXPECT_EQ(posix::RecordedCalls().back(), "DisableThreadLibraryCalls");
         for (const bool watchdog : {watchdogFirst, !watchdogFirst}) {
             watchdog ? library.StartWatchdog(window.get(), &checker) : library.OpenMemoryInfo();
         }
