@@ -14,12 +14,10 @@ D3D9Surface::D3D9Surface(const D3D9Surface& other)
 D3D9Surface& D3D9Surface::operator=(const D3D9Surface& other) {
     D3D9ResourceBase::operator=(other);
     m_desc = other.m_desc;
-    if (m_pSurface != other.m_pSurface) {
-        if (other.m_pSurface != nullptr) {
-            other.m_pSurface->AddRef();
-        }
-        m_pSurface.reset(other.m_pSurface.get());
+    if (other.m_pSurface != nullptr) {
+        other.m_pSurface->AddRef();  // first: it may be this one's own
     }
+    m_pSurface.reset(other.m_pSurface.get());
     return *this;
 }
 

@@ -57,10 +57,11 @@ TEST(CrossDotRotate, TurnsOneVectorTowardsAnother) {
     Vector center = {0, 0, 0};
     for (auto [from, to, ratio, result, turned] : cases) {
         CrossDotRotate rotate;
+        Vector point = {1, 0, 0};
+        rotate.Rotato(&point);  // which leaves it alone, as there is no rotation yet
         EXPECT_EQ(rotate.SetRotatoVector(&from, &to, &center, ratio), result);
         const CrossDotRotate copy = rotate;
         rotate = copy;
-        Vector point = {1, 0, 0};
         rotate.Rotato(&point);
         ExpectNear(point, turned);
     }

@@ -57,6 +57,7 @@ int RunAttacks(void*) {
         {"(?!(?!(a|aa)*b))a*", as, false},
         {"(x+x+)+(?!y)y", Repeated("x", 64), false},
         {Repeated("(", 8000) + Repeated(")", 8000), "", true},
+        {Repeated("(?:", 40) + 'a' + Repeated(")*", 40), "aaa", true},
         {Repeated("(", 4000) + Repeated(")*", 4000), "a", false},
         {Repeated("(?=", 16) + Repeated(")", 16), "", true},
         {Repeated("(?=", 17) + Repeated(")", 17), "", false},

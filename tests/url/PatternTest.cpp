@@ -85,6 +85,7 @@ TEST(Pattern, AcceptsWhatTheStandardLibraryAcceptsInRareCases) {
                                         {"(a|b)c\\1", "aca"},
                                         {"(a|b)c\\1", "acb"},
                                         {"(a\\1)", "a"},
+                                        {"(.)(.)(.)(.)(.)(.)(.)(.)(.)(.)\\10", "abcdefghijj"},
                                         {"(a)(b\\1)", "aba"},
                                         {"(a)(b\\1)", "abab"}}) {
         EXPECT_EQ(Matches(text, pattern), MatchesStandard(text, pattern)) << pattern;
