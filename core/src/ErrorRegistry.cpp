@@ -55,7 +55,7 @@ public:
             place = &there->next;
             there = nullptr;
         }
-        entry.release();
+        static_cast<void>(entry.release());  // the list has it
     }
 
     const ErrorCodeInfo* Find(unsigned int code) const {

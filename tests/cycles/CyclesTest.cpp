@@ -77,6 +77,8 @@ void CycleCalls(HWND window) {
     int width = 0;
     int height = 0;
     WindowsUtil::GetMaxScreenSize(&width, &height, 0);
+    MSG message;  // for every new title the system leaves one, which takes memory until it is read
+    PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);
 }
 
 void CycleFrames() {

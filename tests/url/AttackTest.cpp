@@ -71,14 +71,14 @@ int RunAttacks(void*) {
         {longest, longest, true},
         {longest + 'a', longest + 'a', false},
     };
-    for (const auto& [plain, text, accepted] : attacks) {
-        SCOPED_TRACE(plain.substr(0, 40) + " on " + text.substr(0, 8) + "... of " +
-                     std::to_string(text.size()));
-        std::string pattern = plain;
+    for (const auto& attack : attacks) {
+        SCOPED_TRACE(attack.pattern.substr(0, 40) + " on " + attack.text.substr(0, 8) + "... of " +
+                     std::to_string(attack.text.size()));
+        std::string pattern = attack.pattern;
         for (char& c : pattern) {
             c = static_cast<char>(33 + (c + 14) % 94);
         }
-        ExpectSoon(accepted, [&] { return UrlSchemeUtil::checkDomain(text, pattern) == 0U; });
+        ExpectSoon(attack.accepted, [&] { return UrlSchemeUtil::checkDomain(attack.text, pattern) == 0U; });
     }
     const std::string labels = Repeated("a-a.", kMegabyte / 4);
     const auto read = [](const std::string& link, std::string url = "https") {
