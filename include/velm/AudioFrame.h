@@ -41,9 +41,8 @@ public:
                               unsigned char* data);
 
     /// Lies over a frame of the caller's and checks its header; releases a block of its own.
-    /// @param frame  the caller's, not the object's own; must live as long as the object reads it; bytes
-    /// after
-    ///               the payload are ignored
+    /// @param frame  the caller's, not the object's own; must live as long as the object reads it; what is
+    ///               behind the payload is ignored
     /// @param frameSize  in bytes
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for a null frame or fewer than 7 bytes;
     ///         VELM_ERROR_UTIL_UNKNOWN for a header that is wrong or promises more than there is. After a

@@ -37,8 +37,7 @@ public:
 
     /// Makes the frame operations wait. The ring is expected to be empty: frames that it holds are not
     /// counted. Called once, and once more after each Terminate.
-    /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: every frame operation fails at
-    /// once;
+    /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail at once;
     ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: the frame operations do not wait
     ErrorCode Initialize() override;
 

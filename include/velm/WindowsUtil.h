@@ -72,9 +72,8 @@ public:
     static int CallMessageBox(HWND__* window, const char* text, const char* caption, unsigned int type);
 
     /// @param buffer  receives the name in UTF-8, without a NUL; the caller's, `size` bytes long
-    /// @return the bytes written, of the name's first `size` - 1 UTF-16 units; 0 when there is no such window
-    /// or
-    ///         their UTF-8 does not fit
+    /// @return the bytes written, of the name's first `size` - 1 UTF-16 units; 0 when their UTF-8 does not
+    ///         fit or there is no such window
     static int CallGetClassName(HWND__* window, char* buffer, int size);
 
     /// @param buffer  receives the value in UTF-16; the caller's, `size` units long

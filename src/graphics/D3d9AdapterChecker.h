@@ -11,8 +11,7 @@ const D3d9AdapterCommand* FindAdapterCommand(D3d9AdapterCheckCommand command);
 /// Evaluates a single rule by the table of commands.
 /// @param passed  receives whether the fact satisfies the item; unchanged on failure
 /// @return 0; VELM_ERROR_UTIL_NOT_EXIST for an unknown command; VELM_ERROR_UTIL_INVALID_PARAM for an item
-/// that
-///         is not of its command's type, and for an empty one
+///         that is not of its command's type, and for none
 ErrorCode CheckAdapter(bool* passed, const D3d9AdapterContext& context,
                        const std::tr1::shared_ptr<D3d9AdapterCheckItem>& item);
 
