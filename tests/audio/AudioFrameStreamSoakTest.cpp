@@ -79,13 +79,19 @@ struct Soak {
 
     /// Ends the stream while a thread is blocked on one side.
     void End(bool full) {
+        // What force has left over lets it through first, so it goes on until it no longer comes back.
+        std::atomic<int> entered{0};
         std::atomic<bool> ends{false};
         std::thread blocked([&] {
             while (!ends) {
+                ++entered;
                 full ? stream.PushBackClearFrame() : stream.DropFrontFrame();
             }
         });
-        std::this_thread::sleep_for(50ms);  // what force has left over lets it through first
+        for (int before = -1; before != entered;) {
+            before = entered;
+            std::this_thread::sleep_for(20ms);
+        }
         ends = true;
         stream.Terminate();
         blocked.join();

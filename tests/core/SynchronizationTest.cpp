@@ -3,7 +3,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <latch>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -83,16 +82,18 @@ TEST(Semaphore, LosesNoWakeUpInPingPong) {
 /// Threads that each wait once.
 template <typename Object>
 struct Waiters {
-    Waiters(Object& object, int count) : begun(count + 1) {
+    Waiters(Object& object, int count) {
         for (int i = 0; i < count; ++i) {
             threads.emplace_back([this, &object] {
-                begun.arrive_and_wait();
+                ++begun;
                 (object.Wait() == 0 ? released : turnedAway) += 1;
             });
         }
-        begun.arrive_and_wait();
-        // Give the last one the time to get from there into Wait.
-        std::this_thread::sleep_for(5ms);
+        while (begun != count) {
+            std::this_thread::yield();
+        }
+        // Give the last one the time to get from there into Wait, on a busy machine, too.
+        std::this_thread::sleep_for(30ms);
     }
 
     /// Waits until so many were released, and for a while whether it stays with them.
@@ -104,7 +105,7 @@ struct Waiters {
         EXPECT_EQ(released, count);
     }
 
-    std::latch begun;
+    std::atomic<int> begun{0};
     std::atomic<int> released{0};
     std::atomic<int> turnedAway{0};
     std::vector<std::jthread> threads;
@@ -139,7 +140,7 @@ TEST(SyncEvent, ManualResetReleasesEveryWait) {
 }
 
 TEST(Semaphore, DestructorTurnsEveryBlockedThreadAway) {
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 25; ++round) {
         auto semaphore = std::make_unique<Semaphore>(0, 1);
         Waiters waiters(*semaphore, 6);
         semaphore.reset();

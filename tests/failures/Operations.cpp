@@ -368,7 +368,10 @@ void AddThread(Table& table) {
     table.Add("velm::ThreadCaller::*", 0, {kThrew}, {}, [](Attempt& attempt) {
         ThreadCaller caller;
         ThreadCaller copy;
-        caller.Start([](void*) { return 0; }, nullptr, kText.c_str());
+        SyncEvent runs(true, false);
+        caller.Start([](void* event) { return static_cast<SyncEvent*>(event)->Set(), 0; }, &runs,
+                     kText.c_str());
+        runs.Wait();
         return attempt([&] { return (copy = caller).GetState(); });
     });
     table.Add("SchedulingProcess::*", 1, {}, {{"SetPriorityClass", 0}},

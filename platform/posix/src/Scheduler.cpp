@@ -57,6 +57,10 @@ BOOL AvRevertMmThreadCharacteristics(HANDLE handle) {
         return FALSE;
     }
     const Registration* const registration = OwnRegistration(handle);
+    if (registration == nullptr) {
+        return FALSE;
+    }
     delete registration;
-    return registration != nullptr;
+    SetLastError(ERROR_SUCCESS);  // as a call that succeeds may
+    return TRUE;
 }
