@@ -10,4 +10,7 @@ extern "C" {
 /// free.
 int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* name);
 
+/// An empty value removes the variable.
+int _wputenv_s(const wchar_t* name, const wchar_t* value);
+
 }  // extern "C"

@@ -10,9 +10,8 @@ extern "C" {
 #define CP_OEMCP 1U
 #define CP_UTF8 65001U
 
-/// Both take no flags, and WideCharToMultiByte no default character: they answer as Windows does without.
-/// What a code page lacks becomes a look-alike only where that is a letter without its accent or a full-width
-/// form.
+/// Both take no flags, and WideCharToMultiByte no default character. They know the code pages that iconv
+/// does. What is no character becomes U+FFFD, and what a code page lacks "?".
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits);
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,
                         LPCSTR defaultChar, LPBOOL usedDefault);

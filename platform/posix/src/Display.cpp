@@ -1,10 +1,5 @@
 #include <windows.h>
 
-#include <cwchar>
-#include <memory>
-#include <mutex>
-#include <set>
-
 #include "Intercept.h"
 
 namespace velm::posix {
@@ -15,35 +10,12 @@ struct Context {
     int height;
 };
 
-struct Devices {
-    std::mutex mutex;
-    std::vector<Display> displays;
-    std::set<const Context*> contexts;
-};
-
-Devices& TheDevices() {
-    static Devices& devices = *new Devices;  // for good: libraries call in as they are unloaded
-    return devices;
-}
-
-const Context* ToContext(HDC handle) {
-    return reinterpret_cast<const Context*>(handle);
-}
+std::atomic<unsigned int> g_contexts{0};
 
 }  // namespace
 
-void SetDisplays(std::vector<Display> displays) {
-    const std::lock_guard lock(TheDevices().mutex);
-    TheDevices().displays = std::move(displays);
-}
-
 unsigned int OpenDeviceContexts() {
-    const std::lock_guard lock(TheDevices().mutex);
-    return static_cast<unsigned int>(TheDevices().contexts.size());
-}
-
-void ResetDisplays() {
-    SetDisplays({});
+    return g_contexts;
 }
 
 }  // namespace velm::posix
@@ -54,15 +26,16 @@ BOOL EnumDisplayDevicesW(LPCWSTR device, DWORD index, DISPLAY_DEVICEW* displayDe
     if (MustFail("EnumDisplayDevicesW")) {
         return FALSE;
     }
-    const std::lock_guard lock(TheDevices().mutex);
-    const auto& displays = TheDevices().displays;
-    if (device != nullptr || index >= displays.size() || displayDevice->cb != sizeof *displayDevice) {
+    const Locked<Settings> settings;
+    if (device != nullptr || index >= settings->displays.size() ||
+        displayDevice->cb != sizeof *displayDevice) {
         return FALSE;
     }
+    const Display& display = settings->displays[index];
     *displayDevice = {};
     displayDevice->cb = sizeof *displayDevice;
-    displayDevice->StateFlags = displays[index].stateFlags;
-    displays[index].name.copy(displayDevice->DeviceName, std::size(displayDevice->DeviceName) - 1);
+    displayDevice->StateFlags = display.stateFlags;
+    display.name.copy(displayDevice->DeviceName, std::size(displayDevice->DeviceName) - 1);
     return TRUE;
 }
 
@@ -70,39 +43,33 @@ HDC CreateDCW(LPCWSTR, LPCWSTR device, LPCWSTR, const DEVMODEW*) {
     if (MustFail("CreateDCW")) {
         return nullptr;
     }
-    const std::lock_guard lock(TheDevices().mutex);
-    for (const Display& display : TheDevices().displays) {
+    const Locked<Settings> settings;
+    for (const Display& display : settings->displays) {
         if (device != nullptr && display.name == device) {
-            return WithinSystem(HDC{}, [&] {
-                auto context = std::make_unique<Context>(Context{display.width, display.height});
-                TheDevices().contexts.insert(context.get());
-                return reinterpret_cast<HDC>(context.release());
-            });
+            auto* context = new (std::nothrow) Context{display.width, display.height};
+            g_contexts += context != nullptr;
+            return reinterpret_cast<HDC>(context);
         }
     }
     return nullptr;
 }
 
-BOOL DeleteDC(HDC handle) {
+BOOL DeleteDC(HDC context) {
     const bool fails = MustFail("DeleteDC");  // it is gone all the same
-    const std::lock_guard lock(TheDevices().mutex);
-    if (TheDevices().contexts.erase(ToContext(handle)) == 0) {
+    if (context == nullptr) {
         return FALSE;
     }
-    delete ToContext(handle);
+    --g_contexts;
+    delete reinterpret_cast<Context*>(context);
     return !fails;
 }
 
 int GetDeviceCaps(HDC handle, int index) {
-    if (MustFail("GetDeviceCaps")) {
+    if (MustFail("GetDeviceCaps") || handle == nullptr) {
         return 0;
     }
-    const std::lock_guard lock(TheDevices().mutex);
-    if (TheDevices().contexts.count(ToContext(handle)) == 0) {
-        return 0;
-    }
-    const Context& context = *ToContext(handle);
-    return index == HORZRES ? context.width : index == VERTRES ? context.height : 0;
+    const auto* context = reinterpret_cast<const Context*>(handle);
+    return index == HORZRES ? context->width : index == VERTRES ? context->height : 0;
 }
 
 BOOL TextOutW(HDC, int x, int y, LPCWSTR text, int units) {

@@ -4,13 +4,11 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <cwchar>
-#include <memory>
 #include <mutex>
 #include <string>
 
 #include "Intercept.h"
+#include "Text.h"
 
 using namespace velm::posix;
 
@@ -18,18 +16,6 @@ namespace {
 
 // Guards the environment among the calls of this file.
 std::mutex g_mutex;
-
-/// The text in UTF-8; empty for null.
-std::string Utf8(LPCWSTR text) {
-    std::string utf8;
-    if (text != nullptr) {
-        const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-        utf8.resize(static_cast<std::size_t>(size));
-        WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
-        utf8.resize(std::strlen(utf8.c_str()));
-    }
-    return utf8;
-}
 
 /// The "NAME=VALUE" of a variable, or null.
 char* FindVariable(const std::string& name) {
@@ -52,7 +38,7 @@ BOOL SetEnvironmentVariableW(LPCWSTR wideName, LPCWSTR value) {
         return FALSE;
     }
     return WithinSystem(FALSE, [&]() -> BOOL {
-        std::string name = Utf8(wideName);
+        std::string name = Utf8(wideName != nullptr ? wideName : L"");
         if (!IsName(name)) {
             SetLastError(ERROR_INVALID_PARAMETER);
             return FALSE;
@@ -84,18 +70,20 @@ int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
         if (entry == nullptr) {
             return 0;
         }
-        const char* const text = entry + name.size() + 1;
-        const int count = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
-        auto* const copy =
-            static_cast<wchar_t*>(std::calloc(static_cast<std::size_t>(count) + 1, sizeof(wchar_t)));
+        const std::wstring text = Wide(entry + name.size() + 1);
+        auto* const copy = static_cast<wchar_t*>(std::calloc(text.size() + 1, sizeof(wchar_t)));
         if (copy == nullptr) {
             return ENOMEM;
         }
-        MultiByteToWideChar(CP_UTF8, 0, text, -1, copy, count);
+        text.copy(copy, text.size());
         *value = copy;
         if (units != nullptr) {
-            *units = std::wcslen(copy) + 1;
+            *units = text.size() + 1;
         }
         return 0;
     });
+}
+
+int _wputenv_s(const wchar_t* name, const wchar_t* value) {
+    return SetEnvironmentVariableW(name, *value != L'\0' ? value : nullptr) ? 0 : EINVAL;
 }

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cwchar>
 #include <new>
 
 #include "Handle.h"
 #include "Intercept.h"
-#include "Path.h"
+#include "Text.h"
 
 namespace velm::posix {
 namespace {
@@ -48,28 +47,11 @@ DWORD ErrorFromErrno(int error) {
 }  // namespace
 
 std::string NativePath(LPCWSTR path) {
-    const int units = static_cast<int>(std::wcslen(path));
-    std::string native;
-    if (units != 0) {
-        native.resize(static_cast<std::size_t>(
-            WideCharToMultiByte(CP_UTF8, 0, path, units, nullptr, 0, nullptr, nullptr)));
-        WideCharToMultiByte(CP_UTF8, 0, path, units, native.data(), static_cast<int>(native.size()), nullptr,
-                            nullptr);
-    }
+    std::string native = Utf8(path);
     if (access(native.c_str(), F_OK) != 0) {
         std::replace(native.begin(), native.end(), '\\', '/');
     }
     return native;
-}
-
-std::wstring WidePath(const std::string& path) {
-    std::wstring wide;
-    if (!path.empty()) {
-        const int size = static_cast<int>(path.size());
-        wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, path.data(), size, nullptr, 0)));
-        MultiByteToWideChar(CP_UTF8, 0, path.data(), size, wide.data(), static_cast<int>(wide.size()));
-    }
-    return wide;
 }
 
 }  // namespace velm::posix

@@ -1,13 +1,60 @@
 /// @file
-/// What the stand-ins share: the check that lets a test make a call fail, and the resets of their settings.
+/// What the stand-ins share: the check that lets a test make a call fail, and the state of the process.
 #pragma once
 
 #include <atomic>
+#include <map>
+#include <mutex>
 #include <new>
+#include <optional>
 
 #include "velm/posix/Control.h"
 
 namespace velm::posix {
+
+/// State that the stand-ins share, held by one thread at a time. It is never destroyed: libraries and static
+/// objects of programs call in as the process ends.
+template <typename State>
+class Locked {
+public:
+    State* operator->() const { return &m_state; }
+    State& operator*() const { return m_state; }
+    std::unique_lock<std::mutex>& Lock() { return m_lock; }
+
+private:
+    static inline std::mutex s_mutex;
+
+    static State& TheState() {
+        static State& state = *new State;
+        return state;
+    }
+
+    std::unique_lock<std::mutex> m_lock{s_mutex};
+    State& m_state = TheState();
+};
+
+/// What tests set and ask for through Control.h.
+struct Settings {
+    struct Failure {
+        DWORD lastError = 0;
+        unsigned int skip = 0;
+        unsigned int count = 0;
+    };
+    struct Reading {
+        unsigned long long count = 0;
+        unsigned long long frequency = 0;
+    };
+
+    std::map<std::string, Failure, std::less<>> failures;
+    bool recording = false;
+    std::vector<std::string> calls;
+    std::vector<ShownCall> shown;
+    std::vector<Display> displays;
+    std::wstring executablePath;  // empty for the true one
+    std::optional<Reading> clock;
+    UINT oemCodePage = 437;
+    DWORD priorityClass = NORMAL_PRIORITY_CLASS;
+};
 
 /// Whether a test makes calls fail or records them.
 extern std::atomic<bool> g_watching;
@@ -42,11 +89,5 @@ Result WithinSystem(Result failure, Body body) {
 
 /// Keeps what a call was handed, for ShownCalls, while calls are recorded.
 void RecordShown(ShownCall call);
-
-void ResetClock();
-void ResetDisplays();
-void ResetModules();
-void ResetProcess();
-void ResetText();
 
 }  // namespace velm::posix

@@ -3,66 +3,40 @@
 #include <link.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <climits>
 #include <cwchar>
-#include <mutex>
-#include <optional>
 #include <string>
 
 #include "Intercept.h"
-#include "Path.h"
+#include "Text.h"
 
 using namespace velm::posix;
 
 namespace {
 
-// Where kernel32's calls are: in this library itself.
-void* KernelModule() {
-    static void* const self = [] {
-        Dl_info info{};
-        dladdr(reinterpret_cast<void*>(&GetModuleHandleW), &info);
-        return dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD);
-    }();
-    return self;
+/// The file of kernel32's calls: this library itself.
+std::string KernelFile() {
+    Dl_info info{};
+    dladdr(reinterpret_cast<void*>(&GetModuleHandleW), &info);
+    return info.dli_fname;
 }
 
-std::mutex g_mutex;
-std::optional<std::wstring> g_executablePath;
-
 std::wstring ExecutablePath() {
-    const std::lock_guard lock(g_mutex);
-    if (g_executablePath) {
-        return *g_executablePath;
+    std::wstring set = Locked<Settings>()->executablePath;
+    if (!set.empty()) {
+        return set;
     }
     char path[PATH_MAX];
     const ssize_t size = readlink("/proc/self/exe", path, sizeof path);
-    return size > 0 ? WidePath({path, static_cast<std::size_t>(size)}) : std::wstring();
+    return size > 0 ? Wide({path, static_cast<std::size_t>(size)}) : std::wstring();
 }
 
 std::wstring ModulePath(HMODULE module) {
     link_map* map = nullptr;
-    if (dlinfo(module, RTLD_DI_LINKMAP, &map) != 0) {
-        return {};
-    }
-    return WidePath(map->l_name);
+    return dlinfo(module, RTLD_DI_LINKMAP, &map) == 0 ? Wide(map->l_name) : std::wstring();
 }
 
 }  // namespace
-
-namespace velm::posix {
-
-void SetExecutablePath(const std::wstring& path) {
-    const std::lock_guard lock(g_mutex);
-    g_executablePath = path;
-}
-
-void ResetModules() {
-    const std::lock_guard lock(g_mutex);
-    g_executablePath.reset();
-}
-
-}  // namespace velm::posix
 
 BOOL DisableThreadLibraryCalls(HMODULE module) {
     return !MustFail("DisableThreadLibraryCalls") && module != nullptr;
@@ -76,11 +50,10 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    if (std::wcscmp(name, L"kernel32.dll") == 0) {
-        return static_cast<HMODULE>(KernelModule());
-    }
     return WithinSystem(HMODULE{}, [&]() -> HMODULE {
-        void* const module = dlopen(NativePath(name).c_str(), RTLD_NOW | RTLD_NOLOAD);
+        const bool isKernel = std::wcscmp(name, L"kernel32.dll") == 0;
+        const std::string file = isKernel ? KernelFile() : NativePath(name);
+        void* const module = dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD);
         if (module == nullptr) {
             SetLastError(ERROR_MOD_NOT_FOUND);
             return nullptr;
@@ -132,11 +105,9 @@ DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
             SetLastError(full.empty() ? ERROR_MOD_NOT_FOUND : ERROR_INSUFFICIENT_BUFFER);
             return 0;
         }
-        const std::size_t units = std::min<std::size_t>(full.size(), size - 1);
-        full.copy(path, units);
-        path[units] = 0;
+        const DWORD units = CopyText(full, path, size);
         if (units == full.size()) {
-            return static_cast<DWORD>(units);
+            return units;
         }
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return size;  // the path was cut, and its NUL counts

@@ -16,8 +16,6 @@ class Process : public Object {};
 
 const HANDLE kCurrentProcess = reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1));
 
-std::atomic<DWORD> g_priorityClass{NORMAL_PRIORITY_CLASS};
-
 bool IsProcess(HANDLE handle) {
     if (handle == kCurrentProcess || FromHandle<Process>(handle) != nullptr) {
         return true;
@@ -27,11 +25,6 @@ bool IsProcess(HANDLE handle) {
 }
 
 }  // namespace
-
-void ResetProcess() {
-    g_priorityClass = NORMAL_PRIORITY_CLASS;
-}
-
 }  // namespace velm::posix
 
 using namespace velm::posix;
@@ -64,12 +57,12 @@ BOOL SetPriorityClass(HANDLE process, DWORD priorityClass) {
     if (MustFail("SetPriorityClass") || !IsProcess(process)) {
         return FALSE;
     }
-    g_priorityClass = priorityClass;
+    Locked<Settings>()->priorityClass = priorityClass;
     return TRUE;
 }
 
 DWORD GetPriorityClass(HANDLE process) {
-    return IsProcess(process) ? g_priorityClass.load() : 0;
+    return IsProcess(process) ? Locked<Settings>()->priorityClass : 0;
 }
 
 BOOL GetProcessMemoryInfo(HANDLE process, PROCESS_MEMORY_COUNTERS* counters, DWORD size) {

@@ -1,120 +1,57 @@
 #include <windows.h>
+#include <strings.h>
 
 #include <algorithm>
-#include <climits>
-#include <cstring>
 #include <cwchar>
-#include <memory>
+#include <fstream>
 #include <optional>
-#include <string>
-#include <string_view>
+#include <sstream>
 
 #include "Intercept.h"
+#include "Text.h"
 
-// The rules are those that Wine shows: a line ends at CR or LF; blanks around lines, names and values do not
-// count; names are compared without regard to the case of ASCII letters; the first section of a name and the
-// first line of a key are the ones; there are no comments, only keys that nobody asks for; what follows a NUL
-// is dropped.
+// A line ends at CR or LF; blanks around lines, names and values do not count; names are compared without
+// regard to case; the first section of a name and the first line of a key are the ones; there are no
+// comments, only keys that nobody asks for.
 
 using namespace velm::posix;
 
 namespace {
 
-bool IsBlank(wchar_t unit) {
-    return unit == L' ' || (unit >= L'\t' && unit <= L'\r') || unit == 0x1A;  // 0x1A ends a file of DOS
-}
-
-std::wstring_view TrimStart(std::wstring_view text) {
-    return text.substr(
-        static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsBlank) - text.begin()));
-}
-
 std::wstring_view Trim(std::wstring_view text) {
-    text = TrimStart(text);
-    while (!text.empty() && IsBlank(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-std::wstring_view CutAtNul(std::wstring_view text) {
-    return text.substr(0, text.find(L'\0'));
-}
-
-wchar_t Fold(wchar_t unit) {
-    return unit >= L'A' && unit <= L'Z' ? unit - L'A' + L'a' : unit;
+    constexpr std::wstring_view kBlanks = L" \t\v\f\x1A";  // 0x1A ends a file of DOS
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
 bool EqualNames(std::wstring_view left, std::wstring_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](wchar_t a, wchar_t b) { return Fold(a) == Fold(b); });
+    return left.size() == right.size() && wcsncasecmp(left.data(), right.data(), left.size()) == 0;
 }
 
-/// The bytes of a file; none when it cannot be read.
-std::optional<std::string> ReadWholeFile(LPCWSTR path) {
-    constexpr DWORD kChunk = 1 << 16;
-    const HANDLE handle = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
-        return std::nullopt;
-    }
-    const std::unique_ptr<void, decltype(&CloseHandle)> file(handle, &CloseHandle);
-    std::string bytes;
-    DWORD readSize = 0;
-    do {
-        const std::size_t size = bytes.size();
-        bytes.resize(size + kChunk);
-        if (!ReadFile(file.get(), bytes.data() + size, kChunk, &readSize, nullptr)) {
-            return std::nullopt;
+/// The text of a file in the encoding that its mark says, or in the ANSI code page; empty when it cannot be
+/// read.
+std::wstring ReadText(LPCWSTR path) {
+    std::ostringstream content;
+    content << std::ifstream(NativePath(path), std::ios::binary).rdbuf();
+    const std::string bytes = std::move(content).str();
+    constexpr struct {
+        std::string_view mark;
+        const char* encoding;
+    } kMarks[] = {{"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
+    for (const auto& [mark, encoding] : kMarks) {
+        if (bytes.starts_with(mark)) {
+            return Wide(std::string_view(bytes).substr(mark.size()), encoding);
         }
-        bytes.resize(size + readSize);
-    } while (readSize != 0);
-    SetLastError(ERROR_SUCCESS);
-    return bytes;
+    }
+    return Wide(bytes, "CP1252");
 }
 
-std::wstring FromCodePage(UINT codePage, std::string_view bytes) {
-    std::wstring text;
-    if (!bytes.empty() && bytes.size() <= INT_MAX) {
-        const int size = static_cast<int>(bytes.size());
-        const int units = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
-        text.resize(static_cast<std::size_t>(units));
-        MultiByteToWideChar(codePage, 0, bytes.data(), size, text.data(), units);
-    }
-    return text;
-}
-
-/// @param low  which byte of a unit is the low one
-std::wstring FromUtf16(std::string_view bytes, std::size_t low) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    std::wstring text;
-    text.reserve(bytes.size() / 2);
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        text.push_back(static_cast<wchar_t>(byte(i + low) | byte(i + 1 - low) << 8));
-    }
-    return text;
-}
-
-/// The text of a file: in the encoding that its mark says, or in the ANSI code page.
-std::wstring Decode(std::string_view bytes) {
-    if (bytes.starts_with("\xEF\xBB\xBF")) {
-        return FromCodePage(CP_UTF8, bytes.substr(3));
-    }
-    if (bytes.starts_with("\xFF\xFE")) {
-        return FromUtf16(bytes.substr(2), 0);
-    }
-    if (bytes.starts_with("\xFE\xFF")) {
-        return FromUtf16(bytes.substr(2), 1);
-    }
-    return FromCodePage(CP_ACP, bytes);
-}
-
-/// Takes a line off the text, without what ends it.
+/// Takes a line off the text.
 std::wstring_view TakeLine(std::wstring_view& text) {
     const std::size_t end = text.find_first_of(L"\r\n");
     const std::wstring_view line = text.substr(0, end);
     text.remove_prefix(end == text.npos ? text.size() : end + 1);
-    return line;
+    return Trim(line);
 }
 
 /// The name in a line "[name]"; none for other lines.
@@ -123,7 +60,7 @@ std::optional<std::wstring_view> SectionIn(std::wstring_view line) {
     if (!line.starts_with(L'[') || end == line.npos) {
         return std::nullopt;
     }
-    return CutAtNul(Trim(line.substr(1, end - 1)));
+    return Trim(line.substr(1, end - 1));
 }
 
 /// The value of a key as the text has it. What stands before the first section belongs to one without a name.
@@ -131,7 +68,7 @@ std::optional<std::wstring_view> Find(std::wstring_view text, std::wstring_view 
                                       std::wstring_view key) {
     bool inSection = section.empty();
     while (!text.empty()) {
-        const std::wstring_view line = Trim(TakeLine(text));
+        const std::wstring_view line = TakeLine(text);
         if (const auto name = SectionIn(line)) {
             if (inSection) {
                 return std::nullopt;
@@ -140,13 +77,9 @@ std::optional<std::wstring_view> Find(std::wstring_view text, std::wstring_view 
             continue;
         }
         const std::size_t equals = line.find(L'=');
-        if (!inSection || line.empty() || !EqualNames(CutAtNul(Trim(line.substr(0, equals))), key)) {
-            continue;
+        if (inSection && !line.empty() && EqualNames(Trim(line.substr(0, equals)), key)) {
+            return equals == line.npos ? std::nullopt : std::optional(Trim(line.substr(equals + 1)));
         }
-        if (equals == line.npos) {
-            return std::nullopt;
-        }
-        return CutAtNul(TrimStart(line.substr(equals + 1)));
     }
     return std::nullopt;
 }
@@ -157,67 +90,35 @@ std::wstring_view WithoutQuotes(std::wstring_view text) {
     return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-/// The value of a key in a file; none when the file or the key is missing.
-std::optional<std::wstring> ReadValue(LPCWSTR section, LPCWSTR key, LPCWSTR path) {
-    const auto bytes = path != nullptr ? ReadWholeFile(path) : std::nullopt;
-    if (!bytes) {
-        return std::nullopt;
-    }
-    const std::wstring text = Decode(*bytes);
+/// The value of a key in a file; the default when the file or the key is missing.
+std::wstring ReadValue(LPCWSTR section, LPCWSTR key, std::wstring_view defaultText, LPCWSTR path) {
+    const std::wstring text = ReadText(path);
     const auto value = Find(text, Trim(section), Trim(key));
-    return value ? std::optional<std::wstring>(WithoutQuotes(*value)) : std::nullopt;
+    return std::wstring(
+        WithoutQuotes(value ? *value : defaultText.substr(0, defaultText.find_last_not_of(L' ') + 1)));
 }
 
-unsigned int DigitOf(wchar_t unit) {
-    const wchar_t folded = Fold(unit);
-    if (folded >= L'0' && folded <= L'9') {
-        return static_cast<unsigned int>(folded - L'0');
-    }
-    return folded >= L'a' && folded <= L'f' ? static_cast<unsigned int>(folded - L'a') + 10 : UINT_MAX;
-}
-
-/// The number that a text begins with, modulo 2^32: blanks, a sign, a prefix 0x, 0o or 0b, digits.
-UINT ToNumber(std::wstring_view text) {
-    while (!text.empty() && text.front() <= L' ') {
-        text.remove_prefix(1);
-    }
-    const bool negative = text.starts_with(L'-');
-    if (negative || text.starts_with(L'+')) {
-        text.remove_prefix(1);
-    }
-    UINT base = 10;
-    if (text.starts_with(L"0x") || text.starts_with(L"0o") || text.starts_with(L"0b")) {
-        base = text[1] == L'x' ? 16 : text[1] == L'o' ? 8 : 2;
-        text.remove_prefix(2);
-    }
-    UINT number = 0;
-    for (const wchar_t unit : text) {
-        const unsigned int digit = DigitOf(unit);
-        if (digit >= base) {
-            break;
-        }
-        number = number * base + digit;
-    }
-    return negative ? 0 - number : number;
+/// The number that a text begins with, modulo 2^32: blanks, a sign, a prefix 0x, digits.
+UINT ToNumber(const std::wstring& text) {
+    const std::size_t digits = std::min(text.find_first_not_of(L" \t+-"), text.size());
+    return static_cast<UINT>(
+        std::wcstoul(text.c_str(), nullptr, text.compare(digits, 2, L"0x") == 0 ? 16 : 10));
 }
 
 }  // namespace
 
 UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR path) {
-    constexpr std::size_t kMostUnits = 29;
+    const auto defaultNumber = static_cast<UINT>(defaultValue);
     if (MustFail("GetPrivateProfileIntW")) {
-        return static_cast<UINT>(defaultValue);
+        return defaultNumber;
     }
-    if (section == nullptr || key == nullptr) {
+    if (section == nullptr || key == nullptr || path == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return static_cast<UINT>(defaultValue);
+        return defaultNumber;
     }
-    return WithinSystem(static_cast<UINT>(defaultValue), [&]() -> UINT {
-        const auto value = ReadValue(section, key, path);
-        if (!value || value->empty()) {
-            return static_cast<UINT>(defaultValue);
-        }
-        return ToNumber(std::wstring_view(*value).substr(0, kMostUnits));
+    return WithinSystem(defaultNumber, [&] {
+        const std::wstring value = ReadValue(section, key, L"", path);
+        return value.empty() ? defaultNumber : ToNumber(value);
     });
 }
 
@@ -227,22 +128,12 @@ DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText
         return 0;
     }
     buffer[0] = L'\0';
-    if (section == nullptr || key == nullptr) {
+    if (section == nullptr || key == nullptr || path == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    return WithinSystem(DWORD{0}, [&]() -> DWORD {
-        auto value = ReadValue(section, key, path);
-        if (!value) {
-            std::wstring_view text = defaultText != nullptr ? defaultText : L"";
-            while (text.size() > 1 && text.back() == L' ') {
-                text.remove_suffix(1);
-            }
-            value = WithoutQuotes(text);
-        }
-        const std::size_t length = std::min<std::size_t>(value->size(), units - 1);
-        std::copy_n(value->begin(), length, buffer);
-        buffer[length] = L'\0';
-        return static_cast<DWORD>(length);
+    return WithinSystem(DWORD{0}, [&] {
+        return CopyText(ReadValue(section, key, defaultText != nullptr ? defaultText : L"", path), buffer,
+                        units);
     });
 }

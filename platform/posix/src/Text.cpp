@@ -1,40 +1,104 @@
-#include <windows.h>
+#include "Text.h"
 
+#include <iconv.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <climits>
-#include <cstring>
-#include <cwchar>
+#include <map>
+#include <utility>
 
-#include "CodePage.h"
 #include "Intercept.h"
-#include "velm/posix/Control.h"
 
 namespace velm::posix {
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
+constexpr std::size_t kPiece = 256;  // in units
 
-constexpr UINT kAnsiCodePage = 1252;
-constexpr UINT kFirstOemCodePage = 437;
+/// The converters of iconv by the encodings to and from. Opening one takes memory, so they are kept.
+using Converters = std::map<std::pair<std::string, std::string>, iconv_t>;
 
-std::atomic<UINT> g_oemCodePage{kFirstOemCodePage};
+/// iconv's name of a code page.
+std::string NameOf(UINT codePage) {
+    constexpr UINT kAnsi = 1252;
+    const UINT number = codePage == CP_ACP ? kAnsi : codePage == CP_OEMCP ? GetOEMCP() : codePage;
+    return codePage == CP_UTF8 ? "UTF-8" : "CP" + std::to_string(number);
+}
 
-/// Writes into a buffer of a given size, or only counts when the size is 0.
+/// Converts a text piece by piece. A unit that iconv takes for no character becomes `replacement`.
+/// @param put  is handed the pieces of the result
+/// @return false when iconv does not know an encoding
+template <typename To, typename From, typename Put>
+bool Convert(const std::string& to, const std::string& from, std::basic_string_view<From> in,
+             std::basic_string_view<To> replacement, Put put) {
+    const Locked<Converters> converters;
+    iconv_t& converter = (*converters)[{to, from}];
+    if (converter == nullptr) {
+        const iconv_t opened = iconv_open(to.c_str(), from.c_str());
+        if (opened == reinterpret_cast<iconv_t>(-1)) {
+            return false;
+        }
+        converter = opened;
+    }
+    auto* next = reinterpret_cast<char*>(const_cast<From*>(in.data()));  // iconv does not write there
+    std::size_t left = in.size() * sizeof(From);
+    while (left != 0) {
+        To piece[kPiece];
+        auto* end = reinterpret_cast<char*>(piece);
+        std::size_t room = sizeof piece;
+        const bool stopped = iconv(converter, &next, &left, &end, &room) == static_cast<std::size_t>(-1);
+        const bool rejected = stopped && errno != E2BIG;
+        put(std::basic_string_view<To>(piece, kPiece - room / sizeof(To)));
+        if (rejected) {
+            put(replacement);
+            next += sizeof(From);
+            left -= sizeof(From);
+            iconv(converter, nullptr, nullptr, nullptr, nullptr);
+        }
+    }
+    return true;
+}
+
+template <typename Put>
+bool ConvertToWide(const std::string& from, std::string_view in, Put put) {
+    return Convert<char16_t>("UTF-16LE", from, in, u"\uFFFD", put);
+}
+
+template <typename Put>
+bool ConvertFromWide(const std::string& to, std::wstring_view in, Put put) {
+    const auto isHigh = [](char16_t unit) { return (unit & 0xFC00) == 0xD800; };
+    const std::string_view replacement = to == "UTF-8" ? "\uFFFD" : "?";
+    bool known = true;
+    while (known && !in.empty()) {
+        char16_t units[kPiece];
+        const std::size_t count = std::min(in.size(), kPiece);
+        std::copy_n(in.begin(), count, units);
+        // A pair stays in one piece.
+        const std::size_t taken = count == kPiece && isHigh(units[count - 1]) ? count - 1 : count;
+        known = Convert<char>(to, "UTF-16LE", std::u16string_view(units, taken), replacement, put);
+        in.remove_prefix(taken);
+    }
+    return known;
+}
+
+/// Writes into the buffer of a caller, or only counts when its size is 0.
 template <typename Unit>
 class Output {
 public:
-    Output(Unit* out, int size) : m_out(out), m_size(size) {}
+    Output(Unit* out, int size) : m_out(out), m_size(static_cast<std::size_t>(size)) {}
 
-    void Put(char32_t unit) {
-        if (m_size != 0 && m_count < m_size) {
-            m_out[m_count] = static_cast<Unit>(unit);
+    template <typename Piece>
+    void Put(Piece piece) {
+        if (m_count < m_size) {
+            std::copy_n(piece.begin(), std::min(piece.size(), m_size - m_count), m_out + m_count);
         }
-        ++m_count;
+        m_count += piece.size();
     }
 
     /// What the call returns.
-    int Result() const {
-        if ((m_size != 0 && m_count > m_size) || m_count > INT_MAX) {
-            SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    int Result(bool valid) const {
+        if (!valid || (m_size != 0 && m_count > m_size) || m_count > INT_MAX) {
+            SetLastError(valid ? ERROR_INSUFFICIENT_BUFFER : ERROR_INVALID_PARAMETER);
             return 0;
         }
         return static_cast<int>(m_count);
@@ -42,127 +106,39 @@ public:
 
 private:
     Unit* m_out;
-    int m_size;
-    long long m_count = 0;
+    std::size_t m_size;
+    std::size_t m_count = 0;
 };
 
-bool IsContinuation(unsigned char byte) {
-    return (byte & 0xC0U) == 0x80U;
+template <typename In, typename Out>
+bool AreValid(const In* in, int inSize, const Out* out, int outSize, DWORD flags) {
+    return in != nullptr && inSize != 0 && outSize >= 0 && (out != nullptr || outSize == 0) && flags == 0;
 }
 
-/// Whether the first two bytes of a character of three or four leave it neither overlong nor a surrogate nor
-/// above U+10FFFF.
-bool CanBegin(char32_t bits, int more) {
-    switch (more) {
-        case 2:
-            return bits >= 0x800 >> 6 && (bits < 0xD800 >> 6 || bits > 0xDFFF >> 6);
-        case 3:
-            return bits >= 0x10000 >> 12 && bits <= 0x10FFFF >> 12;
-        default:
-            return true;
-    }
-}
-
-/// Takes one character off the text. As in Wine, a malformed sequence counts as one replacement character and
-/// reaches to the end of the text, when its lead byte announces more than there is; to the first byte that
-/// continues no character; or to the end of its second byte, when no character begins with those two.
-char32_t TakeUtf8(const unsigned char*& next, const unsigned char* end) {
-    const unsigned char lead = *next++;
-    if (lead < 0x80) {
-        return lead;
-    }
-    if (lead < 0xC2 || lead > 0xF4) {
-        return kReplacement;
-    }
-    const int more = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-    if (end - next < more) {
-        next = end;
-        return kReplacement;
-    }
-    char32_t value = lead & (0x3FU >> more);
-    for (int i = 0; i < more; ++i) {
-        if (!IsContinuation(*next)) {
-            return kReplacement;
-        }
-        value = value << 6 | (*next++ & 0x3FU);
-        if (i == 0 && !CanBegin(value, more)) {
-            return kReplacement;
-        }
-    }
-    return value;
-}
-
-void PutUtf16(Output<wchar_t>& out, char32_t character) {
-    if (character < 0x10000) {
-        out.Put(character);
-        return;
-    }
-    out.Put(0xD800 + ((character - 0x10000) >> 10));
-    out.Put(0xDC00 + ((character - 0x10000) & 0x3FF));
-}
-
-char32_t TakeUtf16(const wchar_t*& next, const wchar_t* end) {
-    const auto unit = static_cast<char32_t>(*next++) & 0xFFFF;
-    if (unit < 0xD800 || unit > 0xDFFF) {
-        return unit;
-    }
-    if (unit > 0xDBFF || next == end) {
-        return kReplacement;
-    }
-    const auto low = static_cast<char32_t>(*next) & 0xFFFF;
-    if (low < 0xDC00 || low > 0xDFFF) {
-        return kReplacement;
-    }
-    ++next;
-    return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-}
-
-void PutUtf8(Output<char>& out, char32_t character) {
-    if (character < 0x80) {
-        out.Put(character);
-        return;
-    }
-    if (character < 0x800) {
-        out.Put(0xC0 | character >> 6);
-    } else {
-        if (character < 0x10000) {
-            out.Put(0xE0 | character >> 12);
-        } else {
-            out.Put(0xF0 | character >> 18);
-            out.Put(0x80 | (character >> 12 & 0x3F));
-        }
-        out.Put(0x80 | (character >> 6 & 0x3F));
-    }
-    out.Put(0x80 | (character & 0x3F));
-}
-
-void PutBytes(Output<char>& out, unsigned int bytes) {
-    if (bytes > 0xFF) {
-        out.Put(bytes >> 8);
-    }
-    out.Put(bytes & 0xFF);
-}
-
-/// The code page that a number stands for, but for UTF-8, which has no table; null when there is none.
-const CodePage* FindCodePage(UINT number) {
-    switch (number) {
-        case CP_ACP:
-            return CodePage::Find(kAnsiCodePage);
-        case CP_OEMCP:
-            return CodePage::Find(g_oemCodePage);
-        default:
-            return CodePage::Find(number);
-    }
+/// The text of a call: `size` units, or up to the NUL and with it.
+template <typename Unit>
+std::basic_string_view<Unit> TextOf(const Unit* text, int size) {
+    return {text, size >= 0 ? static_cast<std::size_t>(size) : std::char_traits<Unit>::length(text) + 1};
 }
 
 }  // namespace
 
-void SetOemCodePage(UINT codePage) {
-    g_oemCodePage = codePage;
+std::wstring Wide(std::string_view text, const char* encoding) {
+    std::wstring wide;
+    ConvertToWide(encoding, text, [&](auto piece) { wide.append(piece.begin(), piece.end()); });
+    return wide;
 }
 
-void ResetText() {
-    g_oemCodePage = kFirstOemCodePage;
+std::string Utf8(std::wstring_view text) {
+    std::string utf8;
+    ConvertFromWide("UTF-8", text, [&](auto piece) { utf8 += piece; });
+    return utf8;
+}
+
+DWORD CopyText(std::wstring_view text, LPWSTR buffer, std::size_t units) {
+    const std::size_t length = text.copy(buffer, units - 1);
+    buffer[length] = L'\0';
+    return static_cast<DWORD>(length);
 }
 
 }  // namespace velm::posix
@@ -170,30 +146,19 @@ void ResetText() {
 using namespace velm::posix;
 
 UINT GetOEMCP() {
-    return g_oemCodePage;
+    return Locked<Settings>()->oemCodePage;
 }
 
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits) {
     if (MustFail("MultiByteToWideChar")) {
         return 0;
     }
-    const CodePage* page = nullptr;
-    if (codePage != CP_UTF8) {
-        page = WithinSystem(page, [&] { return FindCodePage(codePage); });
-    }
-    if (in == nullptr || inSize == 0 || outUnits < 0 || (out == nullptr && outUnits != 0) || flags != 0 ||
-        (page == nullptr && codePage != CP_UTF8)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    const auto* next = reinterpret_cast<const unsigned char*>(in);
-    const unsigned char* const end =
-        next + (inSize < 0 ? std::strlen(in) + 1 : static_cast<std::size_t>(inSize));
-    Output<wchar_t> output(out, outUnits);
-    while (next != end) {
-        PutUtf16(output, page != nullptr ? page->Take(next, end) : TakeUtf8(next, end));
-    }
-    return output.Result();
+    return WithinSystem(0, [&] {
+        Output<wchar_t> output(out, outUnits);
+        return output.Result(
+            AreValid(in, inSize, out, outUnits, flags) &&
+            ConvertToWide(NameOf(codePage), TextOf(in, inSize), [&](auto piece) { output.Put(piece); }));
+    });
 }
 
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,
@@ -201,24 +166,10 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPS
     if (MustFail("WideCharToMultiByte")) {
         return 0;
     }
-    const CodePage* page = nullptr;
-    if (codePage != CP_UTF8) {
-        page = WithinSystem(page, [&] { return FindCodePage(codePage); });
-    }
-    if (in == nullptr || inUnits == 0 || outSize < 0 || (out == nullptr && outSize != 0) || flags != 0 ||
-        defaultChar != nullptr || usedDefault != nullptr || (page == nullptr && codePage != CP_UTF8)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    const wchar_t* next = in;
-    const wchar_t* const end = in + (inUnits < 0 ? std::wcslen(in) + 1 : static_cast<std::size_t>(inUnits));
-    Output<char> output(out, outSize);
-    while (next != end) {
-        if (page != nullptr) {
-            PutBytes(output, page->BytesOf(static_cast<char16_t>(*next++)));
-        } else {
-            PutUtf8(output, TakeUtf16(next, end));
-        }
-    }
-    return output.Result();
+    return WithinSystem(0, [&] {
+        Output<char> output(out, outSize);
+        return output.Result(
+            AreValid(in, inUnits, out, outSize, flags) && defaultChar == nullptr && usedDefault == nullptr &&
+            ConvertFromWide(NameOf(codePage), TextOf(in, inUnits), [&](auto piece) { output.Put(piece); }));
+    });
 }

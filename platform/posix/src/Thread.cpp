@@ -16,6 +16,7 @@
 
 #include "Handle.h"
 #include "Intercept.h"
+#include "Text.h"
 
 namespace velm::posix {
 namespace {
@@ -132,22 +133,13 @@ HRESULT SetThreadDescription(HANDLE thread, PCWSTR description) {
     }
     return WithinSystem(static_cast<HRESULT>(0x8007000EU), [&]() -> HRESULT {
         constexpr std::size_t kMost = 15;
-        char name[4 * (kMost + 1)] = {};
-        // Fifteen units are enough to fill fifteen bytes, whatever they hold.
-        int units = 0;
-        while (units < static_cast<int>(kMost) && description[units] != 0) {
-            ++units;
+        std::string name = Utf8(description);
+        std::size_t size = std::min(name.size(), kMost);
+        while (size < name.size() && (static_cast<unsigned char>(name[size]) & 0xC0U) == 0x80U) {
+            --size;  // a character is not cut
         }
-        auto size = static_cast<std::size_t>(WideCharToMultiByte(
-            CP_UTF8, 0, description, units, name, static_cast<int>(sizeof name), nullptr, nullptr));
-        if (size > kMost) {
-            size = kMost;
-            while (size != 0 && (static_cast<unsigned char>(name[size]) & 0xC0U) == 0x80U) {
-                --size;
-            }
-        }
-        name[size] = '\0';
-        pthread_setname_np(pthread_self(), name);
+        name.resize(size);
+        pthread_setname_np(pthread_self(), name.c_str());
         return 0;
     });
 }

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <condition_variable>
 #include <map>
-#include <mutex>
 #include <optional>
 
 #include "Intercept.h"
+#include "Text.h"
 
 namespace velm::posix {
 namespace {
@@ -31,7 +31,6 @@ struct Timer {
 };
 
 struct Desktop {
-    std::mutex mutex;
     std::condition_variable changed;
     std::map<HWND, Window> windows;
     std::vector<Timer> timers;
@@ -81,21 +80,13 @@ struct Desktop {
     }
 };
 
-Desktop& TheDesktop() {
-    static Desktop& desktop = *new Desktop;  // for good: libraries call in as they are unloaded
-    return desktop;
-}
-
-/// Gives a text as Windows does: cut to the buffer, NUL-terminated; the result counts without the NUL.
-int CopyText(const std::wstring& text, LPWSTR buffer, int size) {
+/// @return the units copied, without the NUL
+int GiveText(const std::wstring& text, LPWSTR buffer, int size) {
     if (buffer == nullptr || size <= 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    const std::size_t units = std::min(text.size(), static_cast<std::size_t>(size - 1));
-    text.copy(buffer, units);
-    buffer[units] = 0;
-    return static_cast<int>(units);
+    return static_cast<int>(CopyText(text, buffer, static_cast<std::size_t>(size)));
 }
 
 }  // namespace
@@ -108,11 +99,10 @@ HWND CreateWindowExW(DWORD, LPCWSTR className, LPCWSTR text, DWORD, int, int, in
     if (MustFail("CreateWindowExW")) {
         return nullptr;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    desktop.lastHandle += 2;
-    const auto handle = reinterpret_cast<HWND>(desktop.lastHandle);
-    desktop.windows[handle] = {GetCurrentThreadId(), className, text != nullptr ? text : L""};
+    const Locked<Desktop> desktop;
+    desktop->lastHandle += 2;
+    const auto handle = reinterpret_cast<HWND>(desktop->lastHandle);
+    desktop->windows[handle] = {GetCurrentThreadId(), className, text != nullptr ? text : L""};
     return handle;
 }
 
@@ -120,13 +110,12 @@ BOOL DestroyWindow(HWND window) {
     if (MustFail("DestroyWindow")) {
         return FALSE;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    if (desktop.Find(window) == nullptr) {
+    const Locked<Desktop> desktop;
+    if (desktop->Find(window) == nullptr) {
         return FALSE;
     }
-    desktop.windows.erase(window);
-    std::erase_if(desktop.timers, [&](const Timer& timer) { return timer.window == window; });
+    desktop->windows.erase(window);
+    std::erase_if(desktop->timers, [&](const Timer& timer) { return timer.window == window; });
     return TRUE;
 }
 
@@ -134,19 +123,17 @@ int GetClassNameW(HWND window, LPWSTR name, int size) {
     if (MustFail("GetClassNameW")) {
         return 0;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    const Window* const found = desktop.Find(window);
-    return found != nullptr ? CopyText(found->className, name, size) : 0;
+    const Locked<Desktop> desktop;
+    const Window* const found = desktop->Find(window);
+    return found != nullptr ? GiveText(found->className, name, size) : 0;
 }
 
 BOOL SetWindowTextW(HWND window, LPCWSTR text) {
     if (MustFail("SetWindowTextW")) {
         return FALSE;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    Window* const found = desktop.Find(window);
+    const Locked<Desktop> desktop;
+    Window* const found = desktop->Find(window);
     if (found == nullptr) {
         return FALSE;
     }
@@ -158,27 +145,25 @@ BOOL SetWindowTextW(HWND window, LPCWSTR text) {
 }
 
 int GetWindowTextW(HWND window, LPWSTR text, int size) {
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    const Window* const found = desktop.Find(window);
-    return found != nullptr ? CopyText(found->text, text, size) : 0;
+    const Locked<Desktop> desktop;
+    const Window* const found = desktop->Find(window);
+    return found != nullptr ? GiveText(found->text, text, size) : 0;
 }
 
 UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC function) {
     if (MustFail("SetTimer")) {
         return 0;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    if (desktop.Find(window) == nullptr) {
+    const Locked<Desktop> desktop;
+    if (desktop->Find(window) == nullptr) {
         return 0;
     }
-    std::erase_if(desktop.timers,
+    std::erase_if(desktop->timers,
                   [&](const Timer& timer) { return timer.window == window && timer.id == id; });
     const std::chrono::milliseconds period(std::max(milliseconds, kShortestPeriod));
     return WithinSystem(UINT_PTR{0}, [&] {
-        desktop.timers.push_back({window, id, period, function, Clock::now() + period});
-        desktop.changed.notify_all();
+        desktop->timers.push_back({window, id, period, function, Clock::now() + period});
+        desktop->changed.notify_all();
         return id != 0 ? id : 1;
     });
 }
@@ -187,33 +172,30 @@ BOOL KillTimer(HWND window, UINT_PTR id) {
     if (MustFail("KillTimer")) {
         return FALSE;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    return std::erase_if(desktop.timers,
+    const Locked<Desktop> desktop;
+    return std::erase_if(desktop->timers,
                          [&](const Timer& timer) { return timer.window == window && timer.id == id; }) != 0;
 }
 
 BOOL GetMessageW(MSG* message, HWND, UINT, UINT) {
-    Desktop& desktop = TheDesktop();
-    std::unique_lock lock(desktop.mutex);
+    Locked<Desktop> desktop;
     for (;;) {
-        if (const auto taken = desktop.TakeMessage()) {
+        if (const auto taken = desktop->TakeMessage()) {
             *message = *taken;
             return message->message != WM_QUIT;
         }
-        if (const Timer* const timer = desktop.NextTimer(GetCurrentThreadId())) {
+        if (const Timer* const timer = desktop->NextTimer(GetCurrentThreadId())) {
             const Clock::time_point due = timer->due;
-            desktop.changed.wait_until(lock, due);
+            desktop->changed.wait_until(desktop.Lock(), due);
         } else {
-            desktop.changed.wait(lock);
+            desktop->changed.wait(desktop.Lock());
         }
     }
 }
 
 BOOL PeekMessageW(MSG* message, HWND, UINT, UINT, UINT) {
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    const auto taken = desktop.TakeMessage();
+    const Locked<Desktop> desktop;
+    const auto taken = desktop->TakeMessage();
     if (taken) {
         *message = *taken;
     }
@@ -234,9 +216,8 @@ void PostQuitMessage(int exitCode) {
     if (MustFail("PostQuitMessage")) {
         return;
     }
-    Desktop& desktop = TheDesktop();
-    const std::lock_guard lock(desktop.mutex);
-    WithinSystem(0, [&] { return desktop.quitCodes[GetCurrentThreadId()] = exitCode; });
+    const Locked<Desktop> desktop;
+    WithinSystem(0, [&] { return desktop->quitCodes[GetCurrentThreadId()] = exitCode; });
 }
 
 int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT type) {
