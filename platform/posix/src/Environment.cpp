@@ -17,7 +17,7 @@ using namespace velm::posix;
 namespace {
 
 // Guards the environment among the calls of this file.
-std::mutex g_mutex;
+std::mutex g_environmentMutex;
 
 /// The text in UTF-8; empty for null.
 std::string Utf8(LPCWSTR text) {
@@ -57,7 +57,7 @@ BOOL SetEnvironmentVariableW(LPCWSTR wideName, LPCWSTR value) {
             SetLastError(ERROR_INVALID_PARAMETER);
             return FALSE;
         }
-        const std::lock_guard lock(g_mutex);
+        const std::lock_guard lock(g_environmentMutex);
         if (const char* const entry = FindVariable(name)) {
             name.assign(entry, name.size());  // in its own case
         }
@@ -79,7 +79,7 @@ int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
     }
     return WithinSystem(ENOMEM, [&]() -> int {
         const std::string name = Utf8(wideName);
-        const std::lock_guard lock(g_mutex);
+        const std::lock_guard lock(g_environmentMutex);
         const char* const entry = IsName(name) ? FindVariable(name) : nullptr;
         if (entry == nullptr) {
             return 0;
