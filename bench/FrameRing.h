@@ -15,9 +15,9 @@ constexpr unsigned int kFrameBytes = 1920;
 constexpr unsigned int kFrames = 4;
 
 /// The library's own ring.
-class Ours {
+class OurRing {
 public:
-    Ours() { m_stream.Initialize(); }
+    OurRing() { m_stream.Initialize(); }
     void Push(short* frame) { m_stream.PushBackFrame(frame); }
     void Take(short* frame) { m_stream.TakeFrontFrame(frame); }
 

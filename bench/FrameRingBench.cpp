@@ -117,16 +117,16 @@ void MeasureFrameRing(Suite& suite) {
         peers.push_back(Missing(kQueue, "libreaderwriterqueue-dev", 3.0));
 #endif
         suite.Compare("AudioFrameStream", "frames of 1920 bytes, 4 slots, two threads on two cores",
-                      Through<Ours>("AudioFrameStream", 2, 2, frames), peers, Clock::kWall);
+                      Through<OurRing>("AudioFrameStream", 2, 2, frames), peers, Clock::kWall);
     }
-    suite.Compare("AudioFrameStream", "the same on one core", Through<Ours>("AudioFrameStream", 2, 1, frames),
+    suite.Compare("AudioFrameStream", "the same on one core", Through<OurRing>("AudioFrameStream", 2, 1, frames),
                   {{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 1, frames), 0.95}}, Clock::kWall);
     suite.Grow(
         "AudioFrameStream: a frame between threads", "threads", Growth::kNone, {1, 2, 4, 6, 8},
         [&](double size) -> std::vector<Contender> {
             const auto threads = static_cast<unsigned int>(size);
             const std::size_t count = frames / 5;
-            return {Through<Ours>("AudioFrameStream", threads, 2, count),
+            return {Through<OurRing>("AudioFrameStream", threads, 2, count),
                     Through<RingOver<MutexSemaphore>>(kSemaphores, threads, 2, count)};
         },
         4, Clock::kWall);

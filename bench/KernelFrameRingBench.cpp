@@ -37,7 +37,7 @@ Contender Through(std::string name, std::size_t frames) {
 void MeasureFrameRing(Suite& suite) {
     suite.Compare(
         "AudioFrameStream", "frames of 1920 bytes, 4 slots, two threads, Windows",
-        Through<Ours>("AudioFrameStream", suite.IsShort() ? 50 : 20000),
+        Through<OurRing>("AudioFrameStream", suite.IsShort() ? 50 : 20000),
         {{Through<RingOver<KernelSemaphore>>("three kernel semaphores", suite.IsShort() ? 20 : 500), 50.0}},
         Clock::kWall);
 }

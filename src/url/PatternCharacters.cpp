@@ -87,7 +87,7 @@ std::optional<char> FindElement(std::string_view name) {
     return std::nullopt;
 }
 
-unsigned char Byte(char c) {
+unsigned char PatternByte(char c) {
     return static_cast<unsigned char>(c);
 }
 
@@ -119,7 +119,7 @@ std::optional<PatternCharacters::Set> PatternCharacters::ReadBracket() {
             const bool isCharacter = symbol.kind == Kind::kCharacter || symbol.kind == Kind::kElement;
             set |= symbol.set;
             if (isCharacter) {
-                set.set(Byte(symbol.character));
+                set.set(PatternByte(symbol.character));
             }
             previous = isCharacter ? kCharacter : kClass;
             first = symbol.character;
@@ -128,7 +128,7 @@ std::optional<PatternCharacters::Set> PatternCharacters::ReadBracket() {
         }
         symbol = ReadSymbol();
         if (symbol.kind == Kind::kEnd || previous == kNothing) {  // a dash that stands for itself
-            set.set(Byte('-'));
+            set.set(PatternByte('-'));
             previous = kCharacter;
             first = '-';
             continue;
@@ -142,7 +142,7 @@ std::optional<PatternCharacters::Set> PatternCharacters::ReadBracket() {
         }
         // NOLINTNEXTLINE(bugprone-signed-char-misuse): a range runs in the order of char
         for (int c = first; c <= last; ++c) {
-            set.set(Byte(static_cast<char>(c)));
+            set.set(PatternByte(static_cast<char>(c)));
         }
         previous = kNothing;
         symbol = ReadSymbol();

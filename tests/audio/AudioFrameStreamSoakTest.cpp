@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using Frame = std::vector<unsigned int>;
+using SoakFrame = std::vector<unsigned int>;
 
 constexpr unsigned int kFrameSamples = 16;  // of 4 bytes: a frame is full of one number
 
@@ -26,7 +26,7 @@ struct Soak {
     std::atomic<unsigned long long> difference{0};  // of the sums of all numbers; each is there once
 
     void Push(unsigned int number) {
-        Frame frame(kFrameSamples, number);
+        SoakFrame frame(kFrameSamples, number);
         auto* const samples = reinterpret_cast<short*>(frame.data());
         if (!(number % 3 != 0 ? stream.PushBackFrame(samples) : stream.PushFrontFrame(samples)).IsFailed()) {
             ++pushed;
@@ -35,7 +35,7 @@ struct Soak {
     }
 
     void Take(bool front) {
-        Frame frame(kFrameSamples);
+        SoakFrame frame(kFrameSamples);
         auto* const samples = reinterpret_cast<short*>(frame.data());
         if (!(front ? stream.TakeFrontFrame(samples) : stream.TakeBackFrame(samples)).IsFailed()) {
             EXPECT_EQ(std::count(frame.begin(), frame.end(), frame[0]), kFrameSamples) << "a torn frame";

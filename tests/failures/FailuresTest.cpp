@@ -38,7 +38,7 @@ bool MayAllocate() {
 
 }  // namespace
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef VELM_SANITIZED
 #define VELM_TEST_MALLOC std::malloc  // the sanitizer has replaced it already
 #else
 #define VELM_TEST_MALLOC __libc_malloc

@@ -20,7 +20,7 @@ std::string Scrambled(std::string text) {
     return text;
 }
 
-constexpr int kRounds = 50000 / VELM_TEST_SLOWDOWN;
+constexpr int kPatternRounds = 50000 / VELM_TEST_SLOWDOWN;
 
 bool Matches(const std::string& text, const std::string& plainPattern) {
     return UrlSchemeUtil::checkDomain(text, Scrambled(plainPattern)) == 0U;
@@ -63,7 +63,7 @@ TEST(Pattern, AcceptsWhatTheStandardLibraryAccepts) {
     std::mt19937 random = test::SeededRandom();
     const std::string_view alphabet("aaabbbc1 _.\n\0\xC3", 14);
     int matches = 0;
-    for (int i = 0; i < kRounds; ++i) {
+    for (int i = 0; i < kPatternRounds; ++i) {
         const std::string pattern = RandomPattern(random);
         std::string text(random() % 6, ' ');
         std::generate(text.begin(), text.end(), [&] { return alphabet[random() % alphabet.size()]; });
@@ -72,7 +72,7 @@ TEST(Pattern, AcceptsWhatTheStandardLibraryAccepts) {
         ASSERT_EQ(Matches(text, pattern), expected)
             << "pattern \"" << pattern << "\", text \"" << text << '"';
     }
-    EXPECT_GT(matches, kRounds / 100);
+    EXPECT_GT(matches, kPatternRounds / 100);
 }
 
 // Too rare for random tests: loops in which no way could go on, or whose turns are empty; a look-ahead that

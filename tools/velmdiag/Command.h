@@ -13,6 +13,9 @@ namespace velmdiag {
 /// The exit status of a command with a verdict, when it came to none.
 constexpr int kNotDone = 2;
 
+/// The exit status of a command line that cannot be understood.
+constexpr int kWrongUsage = 2;
+
 /// What ends a command early: one line for standard error, and the exit status.
 struct Failure {
     std::string message;

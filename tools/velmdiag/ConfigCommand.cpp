@@ -18,7 +18,6 @@ namespace velmdiag {
 namespace {
 
 constexpr int kNotFound = 1;
-constexpr int kWrongUsage = 2;
 
 struct ConfigOptions {
     std::string file;

@@ -23,7 +23,6 @@ std::string NameOf(velm::ErrorCode code) {
 namespace {
 
 constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
 
 int Run(std::vector<std::string> arguments) {
     CLI::App app("Puts the velm libraries to work on real input.", "velmdiag");

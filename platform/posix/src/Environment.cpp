@@ -15,7 +15,7 @@ using namespace velm::posix;
 namespace {
 
 // Guards the environment among the calls of this file.
-std::mutex g_mutex;
+std::mutex g_environmentMutex;
 
 /// The "NAME=VALUE" of a variable, or null.
 char* FindVariable(const std::string& name) {
@@ -43,7 +43,7 @@ BOOL SetEnvironmentVariableW(LPCWSTR wideName, LPCWSTR value) {
             SetLastError(ERROR_INVALID_PARAMETER);
             return FALSE;
         }
-        const std::lock_guard lock(g_mutex);
+        const std::lock_guard lock(g_environmentMutex);
         if (const char* const entry = FindVariable(name)) {
             name.assign(entry, name.size());  // in its own case
         }
@@ -65,7 +65,7 @@ int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
     }
     return WithinSystem(ENOMEM, [&]() -> int {
         const std::string name = Utf8(wideName);
-        const std::lock_guard lock(g_mutex);
+        const std::lock_guard lock(g_environmentMutex);
         const char* const entry = IsName(name) ? FindVariable(name) : nullptr;
         if (entry == nullptr) {
             return 0;
