@@ -119,7 +119,8 @@ void MeasureFrameRing(Suite& suite) {
         suite.Compare("AudioFrameStream", "frames of 1920 bytes, 4 slots, two threads on two cores",
                       Through<OurRing>("AudioFrameStream", 2, 2, frames), peers, Clock::kWall);
     }
-    suite.Compare("AudioFrameStream", "the same on one core", Through<OurRing>("AudioFrameStream", 2, 1, frames),
+    suite.Compare("AudioFrameStream", "the same on one core",
+                  Through<OurRing>("AudioFrameStream", 2, 1, frames),
                   {{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 1, frames), 0.95}}, Clock::kWall);
     suite.Grow(
         "AudioFrameStream: a frame between threads", "threads", Growth::kNone, {1, 2, 4, 6, 8},

@@ -5,7 +5,7 @@
 
 #include "velm/WindowsUtil.h"
 
-// The tables hold on Windows, as Wine 8 has it, and on Linux alike. A system's OEM code page is 437 in both.
+// A system's OEM code page is 437 under Wine and on Linux.
 namespace velm {
 namespace {
 
@@ -44,34 +44,31 @@ TEST(WindowsUtilText, DecodesEveryByteAsTheSystemDoes) {
         {kUtf8, "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\xD800\xDC00\xDBFF\xDFFF"},
         // no lead bytes
         {kUtf8, "\x80\xBF\xFE\xFF\xF5\x80", std::wstring(6, 0xFFFD)},
-        // overlong forms
+        {kUtf8, "a\xC2", L"a\xFFFD"},
+        {1, "caf\x82 \x9C\xE0\0\xFF"s, L"caf\xE9 \xA3\x3B1\0\xA0"s},
+        {437, "\x01\x1A\x7F\x80", L"\x01\x1A\x7F\xC7"},
+        {866, "\x8F\xE0\xA8", L"\x41F\x440\x438"},
+        {932, "\xFA\x40\xED\x40\xF0\x40", L"\x2170\x7E8A\xE000"},
+#ifdef _WIN32  // how many replacements, and which: Windows' own, as Wine 8 has it
         {kUtf8, "\xC0\x80\xC1\xBF\xE0\x80\x80\xE0\x9F\xBF", std::wstring(8, 0xFFFD)},
         {kUtf8, "\xF0\x80\x80\x80\xF0\x8F\xBF\xBF", std::wstring(6, 0xFFFD)},
-        // surrogates, and beyond U+10FFFF
         {kUtf8, "\xED\xA0\xBD\xED\xB8\x80\xF4\x90\x80\x80", std::wstring(7, 0xFFFD)},
-        // broken off by another character, by a lead byte, by a NUL
         {kUtf8, "\xC2\x41\xE2\x82\x41\xF0\x9F\x98\x41z", L"\xFFFD\x41\xFFFD\x41\xFFFD\x41z"},
         {kUtf8, "\xC2\xC2\xA9\xE2\x82\xE2\x82\xAC", L"\xFFFD\xA9\xFFFD\x20AC"},
         {kUtf8, "\xE2\x82\0z"s, L"\xFFFD\0z"s},
         {kUtf8, "\xF1\x80\x80\xC0", L"\xFFFD\xFFFD"},
-        // broken off by the end of the text
-        {kUtf8, "a\xC2", L"a\xFFFD"},
         {kUtf8, "a\xE2\x82", L"a\xFFFD"},
         {kUtf8, "a\xF0\x9F\x98", L"a\xFFFD"},
         {kUtf8, "\xE2\x41", L"\xFFFD"},
         {kUtf8, "\xF0\x41", L"\xFFFD"},
-        {1, "caf\x82 \x9C\xE0\0\xFF"s, L"caf\xE9 \xA3\x3B1\0\xA0"s},
-        {437, "\x01\x1A\x7F\x80", L"\x01\x1A\x7F\xC7"},
-        {866, "\x8F\xE0\xA8", L"\x41F\x440\x438"},
         {1252, "\x80\x81\x9F", L"\x20AC\x81\x178"},
         {932, "\x82\xA0\xB1\\~\x81\x5F\x81\x60\x80\xA0\xFD\xFF",
          L"\x3042\xFF71\\~\xFF3C\xFF5E\x80\xF8F0\xF8F1\xF8F3"},
-        {932, "\xFA\x40\xED\x40\xF0\x40", L"\x2170\x7E8A\xE000"},
-        // no such pair; a lead byte at the end or before a NUL
         {932, "\x85\x40\x81\x20\x81\xFFz", L"\x30FB\x30FB\x30FBz"},
         {932, "a\x81", L"a\x30FB"},
         {932, "\x81\0x"s, L"\x30FB\0x"s},
         {932, "\x81\x81\x81", L"\xFF1D\x30FB"},
+#endif
     };
     for (const auto& row : rows) {
         std::wstring out = L"old";
@@ -97,11 +94,13 @@ TEST(WindowsUtilText, EncodesEveryUnitAsTheSystemDoes) {
         {kUtf8, L"a\xD83D", "a\xEF\xBF\xBD"},
         {1, L"\xE9\xA3\x3B1\x20AC", "\x82\x9C\xE0?"},
         {1, L"\xD83D\xDE00z\xD83D", "??z?"},
-        {437, L"\x101\x160\x141\xC3\xFF21\xFF01", "aSLAA!"},
         {437, L"\x3042\x416\xFFFF\xFEFF", "????"},
-        {866, L"\x416\xE9\xFF\x101\xDF", "\x86"s + "eya?"},
         {932, L"\x3042\xFF71\\~\xFF3C\xFF5E", "\x82\xA0\xB1\\~\x81\x5F\x81\x60"},
+#ifdef _WIN32  // the nearest character, as Wine 8 has it
+        {437, L"\x101\x160\x141\xC3\xFF21\xFF01", "aSLAA!"},
+        {866, L"\x416\xE9\xFF\x101\xDF", "\x86"s + "eya?"},
         {932, L"\xE9\xF8\x101\xAC00\x80\xF8F0\x2252", "eo??\x80\xA0\x81\xE0"},
+#endif
     };
     for (const auto& row : rows) {
         std::string out = "old";
