@@ -41,7 +41,9 @@ public:
     ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: the frame operations do not wait
     ErrorCode Initialize() override;
 
-    /// Ends the waiting: wakes a blocked thread on each side and gives it 50 ms to leave. The frames stay.
+    /// Ends the waiting: wakes a blocked thread on each side, waits for one that is moving a frame (for half
+    /// a second at most, because a thread that was killed never gets done) and gives them 50 ms to leave. A
+    /// thread that was waiting fails with VELM_ERROR_UTIL_UNKNOWN. The frames stay.
     /// Threads: at most one is blocked on each side, and none enters a frame operation meanwhile.
     void Terminate() override;
 
@@ -83,6 +85,7 @@ public:
 
 private:
     bool IsReady();
+    void WaitForHolder();
     void DestroySemaphores();
     ErrorCode Lock(Semaphore*& slots);
     ErrorCode Unlock(Semaphore*& slots);

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <future>
+#include <thread>
 #include <vector>
 
 namespace velm {
@@ -111,6 +114,47 @@ TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
         stream.Terminate();
         EXPECT_EQ(ended.Result(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
+    }
+}
+
+// A taker that waits for the ring while a long push holds it, and the end in between.
+TEST(AudioFrameStream, TheEndLetsNobodyInBesideThePush) {
+    constexpr unsigned int kLong = 8 << 20;
+    Frame frames[] = {Frame(kLong, 1), Frame(kLong, 2), Frame(kLong)};
+    AudioFrameStream stream(kLong, 2, 1, 16);
+    for (int round = 0; round < 100; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_EQ(stream.Initialize(), 0U);
+        ASSERT_EQ(stream.PushBackFrame(frames[0].data()), 0U);
+        std::atomic<int> entering{0};
+        auto push = std::async(std::launch::async, [&] {
+            ++entering;
+            return stream.PushFrontFrame(frames[1].data());
+        });
+        for (; entering != 1; std::this_thread::yield()) {
+        }
+        auto take = std::async(std::launch::async, [&] {
+            ++entering;
+            return stream.TakeFrontFrame(frames[2].data());
+        });
+        for (; entering != 2; std::this_thread::yield()) {
+        }
+        std::this_thread::sleep_for(1ms);
+        stream.Terminate();
+        std::vector<int> expected = {1};
+        if (push.get() == 0) {
+            expected.push_back(2);
+        }
+        std::vector<int> found;
+        for (ErrorCode taken = take.get(); taken == 0 || found.empty();) {
+            if (taken == 0) {
+                EXPECT_EQ(frames[2].front(), frames[2].back()) << "torn";
+                found.push_back(frames[2].front());
+            }
+            taken = stream.TakeFrontFrame(frames[2].data());
+        }
+        std::sort(found.begin(), found.end());
+        ASSERT_EQ(found, expected) << "lost or doubled";
     }
 }
 

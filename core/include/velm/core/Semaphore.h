@@ -28,6 +28,11 @@ public:
     /// Threads: any.
     ErrorCode Wait();
 
+    /// Takes one if there is one.
+    /// @return whether it did
+    /// Threads: any.
+    bool TryTake();
+
     /// Adds `count` and wakes as many waiters. A semaphore may be destroyed by the thread that this call
     /// wakes.
     /// @return 0; VELM_ERROR_CORE_LIMIT_EXCEEDED when the sum would exceed the maximum (the count stays)
@@ -35,7 +40,6 @@ public:
     ErrorCode Post(unsigned int count);
 
 private:
-    bool TryTake();
     ErrorCode WaitSlowly();
     ErrorCode SpinThenSleep();
     void* CountAddress();
