@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include "velm/core/CoreErrorCode.h"
+#include "velm/core/ProcessEnd.h"
+
 namespace velm {
 
 SyncEvent::SyncEvent(bool manualReset, bool initiallySet)
@@ -15,6 +18,9 @@ ErrorCode SyncEvent::Wait() {
         if (m_manualReset ? m_set.load(std::memory_order_acquire) != 0
                           : m_set.compare_exchange_strong(set, 0, std::memory_order_acquire)) {
             return 0;
+        }
+        if (IsProcessEnding()) {
+            return VELM_ERROR_CORE_ILLEGAL_CALL;
         }
         unsigned int reset = 0;
         WaitOnAddress(&m_set, &reset, sizeof reset, INFINITE);

@@ -52,7 +52,7 @@ struct Thread::Impl {
     void* parameter = nullptr;
     // Written by the thread, read after the wait for its end.
     int exitCode = 0;
-    bool threw = false;
+    bool returned = false;
 
     unsigned int threadId = 0;
     std::unique_ptr<void, HandleCloser> handle;
@@ -67,8 +67,8 @@ unsigned int WINAPI Thread::Impl::Run(void* record) {
     NameCurrentThread(impl->config.GetName());
     try {
         impl->exitCode = (*impl->owner)(impl->parameter);
+        impl->returned = true;
     } catch (...) {
-        impl->threw = true;
     }
     return 0;
 }
@@ -110,7 +110,7 @@ ErrorCode Thread::Start(void* parameter) {
         return VELM_ERROR_CORE_ILLEGAL_CALL;
     }
     m_impl->parameter = parameter;
-    m_impl->threw = false;
+    m_impl->returned = false;
     m_impl->self = m_impl;
     const auto handle = _beginthreadex(nullptr, m_impl->config.GetStackSize(), &Impl::Run, m_impl.get(),
                                        STACK_SIZE_PARAM_IS_A_RESERVATION, &m_impl->threadId);
@@ -131,7 +131,7 @@ ErrorCode Thread::Join(unsigned long long* exitCode) {
         return VELM_ERROR_CORE_UNKNOWN;
     }
     m_impl->handle.reset();
-    if (m_impl->threw) {
+    if (!m_impl->returned) {
         return VELM_ERROR_CORE_THREAD_EXCEPTION;
     }
     if (exitCode != nullptr) {

@@ -4,6 +4,7 @@
 #include <climits>
 #include <new>
 
+#include "velm/core/ProcessEnd.h"
 #include "velm/core/Semaphore.h"
 #include "velm/core/Thread.h"
 
@@ -68,8 +69,11 @@ ErrorCode AudioFrameStream::Initialize() {
     m_pPushSemaphore = new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum);
     m_pTakeSemaphore = new (std::nothrow) Semaphore(0, m_nFrameNum);
     m_pLockSemaphore = new (std::nothrow) Semaphore(1, 1);
-    if (m_pPushSemaphore == nullptr || m_pTakeSemaphore == nullptr || m_pLockSemaphore == nullptr) {
-        return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+    for (Semaphore* semaphore : {m_pPushSemaphore, m_pTakeSemaphore, m_pLockSemaphore}) {
+        if (semaphore == nullptr || semaphore->Post(0).IsFailed()) {
+            DestroySemaphores();
+            return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+        }
     }
     std::atomic_ref(m_bInitialized).store(1, std::memory_order_release);
     return 0;
@@ -78,7 +82,7 @@ ErrorCode AudioFrameStream::Initialize() {
 void AudioFrameStream::Terminate() {
     std::atomic_ref(m_bInitialized).store(0, std::memory_order_release);
     for (Semaphore* semaphore : {m_pPushSemaphore, m_pTakeSemaphore}) {
-        if (semaphore != nullptr) {
+        if (semaphore != nullptr && !IsProcessEnding()) {
             semaphore->Post(1);
         }
     }
@@ -90,7 +94,7 @@ void AudioFrameStream::Terminate() {
 /// Takes the lock, so that no thread is at the ring and none gets there. A thread that was killed at the ring
 /// never gives the lock back, so there is a limit.
 void AudioFrameStream::WaitForHolder() {
-    if (m_pLockSemaphore == nullptr) {
+    if (m_pLockSemaphore == nullptr || IsProcessEnding()) {
         return;
     }
     for (unsigned int waited = 0; !m_pLockSemaphore->TryTake() && waited < kHolderMilliseconds; ++waited) {

@@ -20,7 +20,8 @@ public:
     ErrorCode Initialize();
 
     /// Waits until no other thread holds the lock and takes it. The holder may take it again; each Lock needs
-    /// its Unlock.
+    /// its Unlock. A thread that is killed while it holds the lock never gives it back; only while the
+    /// process ends is it taken from such a thread, so that destructors come through.
     /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED before Initialize
     /// Threads: any.
     ErrorCode Lock();

@@ -15,14 +15,14 @@ public:
     /// @param initiallySet  whether the event starts set
     SyncEvent(bool manualReset, bool initiallySet);
 
-    /// No thread may be waiting.
+    /// Waits for nobody. No thread may be waiting, but for one that was killed.
     ~SyncEvent();
 
     SyncEvent(const SyncEvent&) = delete;
     SyncEvent& operator=(const SyncEvent&) = delete;
 
     /// Blocks, without a time limit, until the event is set.
-    /// @return 0
+    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL when it would block while the process ends
     /// Threads: any.
     ErrorCode Wait();
 
