@@ -32,7 +32,8 @@ ErrorCode SyncEvent::Set() {
     // only.
     const bool manualReset = m_manualReset;
     void* const address = &m_set;
-    m_set.store(1, std::memory_order_release);
+    // An exchange and not a store, which would hide what an earlier setter wrote from the waiter.
+    m_set.exchange(1, std::memory_order_release);
     if (manualReset) {
         WakeByAddressAll(address);
     } else {
