@@ -37,7 +37,8 @@ public:
 
     /// Makes the frame operations wait. The ring is expected to be empty: frames that it holds are not
     /// counted. Called once, and once more after each Terminate.
-    /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail at once;
+    /// @return 0; frame operations of a ring for 0 frames fail at once all the same;
+    ///         VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail at once;
     ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: the frame operations do not wait
     ErrorCode Initialize() override;
 
@@ -78,9 +79,9 @@ public:
     unsigned int GetUsedFrameSize();  ///< whole frames that the ring holds
     unsigned int GetFreeFrameSize();  ///< whole frames that it has room for
 
-    /// Lets one blocked push and one blocked take go, which then fail if the ring is still full or empty.
-    /// Where none is blocked, the next take from a ring that is empty now is let through, or the next push
-    /// into one that is full now.
+    /// Lets one push and one take through without a free slot or a frame: a blocked one now, else the next
+    /// that would block. It then fails if the ring is still full or empty. Calls add up, for takes to the
+    /// number of free slots and for pushes to the number of frames at most.
     void UnlockForce();
 
 private:

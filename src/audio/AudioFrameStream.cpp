@@ -66,6 +66,9 @@ ErrorCode AudioFrameStream::Initialize() {
     if (result.IsFailed()) {
         return result;  // without storage no frame ever comes, so nobody is to wait for one
     }
+    if (m_nFrameNum == 0) {
+        return result;  // nor without a slot, and a post over a maximum of 0 would let nobody go
+    }
     m_pPushSemaphore = new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum);
     m_pTakeSemaphore = new (std::nothrow) Semaphore(0, m_nFrameNum);
     m_pLockSemaphore = new (std::nothrow) Semaphore(1, 1);
@@ -103,9 +106,9 @@ void AudioFrameStream::WaitForHolder() {
 }
 
 void AudioFrameStream::DestroySemaphores() {
+    Destroy(m_pLockSemaphore);  // first: a thread that it turns away has come through one of the others
     Destroy(m_pPushSemaphore);
     Destroy(m_pTakeSemaphore);
-    Destroy(m_pLockSemaphore);
 }
 
 ErrorCode AudioFrameStream::PushBackFrame(short* frame) {

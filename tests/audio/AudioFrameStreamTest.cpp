@@ -89,6 +89,10 @@ TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
         EXPECT_EQ(stream.DropAllFrame(), 0U);
         EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
     }
+    AudioFrameStream none(480, 0, 2, 16);
+    EXPECT_EQ(none.Initialize(), 0U);
+    EXPECT_EQ(none.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    EXPECT_EQ(none.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
 TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
@@ -115,6 +119,18 @@ TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
         EXPECT_EQ(ended.Result(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
     }
+}
+
+TEST(AudioFrameStream, ForceOnAHalfFullRingIsKeptForLater) {
+    AudioFrameStream stream(kSamples, 2, 1, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+    ASSERT_EQ(stream.PushBackClearFrame(), 0U);
+    stream.UnlockForce();
+    EXPECT_EQ(stream.DropFrontFrame(), 0U);
+    EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    Blocked spent([&] { return stream.DropFrontFrame(); });
+    stream.UnlockForce();
+    EXPECT_EQ(spent.Result(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
 // A taker that waits for the ring while a long push holds it, and the end in between.
