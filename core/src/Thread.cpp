@@ -11,6 +11,10 @@
 #include "velm/core/PathHelper.h"
 #include "velm/core/SyncEvent.h"
 
+#ifdef __GLIBC__
+#include <cxxabi.h>
+#endif
+
 namespace velm {
 namespace {
 
@@ -33,6 +37,23 @@ void NameCurrentThread(const char* utf8Name) {
             setThreadDescription(GetCurrentThread(), name.c_str());
         }
     } catch (const std::bad_alloc&) {
+    }
+}
+
+/// Whether a call returns, rather than ending by an exception.
+template <typename Call>
+bool Returns(Call call) {
+    try {
+        call();
+        return true;
+    }
+#ifdef __GLIBC__
+    catch (const abi::__forced_unwind&) {
+        throw;  // pthread_exit or pthread_cancel, which end the process when they are held up
+    }
+#endif
+    catch (...) {
+        return false;
     }
 }
 
@@ -65,11 +86,7 @@ unsigned int WINAPI Thread::Impl::Run(void* record) {
     const std::shared_ptr<Impl> impl = std::move(static_cast<Impl*>(record)->self);
     impl->started.Wait();
     NameCurrentThread(impl->config.GetName());
-    try {
-        impl->exitCode = (*impl->owner)(impl->parameter);
-        impl->returned = true;
-    } catch (...) {
-    }
+    impl->returned = Returns([&] { impl->exitCode = (*impl->owner)(impl->parameter); });
     return 0;
 }
 
