@@ -92,6 +92,8 @@ private:
         std::atomic<Entry*> next{nullptr};
     };
 
+    // This and the entries' `next` are sequentially consistent: the exchange that links an entry publishes it
+    // to the loads that walk the list.
     std::atomic<Entry*> m_first{nullptr};
 };
 

@@ -29,11 +29,18 @@ struct SemaphoreState {
     unsigned char padBefore[64 - 16] = {};
     // Low half: the count, and the closing bit. High half: the number of threads that sleep. In one word, a
     // post that finds no sleeper and a thread that goes to sleep cannot miss each other.
+    // Post's release pairs with the acquire of the exchange that takes; all changes are exchanges, so a take
+    // is ordered after every post before it. Registering, looking and closing are relaxed: they pass on
+    // nothing but the word itself, whose changes have one order.
     std::atomic<unsigned long long> counts;
-    // One of the semaphore's own, one of each thread inside WaitSlowly; and the closing bit.
+    // One of the semaphore's own, one of each thread inside WaitSlowly; and the closing bit. The release of
+    // the thread that leaves pairs with the acquire of the one that frees, or that stops waiting in the
+    // destructor. Adding one is relaxed: the semaphore's own keeps the block until then.
     std::atomic<unsigned int> references{1};
     const unsigned int maximum;
-    std::atomic<unsigned int> fruitlessSpins{0};  // since spinning last got a count
+    // Since spinning last got a count. Relaxed: a guide that guards nothing, where a lost update does no
+    // harm.
+    std::atomic<unsigned int> fruitlessSpins{0};
     unsigned char padAfter[64 - 16 - sizeof fruitlessSpins] = {};
 };
 

@@ -100,6 +100,7 @@ private:
     Semaphore* m_pPushSemaphore;  // free slots; owned, as are the other two
     Semaphore* m_pTakeSemaphore;  // filled frames
     Semaphore* m_pLockSemaphore;  // 1 while no thread is at the ring
+    // Initialize's release pairs with IsReady's acquire, for the pointers above.
     int m_bInitialized;
 };
 

@@ -32,6 +32,8 @@ public:
     ErrorCode Set();
 
 private:
+    // Set's release pairs with the acquire that finds it set in Wait. Each Set is an exchange, and so part of
+    // the release sequences of those before it.
     std::atomic<unsigned int> m_set;
     bool m_manualReset;
 };
