@@ -28,15 +28,16 @@ constexpr ErrorCodeInfo kCoreCodes[] = {
 };
 
 /// The registered codes in their order: a list that only grows, at its end. It needs no lock and nothing at
-/// its first use, so neither can fail. Its entries stay where they are, and so do their texts.
+/// its first use, so neither can fail. Its entries stay where they are, and so do their texts, until the
+/// library is unloaded. At the end of the process they stay for good: threads may still look.
 class Registry {
 public:
     constexpr Registry() = default;
     Registry(const Registry&) = delete;
     Registry& operator=(const Registry&) = delete;
 
-    ~Registry() {
-        for (const Entry* entry = m_first.load(); entry != nullptr;) {
+    void Clear() {
+        for (const Entry* entry = m_first.exchange(nullptr); entry != nullptr;) {
             entry = std::unique_ptr<const Entry>(entry)->next.load();
         }
     }
@@ -91,12 +92,18 @@ private:
         std::atomic<Entry*> next{nullptr};
     };
 
+    // This and the entries' `next` are sequentially consistent: the exchange that links an entry publishes it
+    // to the loads that walk the list.
     std::atomic<Entry*> m_first{nullptr};
 };
 
 constinit Registry g_registry;
 
 }  // namespace
+
+void ClearErrorRegistry() {
+    g_registry.Clear();
+}
 
 void RegisterErrorCode(unsigned int code, const char* facility, const char* name) {
     try {

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "velm/core/CoreErrorCode.h"
+#include "velm/core/ProcessEnd.h"
 
 // Of the system's calls and not of the standard library's mutex, which some runtimes make on the heap at the
 // first lock and never free.
@@ -22,6 +23,9 @@ ErrorCode Mutex::Lock() {
         unsigned int state = 0;
         if (!m_state.compare_exchange_strong(state, 1, std::memory_order_acquire)) {
             while (m_state.exchange(2, std::memory_order_acquire) != 0) {
+                if (IsProcessEnding()) {
+                    break;  // the holder is gone, and so is everyone else
+                }
                 state = 2;
                 WaitOnAddress(&m_state, &state, sizeof state, INFINITE);
             }

@@ -3,21 +3,47 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
+#include <new>
 
 #include "velm/core/CoreErrorCode.h"
+#include "velm/core/ProcessEnd.h"
 
-// A thread that sleeps does so on the low half of m_state being 0, by WaitOnAddress. No wake-up is lost:
+// A thread that sleeps does so on the low half of `counts` being 0, by WaitOnAddress. No wake-up is lost:
 // - a sleeper adds itself to the high half before it looks at the low half a last time, and a post changes
 //   the low half and reads the high half in one operation, so either the sleeper sees the new count or the
 //   post sees the sleeper, and WaitOnAddress itself returns at once when the count is no longer 0;
 // - the closing bit makes the low half differ from 0 for good, so no thread falls asleep after it is set.
 //
-// No thread touches freed memory: after its one operation on m_state a post uses the address only, which the
-// wake calls never dereference; and the last operation of a waiter is to leave m_waiters, for which the
-// destructor waits.
+// No thread touches freed memory: after its one operation on `counts` a post uses the address only, which the
+// wake calls never dereference; and a waiter holds a reference from before it spins until it has left.
 
 namespace velm {
+
+struct SemaphoreState {
+    SemaphoreState(unsigned int initial, unsigned int most) : counts(initial), maximum(most) {}
+
+    // The padding keeps neighbours on the heap off the cache line of the counts: no neighbour in a line of 64
+    // bytes, where heap blocks begin at multiples of 16.
+    unsigned char padBefore[64 - 16] = {};
+    // Low half: the count, and the closing bit. High half: the number of threads that sleep. In one word, a
+    // post that finds no sleeper and a thread that goes to sleep cannot miss each other.
+    // Post's release pairs with the acquire of the exchange that takes; all changes are exchanges, so a take
+    // is ordered after every post before it. Registering, looking and closing are relaxed: they pass on
+    // nothing but the word itself, whose changes have one order.
+    std::atomic<unsigned long long> counts;
+    // One of the semaphore's own, one of each thread inside WaitSlowly; and the closing bit. The release of
+    // the thread that leaves pairs with the acquire of the one that frees, or that stops waiting in the
+    // destructor. Adding one is relaxed: the semaphore's own keeps the block until then.
+    std::atomic<unsigned int> references{1};
+    const unsigned int maximum;
+    // Since spinning last got a count. Relaxed: a guide that guards nothing, where a lost update does no
+    // harm.
+    std::atomic<unsigned int> fruitlessSpins{0};
+    unsigned char padAfter[64 - 16 - sizeof fruitlessSpins] = {};
+};
+
 namespace {
 
 using State = unsigned long long;
@@ -25,6 +51,7 @@ using State = unsigned long long;
 constexpr unsigned int kClosing = 0x80000000U;
 constexpr unsigned int kMostCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
+constexpr unsigned int kLeaveMilliseconds = 200;
 
 // Spinning pays when the thread that posts runs on another processor: for the time that waking a thread
 // takes, some 10 microseconds, so that threads which have fallen asleep in turn catch up with each other.
@@ -56,109 +83,124 @@ constexpr unsigned int Sleepers(State state) {
     return static_cast<unsigned int>(state >> 32);
 }
 
-}  // namespace
-
-Semaphore::Semaphore(unsigned int initial, unsigned int maximum)
-    : m_padBefore{},
-      m_state(std::min({initial, maximum, kMostCount})),
-      m_waiters(0),
-      m_maximum(std::min(maximum, kMostCount)),
-      m_fruitlessSpins(0),
-      m_padAfter{} {
-    static_assert(sizeof m_padBefore == 64 - 16 && sizeof m_padAfter == 64 - 16 - sizeof m_fruitlessSpins,
-                  "no neighbour in a line of 64 bytes, where heap blocks begin at multiples of 16");
-}
-
-Semaphore::~Semaphore() {
-    m_waiters.fetch_or(kClosing, std::memory_order_acq_rel);
-    m_state.fetch_or(kClosing, std::memory_order_acq_rel);
-    WakeByAddressAll(CountAddress());
-    for (;;) {
-        unsigned int waiters = m_waiters.load(std::memory_order_acquire);
-        if (waiters == kClosing) {
-            return;
-        }
-        WaitOnAddress(&m_waiters, &waiters, sizeof waiters, INFINITE);
-    }
-}
-
-ErrorCode Semaphore::Wait() {
-    return TryTake() ? ErrorCode(0) : WaitSlowly();
-}
-
-ErrorCode Semaphore::Post(unsigned int count) {
-    State state = m_state.load(std::memory_order_relaxed);
-    do {
-        if (IsClosing(state)) {
-            return VELM_ERROR_CORE_ILLEGAL_CALL;
-        }
-        if (count > m_maximum - LowHalf(state)) {
-            return VELM_ERROR_CORE_LIMIT_EXCEEDED;
-        }
-    } while (!m_state.compare_exchange_weak(state, state + count, std::memory_order_release,
-                                            std::memory_order_relaxed));
-    if (Sleepers(state) <= count) {
-        if (Sleepers(state) != 0) {
-            WakeByAddressAll(CountAddress());
-        }
-        return 0;
-    }
-    for (; count != 0; --count) {
-        WakeByAddressSingle(CountAddress());
-    }
-    return 0;
-}
-
-bool Semaphore::TryTake() {
-    State state = m_state.load(std::memory_order_relaxed);
-    while (CanTake(state)) {
-        if (m_state.compare_exchange_weak(state, state - 1, std::memory_order_acquire,
-                                          std::memory_order_relaxed)) {
+bool TryTakeFrom(SemaphoreState& semaphore) {
+    State counts = semaphore.counts.load(std::memory_order_relaxed);
+    while (CanTake(counts)) {
+        if (semaphore.counts.compare_exchange_weak(counts, counts - 1, std::memory_order_acquire,
+                                                   std::memory_order_relaxed)) {
             return true;
         }
     }
     return false;
 }
 
-ErrorCode Semaphore::WaitSlowly() {
-    m_waiters.fetch_add(1, std::memory_order_relaxed);
-    const ErrorCode result = SpinThenSleep();
-    void* const waiters = &m_waiters;
-    if (m_waiters.fetch_sub(1, std::memory_order_release) == (kClosing | 1)) {
-        WakeByAddressAll(waiters);
-    }
-    return result;
-}
-
-ErrorCode Semaphore::SpinThenSleep() {
-    const unsigned int fruitless = m_fruitlessSpins.load(std::memory_order_relaxed);
+ErrorCode SpinThenSleep(SemaphoreState& semaphore) {
+    const unsigned int fruitless = semaphore.fruitlessSpins.load(std::memory_order_relaxed);
     for (unsigned int spin = SpinsAfter(fruitless); spin != 0; --spin) {
-        if (TryTake()) {
-            m_fruitlessSpins.store(0, std::memory_order_relaxed);
+        if (TryTakeFrom(semaphore)) {
+            semaphore.fruitlessSpins.store(0, std::memory_order_relaxed);
             return 0;
         }
         YieldProcessor();
     }
-    m_fruitlessSpins.store(fruitless + 1, std::memory_order_relaxed);
-    State state = m_state.fetch_add(kOneSleeper, std::memory_order_relaxed) + kOneSleeper;
+    semaphore.fruitlessSpins.store(fruitless + 1, std::memory_order_relaxed);
+    State counts = semaphore.counts.fetch_add(kOneSleeper, std::memory_order_relaxed) + kOneSleeper;
     for (;;) {
-        while (CanTake(state)) {
-            if (m_state.compare_exchange_weak(state, state - kOneSleeper - 1, std::memory_order_acquire,
-                                              std::memory_order_relaxed)) {
+        while (CanTake(counts)) {
+            if (semaphore.counts.compare_exchange_weak(
+                    counts, counts - kOneSleeper - 1, std::memory_order_acquire, std::memory_order_relaxed)) {
                 return 0;
             }
         }
-        if (IsClosing(state)) {
+        if (IsClosing(counts) || IsProcessEnding()) {
             return VELM_ERROR_CORE_ILLEGAL_CALL;
         }
         unsigned int nothing = 0;
-        WaitOnAddress(CountAddress(), &nothing, sizeof nothing, INFINITE);
-        state = m_state.load(std::memory_order_relaxed);
+        WaitOnAddress(&semaphore.counts, &nothing, sizeof nothing, INFINITE);
+        counts = semaphore.counts.load(std::memory_order_relaxed);
     }
 }
 
-void* Semaphore::CountAddress() {
-    return &m_state;
+/// Gives a reference up. The last one to do so frees the state; the last waiter tells a destructor that
+/// waits.
+void Release(SemaphoreState* semaphore) {
+    void* const address = &semaphore->references;
+    const unsigned int before = semaphore->references.fetch_sub(1, std::memory_order_acq_rel);
+    if (before == (kClosing | 1)) {
+        delete semaphore;
+    } else if (before == (kClosing | 2)) {
+        WakeByAddressAll(address);
+    }
+}
+
+ErrorCode WaitSlowly(SemaphoreState* semaphore) {
+    semaphore->references.fetch_add(1, std::memory_order_relaxed);
+    const ErrorCode result = SpinThenSleep(*semaphore);
+    Release(semaphore);
+    return result;
+}
+
+}  // namespace
+
+Semaphore::Semaphore(unsigned int initial, unsigned int maximum)
+    : m_state(new (std::nothrow)
+                  SemaphoreState(std::min({initial, maximum, kMostCount}), std::min(maximum, kMostCount))) {}
+
+Semaphore::~Semaphore() {
+    if (m_state == nullptr) {
+        return;
+    }
+    unsigned int references = m_state->references.fetch_or(kClosing, std::memory_order_acq_rel) | kClosing;
+    if (references != (kClosing | 1)) {
+        if (IsProcessEnding()) {
+            return;  // the waiters are gone, and what they left behind in the system is not to be touched
+        }
+        m_state->counts.fetch_or(kClosing, std::memory_order_relaxed);
+        WakeByAddressAll(&m_state->counts);
+        do {
+            references = m_state->references.load(std::memory_order_acquire);
+        } while (references != (kClosing | 1) &&
+                 WaitOnAddress(&m_state->references, &references, sizeof references, kLeaveMilliseconds));
+    }
+    Release(m_state);
+}
+
+ErrorCode Semaphore::Wait() {
+    if (m_state == nullptr) {
+        return VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
+    }
+    return TryTakeFrom(*m_state) ? ErrorCode(0) : WaitSlowly(m_state);
+}
+
+bool Semaphore::TryTake() {
+    return m_state != nullptr && TryTakeFrom(*m_state);
+}
+
+ErrorCode Semaphore::Post(unsigned int count) {
+    if (m_state == nullptr) {
+        return VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
+    }
+    void* const address = &m_state->counts;
+    State counts = m_state->counts.load(std::memory_order_relaxed);
+    do {
+        if (IsClosing(counts)) {
+            return VELM_ERROR_CORE_ILLEGAL_CALL;
+        }
+        if (count > m_state->maximum - LowHalf(counts)) {
+            return VELM_ERROR_CORE_LIMIT_EXCEEDED;
+        }
+    } while (!m_state->counts.compare_exchange_weak(counts, counts + count, std::memory_order_release,
+                                                    std::memory_order_relaxed));
+    if (Sleepers(counts) <= count) {
+        if (Sleepers(counts) != 0) {
+            WakeByAddressAll(address);
+        }
+        return 0;
+    }
+    for (; count != 0; --count) {
+        WakeByAddressSingle(address);
+    }
+    return 0;
 }
 
 }  // namespace velm

@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include "velm/core/CoreErrorCode.h"
+#include "velm/core/ProcessEnd.h"
+
 namespace velm {
 
 SyncEvent::SyncEvent(bool manualReset, bool initiallySet)
@@ -16,6 +19,9 @@ ErrorCode SyncEvent::Wait() {
                           : m_set.compare_exchange_strong(set, 0, std::memory_order_acquire)) {
             return 0;
         }
+        if (IsProcessEnding()) {
+            return VELM_ERROR_CORE_ILLEGAL_CALL;
+        }
         unsigned int reset = 0;
         WaitOnAddress(&m_set, &reset, sizeof reset, INFINITE);
     }
@@ -26,7 +32,8 @@ ErrorCode SyncEvent::Set() {
     // only.
     const bool manualReset = m_manualReset;
     void* const address = &m_set;
-    m_set.store(1, std::memory_order_release);
+    // An exchange and not a store, which would hide what an earlier setter wrote from the waiter.
+    m_set.exchange(1, std::memory_order_release);
     if (manualReset) {
         WakeByAddressAll(address);
     } else {

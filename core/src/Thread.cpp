@@ -11,6 +11,10 @@
 #include "velm/core/PathHelper.h"
 #include "velm/core/SyncEvent.h"
 
+#ifdef __GLIBC__
+#include <cxxabi.h>
+#endif
+
 namespace velm {
 namespace {
 
@@ -36,6 +40,23 @@ void NameCurrentThread(const char* utf8Name) {
     }
 }
 
+/// Whether a call returns, rather than ending by an exception.
+template <typename Call>
+bool Returns(Call call) {
+    try {
+        call();
+        return true;
+    }
+#ifdef __GLIBC__
+    catch (const abi::__forced_unwind&) {
+        throw;  // pthread_exit or pthread_cancel, which end the process when they are held up
+    }
+#endif
+    catch (...) {
+        return false;
+    }
+}
+
 }  // namespace
 
 struct Thread::Impl {
@@ -52,7 +73,7 @@ struct Thread::Impl {
     void* parameter = nullptr;
     // Written by the thread, read after the wait for its end.
     int exitCode = 0;
-    bool threw = false;
+    bool returned = false;
 
     unsigned int threadId = 0;
     std::unique_ptr<void, HandleCloser> handle;
@@ -65,11 +86,7 @@ unsigned int WINAPI Thread::Impl::Run(void* record) {
     const std::shared_ptr<Impl> impl = std::move(static_cast<Impl*>(record)->self);
     impl->started.Wait();
     NameCurrentThread(impl->config.GetName());
-    try {
-        impl->exitCode = (*impl->owner)(impl->parameter);
-    } catch (...) {
-        impl->threw = true;
-    }
+    impl->returned = Returns([&] { impl->exitCode = (*impl->owner)(impl->parameter); });
     return 0;
 }
 
@@ -110,7 +127,7 @@ ErrorCode Thread::Start(void* parameter) {
         return VELM_ERROR_CORE_ILLEGAL_CALL;
     }
     m_impl->parameter = parameter;
-    m_impl->threw = false;
+    m_impl->returned = false;
     m_impl->self = m_impl;
     const auto handle = _beginthreadex(nullptr, m_impl->config.GetStackSize(), &Impl::Run, m_impl.get(),
                                        STACK_SIZE_PARAM_IS_A_RESERVATION, &m_impl->threadId);
@@ -131,7 +148,7 @@ ErrorCode Thread::Join(unsigned long long* exitCode) {
         return VELM_ERROR_CORE_UNKNOWN;
     }
     m_impl->handle.reset();
-    if (m_impl->threw) {
+    if (!m_impl->returned) {
         return VELM_ERROR_CORE_THREAD_EXCEPTION;
     }
     if (exitCode != nullptr) {

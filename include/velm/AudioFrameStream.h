@@ -37,11 +37,14 @@ public:
 
     /// Makes the frame operations wait. The ring is expected to be empty: frames that it holds are not
     /// counted. Called once, and once more after each Terminate.
-    /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail at once;
+    /// @return 0; frame operations of a ring for 0 frames fail at once all the same;
+    ///         VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail at once;
     ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: the frame operations do not wait
     ErrorCode Initialize() override;
 
-    /// Ends the waiting: wakes a blocked thread on each side and gives it 50 ms to leave. The frames stay.
+    /// Ends the waiting: wakes a blocked thread on each side, waits for one that is moving a frame (for half
+    /// a second at most, because a thread that was killed never gets done) and gives them 50 ms to leave. A
+    /// thread that was waiting fails with VELM_ERROR_UTIL_UNKNOWN. The frames stay.
     /// Threads: at most one is blocked on each side, and none enters a frame operation meanwhile.
     void Terminate() override;
 
@@ -76,13 +79,14 @@ public:
     unsigned int GetUsedFrameSize();  ///< whole frames that the ring holds
     unsigned int GetFreeFrameSize();  ///< whole frames that it has room for
 
-    /// Lets one blocked push and one blocked take go, which then fail if the ring is still full or empty.
-    /// Where none is blocked, the next take from a ring that is empty now is let through, or the next push
-    /// into one that is full now.
+    /// Lets one push and one take through without a free slot or a frame: a blocked one now, else the next
+    /// that would block. It then fails if the ring is still full or empty. Calls add up, for takes to the
+    /// number of free slots and for pushes to the number of frames at most.
     void UnlockForce();
 
 private:
     bool IsReady();
+    void WaitForHolder();
     void DestroySemaphores();
     ErrorCode Lock(Semaphore*& slots);
     ErrorCode Unlock(Semaphore*& slots);
@@ -96,6 +100,7 @@ private:
     Semaphore* m_pPushSemaphore;  // free slots; owned, as are the other two
     Semaphore* m_pTakeSemaphore;  // filled frames
     Semaphore* m_pLockSemaphore;  // 1 while no thread is at the ring
+    // Initialize's release pairs with IsReady's acquire, for the pointers above.
     int m_bInitialized;
 };
 

@@ -15,7 +15,7 @@ class Thread;
 ///     1      the system gave no thread
 ///     2      the thread could not be prepared; a null function, for one
 ///     3      no memory for the thread object or its name
-///     -1     the thread could not be joined, or its function ended by an exception
+///     -1     the thread could not be joined, or its function never returned (an exception, a killed thread)
 ///
 /// Stop leaves the states other than 0 as they are; Start replaces any.
 ///

@@ -4,6 +4,7 @@
 #include <climits>
 #include <new>
 
+#include "velm/core/ProcessEnd.h"
 #include "velm/core/Semaphore.h"
 #include "velm/core/Thread.h"
 
@@ -11,6 +12,11 @@ namespace velm {
 namespace {
 
 constexpr unsigned int kLeaveMilliseconds = 50;
+constexpr unsigned int kHolderMilliseconds = 500;
+
+// Of a lock: the stream was terminated while the thread waited, so it must not go on to the ring, where
+// another may be at work.
+constexpr unsigned int kTurnedAway = VELM_ERROR_UTIL_UNKNOWN;
 
 /// The capacity in samples of a ring for `frameNum` whole frames, or 0 when there is to be no storage.
 unsigned int RingSampleSize(unsigned int frameSampleSize, unsigned int frameNum) {
@@ -32,8 +38,11 @@ void Destroy(Semaphore*& semaphore) {
 }  // namespace
 
 // Ready is published by m_bInitialized alone: Initialize sets it after the semaphores exist, Terminate clears
-// it before it destroys them. A thread that wakes in Terminate finds it cleared and leaves the semaphores
-// alone.
+// it before it destroys them.
+//
+// Nobody gets to the ring beside its holder. The lock's one count is given back by the thread that took it
+// and by nobody else; Terminate and Initialize take it themselves before they destroy the semaphores; and a
+// thread that they wake out of a wait leaves without a look at the ring.
 
 AudioFrameStream::AudioFrameStream(unsigned int frameSampleSize, unsigned int frameNum,
                                    unsigned int channelNum, unsigned int bitsPerSample)
@@ -51,16 +60,23 @@ AudioFrameStream::~AudioFrameStream() {
 
 ErrorCode AudioFrameStream::Initialize() {
     std::atomic_ref(m_bInitialized).store(0, std::memory_order_release);
+    WaitForHolder();
     DestroySemaphores();
     const ErrorCode result = AudioStream::Initialize();
     if (result.IsFailed()) {
         return result;  // without storage no frame ever comes, so nobody is to wait for one
     }
+    if (m_nFrameNum == 0) {
+        return result;  // nor without a slot, and a post over a maximum of 0 would let nobody go
+    }
     m_pPushSemaphore = new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum);
     m_pTakeSemaphore = new (std::nothrow) Semaphore(0, m_nFrameNum);
     m_pLockSemaphore = new (std::nothrow) Semaphore(1, 1);
-    if (m_pPushSemaphore == nullptr || m_pTakeSemaphore == nullptr || m_pLockSemaphore == nullptr) {
-        return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+    for (Semaphore* semaphore : {m_pPushSemaphore, m_pTakeSemaphore, m_pLockSemaphore}) {
+        if (semaphore == nullptr || semaphore->Post(0).IsFailed()) {
+            DestroySemaphores();
+            return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
+        }
     }
     std::atomic_ref(m_bInitialized).store(1, std::memory_order_release);
     return 0;
@@ -68,33 +84,49 @@ ErrorCode AudioFrameStream::Initialize() {
 
 void AudioFrameStream::Terminate() {
     std::atomic_ref(m_bInitialized).store(0, std::memory_order_release);
-    for (Semaphore* semaphore : {m_pPushSemaphore, m_pTakeSemaphore, m_pLockSemaphore}) {
-        if (semaphore != nullptr) {
+    for (Semaphore* semaphore : {m_pPushSemaphore, m_pTakeSemaphore}) {
+        if (semaphore != nullptr && !IsProcessEnding()) {
             semaphore->Post(1);
         }
     }
+    WaitForHolder();
     Thread::Sleep(kLeaveMilliseconds);
     DestroySemaphores();
 }
 
+/// Takes the lock, so that no thread is at the ring and none gets there. A thread that was killed at the ring
+/// never gives the lock back, so there is a limit.
+void AudioFrameStream::WaitForHolder() {
+    if (m_pLockSemaphore == nullptr || IsProcessEnding()) {
+        return;
+    }
+    for (unsigned int waited = 0; !m_pLockSemaphore->TryTake() && waited < kHolderMilliseconds; ++waited) {
+        Thread::Sleep(1);
+    }
+}
+
 void AudioFrameStream::DestroySemaphores() {
+    Destroy(m_pLockSemaphore);  // first: a thread that it turns away has come through one of the others
     Destroy(m_pPushSemaphore);
     Destroy(m_pTakeSemaphore);
-    Destroy(m_pLockSemaphore);
 }
 
 ErrorCode AudioFrameStream::PushBackFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    PushLock();
+    if (PushLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = PushBackSamples(Bytes(frame), m_nFrameSampleSize);
     PushUnlock();
     return result;
 }
 
 ErrorCode AudioFrameStream::PushBackClearFrame() {
-    PushLock();
+    if (PushLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = PushBackClearSamples(m_nFrameSampleSize);
     PushUnlock();
     return result;
@@ -104,14 +136,18 @@ ErrorCode AudioFrameStream::TakeFrontFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    TakeLock();
+    if (TakeLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = TakeFrontSamples(m_nFrameSampleSize, Bytes(frame));
     TakeUnlock();
     return result;
 }
 
 ErrorCode AudioFrameStream::DropFrontFrame() {
-    TakeLock();
+    if (TakeLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = DropFrontSamples(m_nFrameSampleSize);
     TakeUnlock();
     return result;
@@ -121,14 +157,18 @@ ErrorCode AudioFrameStream::PushFrontFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    PushLock();
+    if (PushLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = PushFrontSamples(Bytes(frame), m_nFrameSampleSize);
     PushUnlock();
     return result;
 }
 
 ErrorCode AudioFrameStream::PushFrontClearFrame() {
-    PushLock();
+    if (PushLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = PushFrontClearSamples(m_nFrameSampleSize);
     PushUnlock();
     return result;
@@ -138,14 +178,18 @@ ErrorCode AudioFrameStream::TakeBackFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    TakeLock();
+    if (TakeLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = TakeBackSamples(m_nFrameSampleSize, Bytes(frame));
     TakeUnlock();
     return result;
 }
 
 ErrorCode AudioFrameStream::DropBackFrame() {
-    TakeLock();
+    if (TakeLock() == kTurnedAway) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
     const ErrorCode result = DropBackSamples(m_nFrameSampleSize);
     TakeUnlock();
     return result;
@@ -184,26 +228,25 @@ bool AudioFrameStream::IsReady() {
     return std::atomic_ref(m_bInitialized).load(std::memory_order_acquire) != 0;
 }
 
-/// Takes one of `slots`, then the ring. The stream may have been terminated while the thread waited.
+/// Takes one of `slots`, then the ring. A thread that a semaphore's end has turned away must not look at the
+/// stream any more, which may be gone.
 ErrorCode AudioFrameStream::Lock(Semaphore*& slots) {
     if (!IsReady()) {
         return VELM_ERROR_UTIL_NOT_INITIALIZED;
     }
-    slots->Wait();
-    if (!IsReady()) {
-        return VELM_ERROR_UTIL_NOT_INITIALIZED;
+    if (slots->Wait().IsFailed() || !IsReady() || m_pLockSemaphore->Wait().IsFailed()) {
+        return kTurnedAway;
     }
-    m_pLockSemaphore->Wait();
     return 0;
 }
 
-/// Gives the ring back, then adds one to `slots`. A post over the maximum changes nothing, which is what
-/// keeps the counts in bounds after UnlockForce.
+/// Gives the ring back, be the stream ready or not, then adds one to `slots`. A post over the maximum changes
+/// nothing, which is what keeps the counts in bounds after UnlockForce, and the lock's at 1 when the stream
+/// was not ready to begin with.
 ErrorCode AudioFrameStream::Unlock(Semaphore*& slots) {
-    if (!IsReady()) {
-        return VELM_ERROR_UTIL_NOT_INITIALIZED;
+    if (m_pLockSemaphore != nullptr) {
+        m_pLockSemaphore->Post(1);
     }
-    m_pLockSemaphore->Post(1);
     if (!IsReady()) {
         return VELM_ERROR_UTIL_NOT_INITIALIZED;
     }

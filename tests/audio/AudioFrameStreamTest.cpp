@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <future>
+#include <thread>
 #include <vector>
 
 namespace velm {
@@ -86,6 +89,10 @@ TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
         EXPECT_EQ(stream.DropAllFrame(), 0U);
         EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
     }
+    AudioFrameStream none(480, 0, 2, 16);
+    EXPECT_EQ(none.Initialize(), 0U);
+    EXPECT_EQ(none.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    EXPECT_EQ(none.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
 TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
@@ -111,6 +118,59 @@ TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
         stream.Terminate();
         EXPECT_EQ(ended.Result(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
+    }
+}
+
+TEST(AudioFrameStream, ForceOnAHalfFullRingIsKeptForLater) {
+    AudioFrameStream stream(kSamples, 2, 1, 16);
+    ASSERT_EQ(stream.Initialize(), 0U);
+    ASSERT_EQ(stream.PushBackClearFrame(), 0U);
+    stream.UnlockForce();
+    EXPECT_EQ(stream.DropFrontFrame(), 0U);
+    EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    Blocked spent([&] { return stream.DropFrontFrame(); });
+    stream.UnlockForce();
+    EXPECT_EQ(spent.Result(), VELM_ERROR_UTIL_UNKNOWN);
+}
+
+// A taker that waits for the ring while a long push holds it, and the end in between.
+TEST(AudioFrameStream, TheEndLetsNobodyInBesideThePush) {
+    constexpr unsigned int kLong = 8 << 20;
+    Frame frames[] = {Frame(kLong, 1), Frame(kLong, 2), Frame(kLong)};
+    AudioFrameStream stream(kLong, 2, 1, 16);
+    for (int round = 0; round < 100; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_EQ(stream.Initialize(), 0U);
+        ASSERT_EQ(stream.PushBackFrame(frames[0].data()), 0U);
+        std::atomic<int> entering{0};
+        auto push = std::async(std::launch::async, [&] {
+            ++entering;
+            return stream.PushFrontFrame(frames[1].data());
+        });
+        for (; entering != 1; std::this_thread::yield()) {
+        }
+        auto take = std::async(std::launch::async, [&] {
+            ++entering;
+            return stream.TakeFrontFrame(frames[2].data());
+        });
+        for (; entering != 2; std::this_thread::yield()) {
+        }
+        std::this_thread::sleep_for(1ms);
+        stream.Terminate();
+        std::vector<int> expected = {1};
+        if (push.get() == 0) {
+            expected.push_back(2);
+        }
+        std::vector<int> found;
+        for (ErrorCode taken = take.get(); taken == 0 || found.empty();) {
+            if (taken == 0) {
+                EXPECT_EQ(frames[2].front(), frames[2].back()) << "torn";
+                found.push_back(frames[2].front());
+            }
+            taken = stream.TakeFrontFrame(frames[2].data());
+        }
+        std::sort(found.begin(), found.end());
+        ASSERT_EQ(found, expected) << "lost or doubled";
     }
 }
 

@@ -2,13 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <latch>
 #include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 #include "velm/core/CoreErrorCode.h"
+
+#ifndef _WIN32
+#include <malloc.h>
+#include <unistd.h>
+#endif
 
 namespace velm {
 namespace {
@@ -42,6 +49,8 @@ TEST(ErrorRegistry, ThreadsThatRegisterAtOnceLoseAndDoubleNoCode) {
     EXPECT_EQ(count, kThreads / 2 * kCodes) << "registered twice";
 }
 
+bool g_registered = false;
+
 TEST(ErrorRegistry, KeepsItsOwnCopyOfTheFirstRegistration) {
     std::string facility = "A_FACILITY";
     std::string name = "A_NAME";
@@ -53,7 +62,25 @@ TEST(ErrorRegistry, KeepsItsOwnCopyOfTheFirstRegistration) {
     ASSERT_NE(info, nullptr);
     EXPECT_STREQ(info->facility, "A_FACILITY");
     EXPECT_STREQ(info->name, "A_NAME");
+    g_registered = true;
 }
+
+#ifndef _WIN32
+// Handlers of the exit run in the reverse order; what is registered before any library is initialised runs
+// after the last of their destructors, as a thread may that nobody stopped.
+void LookUpAfterTheEnd(int, void*) {
+    const ErrorCodeInfo* const info = FindErrorCode(0x90000001);
+    if (g_registered && (info == nullptr || std::string_view(info->name) != "A_NAME")) {
+        _exit(1);
+    }
+}
+
+[[gnu::section(".preinit_array"), gnu::used]] void (*const g_beforeLibraries)() = [] {
+    on_exit(&LookUpAfterTheEnd, nullptr);
+};
+
+[[maybe_unused]] const int g_overwriteFreed = mallopt(M_PERTURB, 1);
+#endif
 
 TEST(ErrorRegistry, KnowsTheCoreCodesAndNoOthers) {
     ASSERT_NE(FindErrorCode(VELM_ERROR_CORE_NOTHING_TO_READ), nullptr);

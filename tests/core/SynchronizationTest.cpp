@@ -139,6 +139,26 @@ TEST(SyncEvent, ManualResetReleasesEveryWait) {
     EXPECT_EQ(SyncEvent(false, true).Wait(), 0U) << "set from the start";
 }
 
+// For the thread sanitizer: the setters are counted without any order, so that the event alone gives one.
+TEST(SyncEvent, WaitSeesWhatEverySetterWrote) {
+    SyncEvent event(false, false);
+    std::atomic<int> set{0};
+    int written[2] = {};
+    std::vector<std::jthread> setters;
+    for (int& mine : written) {
+        setters.emplace_back([&event, &set, &mine] {
+            mine = 1;
+            event.Set();
+            set.fetch_add(1, std::memory_order_relaxed);
+        });
+    }
+    while (set.load(std::memory_order_relaxed) != 2) {
+        std::this_thread::yield();
+    }
+    event.Wait();
+    EXPECT_EQ(written[0] + written[1], 2);
+}
+
 TEST(Semaphore, DestructorTurnsEveryBlockedThreadAway) {
     for (int round = 0; round < 25; ++round) {
         auto semaphore = std::make_unique<Semaphore>(0, 1);

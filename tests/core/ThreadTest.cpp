@@ -65,6 +65,15 @@ TEST(Thread, AnExceptionEndsTheThreadAndNotTheProcess) {
     EXPECT_EQ(exitCode, 5U);
 }
 
+#ifndef _WIN32
+TEST(Thread, MayEndByPthreadExit) {
+    Thread thread;
+    Start(
+        thread, [](void*) -> int { pthread_exit(nullptr); }, nullptr);
+    EXPECT_EQ(thread.Join(nullptr), VELM_ERROR_CORE_THREAD_EXCEPTION);
+}
+#endif
+
 TEST(Thread, CannotJoinItself) {
     Thread thread;
     const auto joinSelf = [](void* self) {

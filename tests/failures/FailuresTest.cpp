@@ -202,6 +202,7 @@ TEST(Failures, NoCallOfTheLibrariesIsMissingFromTheTable) {
                                    "GetCurrentThread",
                                    "GetCurrentThreadId",
                                    "GetLastError",
+                                   "RtlDllShutdownInProgress",
                                    "SetLastError",
                                    "Sleep",
                                    "WakeByAddressAll",

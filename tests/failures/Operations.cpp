@@ -17,6 +17,7 @@
 #include "velm/core/FileReader.h"
 #include "velm/core/Mutex.h"
 #include "velm/core/PathHelper.h"
+#include "velm/core/ProcessEnd.h"
 #include "velm/core/Semaphore.h"
 #include "velm/core/Thread.h"
 #include "velm/core/Tick.h"
@@ -181,10 +182,14 @@ void AddCore(Table& table) {
         EXPECT_EQ(config.GetName(), outcome == kThrew ? "" : kText);
         return outcome;
     });
+    table.Add("velm::Semaphore::*", 0, {kNoMemory}, {},
+              [](Attempt& attempt) { return attempt([] { return Semaphore(1, 1).Wait(); }); });
     table.Add("velm::Semaphore::*", 0, {}, {{"WaitOnAddress", 0}},
               wait(semaphore, [](Semaphore& s) { s.Post(1); }));
     table.Add("velm::SyncEvent::*", 0, {}, {{"WaitOnAddress", 0}},
               wait(event, [](SyncEvent& e) { e.Set(); }));
+    table.Add("velm::IsProcessEnding", 0, {}, {},
+              [](Attempt& attempt) { return attempt([] { return IsProcessEnding(); }); });
     table.Add("velm::Tick::*", 123, {}, {{"QueryPerformanceCounter", 0}}, [](Attempt& attempt) {
         posix::SetPerformanceCounter(123, 1000);
         return attempt([] { return Tick::Get().GetCount(); });

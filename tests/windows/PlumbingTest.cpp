@@ -3,11 +3,15 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "velm/AudioFrameStream.h"
+#include "velm/core/Semaphore.h"
 #include "velm/LoadClassPointerFromDll.h"
 #include "velm/WindowsUtil.h"
 
@@ -125,6 +129,46 @@ TEST(Plumbing, APluginLoadsFromAFolderOutsideAscii) {
     EXPECT_NE(GetModuleHandleW(file.c_str()), nullptr);
     plugin.Terminate();
     EXPECT_EQ(GetModuleHandleW(file.c_str()), nullptr);
+}
+
+UniqueHandle StartThread(const std::function<void()>& function) {
+    const auto run = [](void* call) -> DWORD { return (*static_cast<std::function<void()>*>(call))(), 0; };
+    UniqueHandle thread(CreateThread(nullptr, 0, run, new std::function(function), 0, nullptr));
+    Sleep(100);  // until it blocks
+    return thread;
+}
+
+// The child of the next test: the end of its process kills a thread that waits for a library's static object.
+TEST(KilledWaiter, DISABLED_EndsWithAStaticStream) {
+    const HMODULE library = LoadLibraryW(BesideTheTest(L"static_stream.dll").c_str());
+    ASSERT_NE(library, nullptr);
+    StartThread(reinterpret_cast<void (*)()>(reinterpret_cast<void*>(GetProcAddress(library, "Block"))));
+    std::printf("ends at %llu\n", GetTickCount64());
+}
+
+TEST(KilledWaiter, LetsTheProcessEnd) {
+    const ProcessResult result =
+        RunProcess(BesideTheTest(L"windows_plumbing_test.exe"),
+                   L"--gtest_also_run_disabled_tests --gtest_filter=KilledWaiter.DISABLED*");
+    EXPECT_EQ(result.exitCode, 0U);
+    EXPECT_LT(GetTickCount64() - std::stoull("0" + Line(result.output, "ends at")), 1000U);
+}
+
+TEST(KilledWaiter, DelaysDestructorsBriefly) {
+    AudioFrameStream* const stream = new AudioFrameStream(4, 2, 1, 16);
+    ASSERT_EQ(stream->Initialize(), 0U);
+    Semaphore* const semaphore = new Semaphore(0, 1);
+    const std::function<void()> waits[] = {[&] { stream->DropFrontFrame(); }, [&] { semaphore->Wait(); }};
+    const std::function<void()> ends[] = {[&] { delete stream; }, [&] { delete semaphore; }};
+    for (const int which : {0, 1}) {
+        const UniqueHandle thread = StartThread(waits[which]);
+        ASSERT_TRUE(TerminateThread(thread.get(), 0));
+        WaitForSingleObject(thread.get(), INFINITE);
+        const ULONGLONG before = GetTickCount64();
+        const UniqueHandle ending = StartThread(ends[which]);
+        ASSERT_EQ(WaitForSingleObject(ending.get(), 5000), WAIT_OBJECT_0);
+        EXPECT_LT(GetTickCount64() - before, 1000U);
+    }
 }
 
 }  // namespace

@@ -107,6 +107,9 @@ HANDLE OpenProcess(DWORD access, BOOL inheritHandle, DWORD processId);
 BOOL SetPriorityClass(HANDLE process, DWORD priorityClass);
 DWORD GetPriorityClass(HANDLE process);
 
+/// Always FALSE: threads run on until the process is gone.
+unsigned char RtlDllShutdownInProgress();
+
 void OutputDebugStringW(LPCWSTR text);
 
 // The clock.

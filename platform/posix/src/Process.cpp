@@ -33,6 +33,10 @@ HANDLE GetCurrentProcess() {
     return kCurrentProcess;
 }
 
+unsigned char RtlDllShutdownInProgress() {
+    return FALSE;
+}
+
 DWORD GetCurrentProcessId() {
     return static_cast<DWORD>(getpid());
 }

@@ -51,10 +51,16 @@ void* RunThread(void* parameter) {
         state->id = GetCurrentThreadId();
         state->changed.notify_all();
     }
+    // Also when pthread_exit unwinds the thread.
+    const struct End {
+        ~End() {
+            const std::lock_guard lock(state.mutex);
+            state.ended = true;
+            state.changed.notify_all();
+        }
+        ThreadState& state;
+    } end{*state};
     state->function(state->argument);
-    const std::lock_guard lock(state->mutex);
-    state->ended = true;
-    state->changed.notify_all();
     return nullptr;
 }
 

@@ -20,7 +20,8 @@ public:
     ErrorCode Initialize();
 
     /// Waits until no other thread holds the lock and takes it. The holder may take it again; each Lock needs
-    /// its Unlock.
+    /// its Unlock. A thread that is killed while it holds the lock never gives it back; only while the
+    /// process ends is it taken from such a thread, so that destructors come through.
     /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED before Initialize
     /// Threads: any.
     ErrorCode Lock();
@@ -31,11 +32,13 @@ public:
     ErrorCode Unlock();
 
 private:
-    // 0: free; 1: held; 2: held, and a thread may sleep until it is not.
+    // 0: free; 1: held; 2: held, and a thread may sleep until it is not. Unlock's release pairs with the
+    // acquire that finds 0 in Lock; the exchanges in between keep up the release sequence.
     std::atomic<unsigned int> m_state{0};
+    // Initialize's release pairs with the acquire in Lock, for what the initialising thread wrote before.
     std::atomic<bool> m_initialized{false};
-    // The holder's thread identifier, 0 for none. Only the holder writes it; others merely find that it is
-    // not theirs.
+    // The holder's thread identifier, 0 for none. Relaxed throughout: a thread finds its own identifier only
+    // where it wrote it itself, and that no other value is its own holds in every order.
     std::atomic<unsigned long> m_owner{0};
     unsigned int m_depth = 0;  // the holder's
 };

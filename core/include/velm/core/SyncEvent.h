@@ -15,14 +15,14 @@ public:
     /// @param initiallySet  whether the event starts set
     SyncEvent(bool manualReset, bool initiallySet);
 
-    /// No thread may be waiting.
+    /// Waits for nobody. No thread may be waiting, but for one that was killed.
     ~SyncEvent();
 
     SyncEvent(const SyncEvent&) = delete;
     SyncEvent& operator=(const SyncEvent&) = delete;
 
     /// Blocks, without a time limit, until the event is set.
-    /// @return 0
+    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL when it would block while the process ends
     /// Threads: any.
     ErrorCode Wait();
 
@@ -32,6 +32,8 @@ public:
     ErrorCode Set();
 
 private:
+    // Set's release pairs with the acquire that finds it set in Wait. Each Set is an exchange, and so part of
+    // the release sequences of those before it.
     std::atomic<unsigned int> m_set;
     bool m_manualReset;
 };

@@ -41,7 +41,8 @@ public:
     /// Waits until the function has returned. The thread can then be started, or initialised, anew.
     /// @param exitCode  receives what the function returned, converted to unsigned; may be null; unchanged on
     ///                  failure
-    /// @return 0; VELM_ERROR_CORE_THREAD_EXCEPTION when the function ended by an exception;
+    /// @return 0; VELM_ERROR_CORE_THREAD_EXCEPTION when the function never returned: it ended by an
+    ///         exception, or the thread was killed or ended itself;
     ///         VELM_ERROR_CORE_ILLEGAL_CALL when there is nothing to join, or on the thread itself;
     ///         VELM_ERROR_CORE_UNKNOWN when the system fails the wait
     /// Threads: any but the joined one, one at a time.
