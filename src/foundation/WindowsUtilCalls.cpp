@@ -11,17 +11,6 @@
 namespace velm {
 namespace {
 
-/// Frees a buffer and leaves the last error, which belongs to the caller of the wrapper, as it is.
-struct QuietDelete {
-    void operator()(const wchar_t* buffer) const {
-        const DWORD lastError = GetLastError();
-        delete[] buffer;
-        SetLastError(lastError);
-    }
-};
-
-using WideBuffer = std::unique_ptr<wchar_t[], QuietDelete>;
-
 // The system takes class names of at most 256 units.
 constexpr int kClassNameUnits = 257;
 
@@ -30,7 +19,18 @@ constexpr int kClassNameUnits = 257;
 /// Text arguments in UTF-16, converted in their order up to the first that cannot be.
 template <std::size_t count>
 class WindowsUtil::WideTexts {
+    /// Preserves the last error, which belongs to the caller of the wrapper.
+    struct QuietDelete {
+        void operator()(const wchar_t* buffer) const {
+            const DWORD lastError = GetLastError();
+            delete[] buffer;
+            SetLastError(lastError);
+        }
+    };
+
 public:
+    using Buffer = std::unique_ptr<wchar_t[], QuietDelete>;
+
     explicit WideTexts(const std::array<const char*, count>& texts) {
         for (std::size_t i = 0; i < count; ++i) {
             wchar_t* wide = nullptr;
@@ -45,7 +45,7 @@ public:
     LPCWSTR operator[](std::size_t index) const { return m_texts[index].get(); }
 
 private:
-    std::array<WideBuffer, count> m_texts;
+    std::array<Buffer, count> m_texts;
 };
 
 HINSTANCE__* WindowsUtil::CallLoadLibrary(const char* fileName) {
@@ -76,7 +76,7 @@ int WindowsUtil::CallGetClassName(HWND__* window, char* buffer, int size) {
         return 0;
     }
     const int most = std::min(size, kClassNameUnits);
-    const WideBuffer name(new (std::nothrow) wchar_t[static_cast<std::size_t>(most)]);
+    const WideTexts<1>::Buffer name(new (std::nothrow) wchar_t[static_cast<std::size_t>(most)]);
     if (name == nullptr) {
         return 0;
     }

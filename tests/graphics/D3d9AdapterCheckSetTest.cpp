@@ -83,15 +83,15 @@ TEST(D3d9AdapterCheckSet, StopsAtTheFirstRuleThatFailsAndNamesIt) {
 
 // Each number is that of its command.
 TEST(D3d9AdapterCheckSet, EveryFactComesFromItsOwnField) {
-    using Item = D3d9AdapterCheckItem;
-    constexpr GUID kGuid = {5, 6, 7, {8}};
+    using AnyItem = D3d9AdapterCheckItem;
+    constexpr GUID kIdentifier = {5, 6, 7, {8}};
     D3d9AdapterContext context;
     context.m_identifier.DriverVersion.QuadPart = -0x100000000LL + 7;
     context.m_identifier.VendorId = 0x102B;
     context.m_identifier.DeviceId = 2;
     context.m_identifier.SubSysId = 3;
     context.m_identifier.Revision = 4;
-    context.m_identifier.DeviceIdentifier = kGuid;
+    context.m_identifier.DeviceIdentifier = kIdentifier;
     context.m_identifier.WHQLLevel = 6;
     context.m_caps.Caps = 7;
     context.m_caps.Caps2 = 8;
@@ -105,11 +105,11 @@ TEST(D3d9AdapterCheckSet, EveryFactComesFromItsOwnField) {
         SCOPED_TRACE(number);
         const auto command = static_cast<D3d9AdapterCheckCommand>(number);
         const auto equal = D3D9_ADAPTER_COMPARE_EQUAL;
-        const ItemPtr rule = number == 0   ? Rule(&Item::SetAsInt64, command, equal, -0x100000000LL + 7)
+        const ItemPtr rule = number == 0   ? Rule(&AnyItem::SetAsInt64, command, equal, -0x100000000LL + 7)
                              : number == 1 ? Vendor("Matrox")
-                             : number == 5 ? Rule(&Item::SetAsGUID, command, equal, kGuid)
+                             : number == 5 ? Rule(&AnyItem::SetAsGUID, command, equal, kIdentifier)
                              : number < 11 || number == 14 ? Number(command, number)
-                                                           : Rule(&Item::SetAsUINT, command, equal, number);
+                                                           : Rule(&AnyItem::SetAsUINT, command, equal, number);
         EXPECT_TRUE(CheckRules({rule}, context).passed);
         EXPECT_FALSE(CheckRules({rule}, D3d9AdapterContext()).passed);
         D3d9AdapterParamType type{};
