@@ -3,6 +3,7 @@
 #pragma once
 
 #include <windows.h>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <new>
@@ -13,7 +14,7 @@
 #include "velm/core/ErrorCode.h"
 #include "velm/posix/Control.h"
 
-namespace velm {
+namespace velm::test {
 
 /// Which allocations of the process fail: from the one of this number on, or that one only.
 struct Shortage {
@@ -95,15 +96,46 @@ struct Failure {
     static constexpr unsigned int kEvery = ~0U;
 };
 
+/// One of a class, or of what goes the same way.
 struct Operation {
-    const char* names;  ///< of the exported operations, or of the classes whose all
+    const char* what;
     std::function<long long(Attempt&)> run;
-    long long outcome;                  ///< when nothing fails, and allowed when something does
+    long long outcome = 0;              ///< when nothing fails, and allowed when something does
     std::vector<long long> noMemory{};  ///< the outcomes when an allocation fails
     std::vector<Failure> failures{};    ///< every call that it makes, and the outcome when that fails
     bool keeps = false;                 ///< takes memory for good
 };
 
-const std::vector<Operation>& Operations();
+using Operations = std::vector<Operation>;
 
-}  // namespace velm
+Operations AudioOperations();
+Operations ConfigOperations();
+Operations CoreOperations();
+Operations FoundationOperations();
+Operations GraphicsOperations();
+Operations ThreadOperations();
+
+// Texts that do not fit into a string object itself.
+const std::string kText = "a text that is longer than a string object";
+const std::wstring kWide(kText.begin(), kText.end());
+
+/// An operation that gives a text and a code: when it fails, the text stays.
+template <typename Text, typename Body>
+auto Converts(const Text& expected, Body body) {
+    return [=](Attempt& attempt) {
+        const Text old(3, 'o');
+        Text out = old;
+        const long long code = attempt([&] { return body(out); });
+        EXPECT_EQ(out, code == 0 ? expected : old);
+        EXPECT_EQ(body(out), 0U) << "a second time";
+        return code;
+    };
+}
+
+/// An operation that needs nothing prepared.
+template <typename Body>
+auto Does(Body body) {
+    return [=](Attempt& attempt) { return attempt(body); };
+}
+
+}  // namespace velm::test

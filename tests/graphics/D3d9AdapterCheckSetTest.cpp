@@ -108,8 +108,9 @@ TEST(D3d9AdapterCheckSet, EveryFactComesFromItsOwnField) {
         const ItemPtr rule = number == 0   ? Rule(&AnyItem::SetAsInt64, command, equal, -0x100000000LL + 7)
                              : number == 1 ? Vendor("Matrox")
                              : number == 5 ? Rule(&AnyItem::SetAsGUID, command, equal, kIdentifier)
-                             : number < 11 || number == 14 ? Number(command, number)
-                                                           : Rule(&AnyItem::SetAsUINT, command, equal, number);
+                             : number < 11 || number == 14
+                                 ? Number(command, number)
+                                 : Rule(&AnyItem::SetAsUINT, command, equal, number);
         EXPECT_TRUE(CheckRules({rule}, context).passed);
         EXPECT_FALSE(CheckRules({rule}, D3d9AdapterContext()).passed);
         D3d9AdapterParamType type{};
