@@ -22,7 +22,9 @@ enum E_FrameType : int {
 ///     bytes 2-3  the caller's counter, little-endian
 ///     bytes 4-5  the size of the payload in bytes, little-endian
 ///
-/// An object either owns a frame that it wrote or lies over a frame of the caller's.
+/// An object either owns a frame that it wrote or reads one of the caller's in place. In place, every getter
+/// looks at the bytes anew and none reads outside the header, but two getters can disagree when the bytes
+/// change in between. Copy a frame first when another thread or process can still write to it.
 /// Threads: one at a time.
 class VELM_UTIL_API AudioFrame {
 public:
@@ -40,13 +42,13 @@ public:
     ErrorCode InitilizeWriter(E_FrameType type, unsigned short counter, unsigned int dataSize,
                               unsigned char* data);
 
-    /// Lies over a frame of the caller's and checks its header; releases a block of its own.
-    /// @param frame  the caller's, not the object's own; must live as long as the object reads it; what is
-    ///               behind the payload is ignored
+    /// Reads a frame of the caller's in place, after checking its header; releases the object's own block.
+    /// @param frame  the caller's, not the object's own; must outlive its use here; bytes after the payload
+    ///               are ignored
     /// @param frameSize  in bytes
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for a null frame or fewer than 7 bytes;
-    ///         VELM_ERROR_UTIL_UNKNOWN for a header that is wrong or promises more than there is. After a
-    ///         failure the object holds no frame.
+    ///         VELM_ERROR_UTIL_UNKNOWN for an invalid header, or one whose payload is empty or longer than
+    ///         the frame. After a failure the object holds no frame.
     ErrorCode InitilizeReader(unsigned char* frame, unsigned int frameSize);
 
     /// The frame; null when there is none. It stays the property of the object, or of the reader's caller.
@@ -58,7 +60,10 @@ public:
     /// The payload; null when there is no frame or its first byte is not 6.
     unsigned char* GetDataBuffer();
 
-    /// The size in bytes of the payload; 0 when there is no frame or it would end beyond the frame.
+    /// The size in bytes of the payload, as the header gives it; 0 when there is no frame, or when byte 0 plus
+    /// that size exceeds the frame. For a frame that has not changed since InitilizeReader, the payload lies
+    /// inside the frame. If byte 0 has changed since, it can extend up to 6 bytes past the end: check
+    /// GetDataBuffer, which is null then.
     unsigned int GetDataBufferSize();
 
     /// The header's counter; 0 when there is no frame.

@@ -36,8 +36,9 @@ public:
     /// The length.
     float Amplitude(_Vector3D* v);
 
-    /// Scales v to unit length.
-    /// @return 1; 0 when v was shorter than 0.001, and then v is scaled by 1000
+    /// Scales v to unit length. The square of the length is formed in single precision: from a length of about
+    /// 1.8e19 it overflows and v becomes 0, and a vector with a NaN becomes NaN; both return 1.
+    /// @return 1; 0 when v is shorter than 0.001: it is then scaled by 1000
     int Normalize(_Vector3D* v);
 
     /// The scalar product.
@@ -77,12 +78,13 @@ public:
     /// the product of their lengths is below 1e-9.
     float GetSinSita(_Vector3D* a, _Vector3D* b);
 
-    /// Sets up a rotation; a positive sine turns counter-clockwise for one who looks from the head of the
-    /// axis at the centre.
-    /// @param axis  of any length from 0.001
+    /// Sets up a rotation; a positive sine turns counter-clockwise, seen from the tip of the axis.
+    /// @param axis  of a length from 0.001 to 1.8e19
     /// @param center  a point on the axis
-    /// @param cosValue, sinValue  of the angle, or both times the same positive number
-    /// @return 1; 0 when the axis or the pair is shorter than 0.001, and then Rotato leaves points alone
+    /// @param cosValue, sinValue  of the angle, or both times the same positive number; the limits of `axis`
+    ///        hold for the pair
+    /// @return 1; 0 when the axis or the pair is shorter than 0.001: Rotato then leaves points alone. Longer
+    ///         ones and NaN are not detected: Rotato then gives the result of the arithmetic.
     int SetParam(_Vector3D* axis, _Vector3D* center, float cosValue, float sinValue);
 
     /// Sets up the rotation that turns the direction of one vector into that of another.

@@ -8,8 +8,8 @@
 namespace velm {
 
 /// Tells every registered D3D9ResourceBase of the loss and the recovery of the device. Between Initialize and
-/// Finalize there is one manager in the process; outside, resources do not register and broadcasts do
-/// nothing.
+/// Finalize there is one manager in the process. Outside, broadcasts do nothing, and a resource that tries to
+/// register stays unregistered until it registers again: call Initialize before the first resource is bound.
 ///
 /// Threads: all four calls from one, which also owns the device.
 class VELM_UTIL_API D3D9ResourceManager {

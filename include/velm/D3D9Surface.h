@@ -22,7 +22,10 @@ public:
     /// @}
     ~D3D9Surface() override;
 
-    /// Replaces the surface and registers the object.
+    /// Replaces the surface and registers the object with the current manager. Without a manager the object
+    /// stays unregistered, also once there is one: it then misses the loss, and IDirect3DDevice9::Reset fails
+    /// with D3DERR_INVALIDCALL (0x8876086C) while its surface lives. Remedy: bind again after
+    /// D3D9ResourceManager::Initialize; to bind the surface from GetSurface, AddRef it first.
     /// @param surface  one reference to it passes from the caller to the object; null leaves the object
     ///                 empty, with the last surface's description
     void Bind(IDirect3DSurface9* surface);

@@ -6,20 +6,24 @@ struct HWND__;
 
 namespace velm {
 
-/// What a watchdog asks whether the watched activity is alive. Clients derive from it.
+/// Tells the watchdog whether the activity is alive. Clients derive from it.
 class VELM_UTIL_API WatchdogChecker {
 public:
     virtual ~WatchdogChecker();
 
-    /// Whether the activity is alive. The watchdog asks on the thread that owns its window; what the answer
-    /// reads of another thread must be safe to read from there.
+    /// Whether the activity is alive. Must not change the answer of the next call: Watchdog::IsActive asks too.
     /// @return true, unless overridden
+    /// Threads: called on the thread that owns the watchdog's window, and on any that calls Watchdog::IsActive.
     virtual bool IsActive();
 };
 
-/// Ends a message loop when the activity that it stands for has stalled: at a fixed period a window timer
-/// asks a checker, and when that says no, posts a quit message with an exit code. As long as the loop still
-/// runs and the checker still says no, every further tick posts another.
+/// Ends a message loop whose activity has stalled. A window timer asks a checker at a fixed period; when the
+/// answer is no, it posts a quit message with an exit code, and again at every tick until the loop ends or the
+/// answer is yes.
+///
+/// The system delivers timer messages only while no other message waits: a thread flooded with posted messages
+/// never asks the checker. To detect that, record the time of each IsActive call in the checker and compare it
+/// with the period on another thread.
 ///
 /// There is one watchdog in a process. It lives until the library is unloaded, which stops it.
 ///
@@ -40,7 +44,7 @@ public:
     void SetExitCode(int exitCode);
     int GetExitCode();  ///< the code that is set
 
-    /// Starts the timer. A watchdog that runs already goes over to the new window and checker.
+    /// Starts the timer. A running watchdog switches to the new window and checker.
     /// @param window  the caller's, of the calling thread; must outlive the run
     /// @param checker  the caller's; must outlive the run
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when either is null; VELM_ERROR_UTIL_UNKNOWN when the system

@@ -44,7 +44,9 @@ public:
     ///         be repeated with better arguments; VELM_ERROR_CORE_NOTHING_TO_READ when the format gives a
     ///         block of 0 bytes; VELM_ERROR_UTIL_ILLEGAL_CALL before Initialize; VELM_ERROR_UTIL_DATA_BROKEN
     ///         for a chunk that is not smaller than the whole; the reader's own code when a read fails, which
-    ///         is also how the data ends
+    ///         is also how the data ends. A second "fmt " chunk that the end of the file cuts off has then
+    ///         replaced the format by the bytes that were there: followed by zeros when its size is under 18,
+    ///         by the rest of the earlier format otherwise.
     ErrorCode GetWaveData(unsigned char* buffer, unsigned long long* readSize, unsigned long long bufferSize,
                           unsigned int milliSec);
 

@@ -90,7 +90,7 @@ unsigned int AudioFrame::GetDataBufferSize() {
     if (!m_bInitialized) {
         return 0;
     }
-    // The caller may have rewritten a borrowed header since it was checked.
+    // The caller may have changed the header since it was checked.
     const unsigned int dataSize = ReadLittleEndian16(m_pFrameBuffer + 4);
     return m_pFrameBuffer[0] + dataSize <= m_nFrameBufferSize ? dataSize : 0;
 }

@@ -35,12 +35,24 @@ struct Counts {
     long long picturesEqual = 0;
 };
 
+std::string Hex(HRESULT result) {
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << static_cast<unsigned int>(result);
+    return text.str();
+}
+
 void Check(HRESULT result, const char* call, int exitStatus = 1) {
     if (FAILED(result)) {
-        std::ostringstream message;
-        message << call << " failed: 0x" << std::hex << std::uppercase << static_cast<unsigned int>(result);
-        throw Failure{message.str(), exitStatus};
+        throw Failure{std::string(call) + " failed: " + Hex(result), exitStatus};
     }
+}
+
+IDirect3DSurface9* CreateTarget(IDirect3DDevice9* device) {
+    IDirect3DSurface9* surface = nullptr;
+    Check(device->CreateRenderTarget(kWidth, kHeight, kPixels, D3DMULTISAMPLE_NONE, 0, FALSE, &surface,
+                                     nullptr),
+          "CreateRenderTarget", kNotDone);
+    return surface;
 }
 
 ULONG References(IUnknown* object) {
@@ -66,11 +78,8 @@ class Cycle {
 public:
     Cycle(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& presentParameters)
         : m_device(device), m_presentParameters(presentParameters) {
+        m_target.Bind(CreateTarget(m_device));
         IDirect3DSurface9* surface = nullptr;
-        Check(m_device->CreateRenderTarget(kWidth, kHeight, kPixels, D3DMULTISAMPLE_NONE, 0, FALSE, &surface,
-                                           nullptr),
-              "CreateRenderTarget", kNotDone);
-        m_target.Bind(surface);
         Check(m_device->CreateDepthStencilSurface(kWidth, kHeight, D3DFMT_D24S8, D3DMULTISAMPLE_NONE, 0, TRUE,
                                                   &surface, nullptr),
               "CreateDepthStencilSurface", kNotDone);
@@ -202,6 +211,27 @@ Counts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& paramete
     return cycle.Seen();
 }
 
+/// A surface bound before there is a manager is not registered: the device must refuse the reset after a
+/// loss until the surface is bound again.
+/// @return the code of the refused reset
+HRESULT ResetWithUnregisteredSurface(IDirect3DDevice9* device, D3DPRESENT_PARAMETERS parameters) {
+    IDirect3DSurface9* const target = CreateTarget(device);
+    velm::D3D9Surface surface;
+    surface.Bind(target);
+    const Manager manager;
+    velm::D3D9ResourceManager::OnLost();
+    D3DPRESENT_PARAMETERS refused = parameters;
+    const HRESULT result = device->Reset(&refused);
+    if (SUCCEEDED(result)) {
+        throw Failure{"Reset succeeded although an unregistered surface lives"};
+    }
+    target->AddRef();
+    surface.Bind(target);
+    velm::D3D9ResourceManager::OnLost();
+    Check(device->Reset(&parameters), "Reset, once the surface is bound again,");
+    return result;
+}
+
 int RunDevice(const DeviceOptions& options) {
     const auto d3d = velm::platform::CreateDirect3D9();
     if (d3d == nullptr) {
@@ -215,6 +245,7 @@ int RunDevice(const DeviceOptions& options) {
     const auto device = CreateDevice(d3d.get(), parameters);
     const ULONG before = References(device.get());
     const velm::Tick start = velm::Tick::Get();
+    const HRESULT unregistered = ResetWithUnregisteredSurface(device.get(), parameters);
     Counts seen;
     {
         const Manager manager;
@@ -229,6 +260,7 @@ int RunDevice(const DeviceOptions& options) {
     report.Add("resets_refused_before_the_loss", seen.resetsRefused);
     report.Add("resets_done_after_it", seen.resetsDone);
     report.Add("pictures_equal", seen.picturesEqual);
+    report.Add("reset_with_unregistered_surface", "refused, " + Hex(unregistered));
     report.Add("elapsed", elapsed, "ms", 0);
     report.Add("device_references_before", static_cast<long long>(before));
     report.Add("device_references_after", static_cast<long long>(after));
@@ -248,7 +280,9 @@ void AddDeviceCommand(CLI::App& app, int& exitStatus) {
     Explain(command,
             "Opens a window with a Direct3D 9 device, a render target and a depth-stencil surface. In "
             "each round the device must refuse a reset while the surfaces live, accept it after their "
-            "loss, and draw a picture into the rebuilt ones that reads back pixel by pixel.\nEnds with "
+            "loss, and draw a picture into the rebuilt ones that reads back pixel by pixel. A surface bound "
+            "before the resource manager exists must keep the device from being reset until it is bound "
+            "again.\nEnds with "
             "0 when every round did, 1 when one did not, 2 when there is no device.",
             "velmdiag device --rounds 20");
     command->add_option("--rounds", options->rounds, "losses and recoveries")
