@@ -27,9 +27,9 @@ constexpr ErrorCodeInfo kCoreCodes[] = {
     {VELM_ERROR_CORE_NOTHING_TO_READ, kCoreFacility, "VELM_ERROR_CORE_NOTHING_TO_READ"},
 };
 
-/// The registered codes in their order: a list that only grows, at its end. It needs no lock and nothing at
-/// its first use, so neither can fail. Its entries stay where they are, and so do their texts, until the
-/// library is unloaded. At the end of the process they stay for good: threads may still look.
+/// The registered codes as a linked list that only grows, at its end. Lock-free and constant-initialized, so
+/// it works under the loader lock and before static constructors run. Entries and their strings stay in place
+/// until the library is unloaded. At process exit they are not freed: other threads may still read them.
 class Registry {
 public:
     constexpr Registry() = default;
@@ -47,16 +47,16 @@ public:
             return;
         }
         auto entry = std::make_unique<Entry>(code, facility, name);
-        std::atomic<Entry*>* place = &m_first;
-        Entry* there = nullptr;
-        while (!place->compare_exchange_strong(there, entry.get())) {
-            if (there->info.code == code) {
+        std::atomic<Entry*>* link = &m_first;
+        Entry* existing = nullptr;
+        while (!link->compare_exchange_strong(existing, entry.get())) {
+            if (existing->info.code == code) {
                 return;  // another thread was first
             }
-            place = &there->next;
-            there = nullptr;
+            link = &existing->next;
+            existing = nullptr;
         }
-        static_cast<void>(entry.release());  // the list has it
+        static_cast<void>(entry.release());  // the list owns it now
     }
 
     const ErrorCodeInfo* Find(unsigned int code) const {
@@ -92,8 +92,7 @@ private:
         std::atomic<Entry*> next{nullptr};
     };
 
-    // This and the entries' `next` are sequentially consistent: the exchange that links an entry publishes it
-    // to the loads that walk the list.
+    // The exchange that links an entry publishes it to the loads that walk the list.
     std::atomic<Entry*> m_first{nullptr};
 };
 
@@ -109,7 +108,7 @@ void RegisterErrorCode(unsigned int code, const char* facility, const char* name
     try {
         g_registry.Add(code, facility != nullptr ? facility : "", name != nullptr ? name : "");
     } catch (...) {
-        // Out of memory while a library loads: the code stays without a name, and the load goes on.
+        // Out of memory: the code has no name, but the library that registers it still loads.
     }
 }
 

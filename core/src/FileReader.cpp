@@ -14,7 +14,7 @@ namespace velm {
 namespace {
 
 constexpr unsigned long long kBufferSize = 256 * 1024;
-// One call of the system reads at most this much; its count is 32 bits wide.
+// Bytes per system call, whose count has 32 bits.
 constexpr unsigned long long kLargestRead = 1ULL << 30;
 
 ErrorCode OpenFailure(DWORD lastError) {
@@ -55,7 +55,7 @@ ErrorCode FileReader::Open(const char* utf8Path) {
         if (m_buffer == nullptr) {
             m_buffer = std::make_unique_for_overwrite<unsigned char[]>(kBufferSize);
         }
-        // Others may write, move or delete the file meanwhile: a reader does not get in their way.
+        // Full sharing: others may write, move or delete the file while it is read.
         const HANDLE file =
             CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                         nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
@@ -107,7 +107,7 @@ ErrorCode FileReader::Read(unsigned long long* readSize, void* buffer, unsigned 
     return 0;
 }
 
-/// Reads 1 to `size` bytes past the buffer.
+/// Reads 1 to `size` bytes, bypassing the buffer.
 ErrorCode FileReader::ReadFromFile(void* buffer, unsigned long long size, unsigned long long* got) {
     DWORD count = 0;
     if (!ReadFile(m_file.get(), buffer, static_cast<DWORD>(std::min(size, kLargestRead)), &count, nullptr)) {

@@ -5,8 +5,7 @@
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/ProcessEnd.h"
 
-// Of the system's calls and not of the standard library's mutex, which some runtimes make on the heap at the
-// first lock and never free.
+// Built on WaitOnAddress, not on std::mutex, which some runtimes allocate at the first lock and never free.
 namespace velm {
 
 ErrorCode Mutex::Initialize() {
@@ -24,7 +23,7 @@ ErrorCode Mutex::Lock() {
         if (!m_state.compare_exchange_strong(state, 1, std::memory_order_acquire)) {
             while (m_state.exchange(2, std::memory_order_acquire) != 0) {
                 if (IsProcessEnding()) {
-                    break;  // the holder is gone, and so is everyone else
+                    break;  // the owner is dead, and so is every other thread
                 }
                 state = 2;
                 WaitOnAddress(&m_state, &state, sizeof state, INFINITE);
@@ -42,7 +41,7 @@ ErrorCode Mutex::Unlock() {
     }
     if (--m_depth == 0) {
         m_owner.store(0, std::memory_order_relaxed);
-        // The thread that is let in may destroy the mutex; the wake call uses the address only.
+        // The next owner may destroy the mutex; the wake call uses the address only.
         void* const address = &m_state;
         if (m_state.exchange(0, std::memory_order_release) == 2) {
             WakeByAddressSingle(address);

@@ -13,7 +13,7 @@
 namespace velm {
 namespace {
 
-/// What is converted on the stack, in units of UTF-16; most texts are names and paths.
+/// UTF-16 units converted on the stack: enough for most names and paths.
 constexpr int kSmallText = 512;
 
 }  // namespace
@@ -49,7 +49,7 @@ ErrorCode PathHelper::GetWstringFromString(unsigned int codePage, const std::str
         if (units <= 0) {
             return VELM_ERROR_CORE_INVALID_PARAM;
         }
-        // Not a string: it would be filled before it is written.
+        // Plain arrays: resizing a std::wstring would zero it first.
         wchar_t small[kSmallText];
         const std::unique_ptr<wchar_t[]> large(
             units > kSmallText ? new wchar_t[static_cast<std::size_t>(units)] : nullptr);

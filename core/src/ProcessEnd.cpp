@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-extern "C" unsigned char WINAPI RtlDllShutdownInProgress();  // ntdll's, in none of MinGW's headers
+extern "C" unsigned char WINAPI RtlDllShutdownInProgress();  // in ntdll.dll; MinGW's headers lack it
 
 namespace velm {
 

@@ -10,36 +10,35 @@
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/ProcessEnd.h"
 
-// A thread that sleeps does so on the low half of `counts` being 0, by WaitOnAddress. No wake-up is lost:
-// - a sleeper adds itself to the high half before it looks at the low half a last time, and a post changes
-//   the low half and reads the high half in one operation, so either the sleeper sees the new count or the
-//   post sees the sleeper, and WaitOnAddress itself returns at once when the count is no longer 0;
-// - the closing bit makes the low half differ from 0 for good, so no thread falls asleep after it is set.
+// Threads sleep in WaitOnAddress while the low half of `counts` is 0. No wake-up is lost:
+// - A sleeper adds itself to the high half before its last look at the low half, and Post changes the low
+//   half and reads the high half in one operation. So either the sleeper sees the new count or Post sees the
+//   sleeper, and WaitOnAddress returns at once when the low half is no longer 0.
+// - The closing bit keeps the low half nonzero, so no thread falls asleep once it is set.
 //
-// No thread touches freed memory: after its one operation on `counts` a post uses the address only, which the
-// wake calls never dereference; and a waiter holds a reference from before it spins until it has left.
+// No thread touches freed memory: after its one operation on `counts`, Post uses the address only, which the
+// wake calls never dereference; a waiter holds a reference from before it spins until it leaves.
 
 namespace velm {
 
 struct SemaphoreState {
     SemaphoreState(unsigned int initial, unsigned int most) : counts(initial), maximum(most) {}
 
-    // The padding keeps neighbours on the heap off the cache line of the counts: no neighbour in a line of 64
-    // bytes, where heap blocks begin at multiples of 16.
+    // The padding keeps other heap blocks off the 64-byte cache line of the counts; heap blocks start at
+    // multiples of 16.
     unsigned char padBefore[64 - 16] = {};
-    // Low half: the count, and the closing bit. High half: the number of threads that sleep. In one word, a
-    // post that finds no sleeper and a thread that goes to sleep cannot miss each other.
-    // Post's release pairs with the acquire of the exchange that takes; all changes are exchanges, so a take
-    // is ordered after every post before it. Registering, looking and closing are relaxed: they pass on
-    // nothing but the word itself, whose changes have one order.
+    // Low half: the count and the closing bit. High half: the number of sleeping threads. Both in one word,
+    // so that a post which sees no sleeper and a thread that falls asleep cannot miss each other. Post's
+    // release pairs with the acquire of the exchange that takes; every change is a read-modify-write, so a
+    // take is ordered after all earlier posts. Adding a sleeper, reading and closing are relaxed: they
+    // publish nothing but this word, whose changes have one order.
     std::atomic<unsigned long long> counts;
-    // One of the semaphore's own, one of each thread inside WaitSlowly; and the closing bit. The release of
-    // the thread that leaves pairs with the acquire of the one that frees, or that stops waiting in the
-    // destructor. Adding one is relaxed: the semaphore's own keeps the block until then.
+    // One for the semaphore, one for each thread in WaitSlowly, and the closing bit. The release of a leaving
+    // thread pairs with the acquire of the one that frees the state or of the destructor's wait. Adding a
+    // reference is relaxed: the semaphore's own keeps the state alive until then.
     std::atomic<unsigned int> references{1};
     const unsigned int maximum;
-    // Since spinning last got a count. Relaxed: a guide that guards nothing, where a lost update does no
-    // harm.
+    // Waits since spinning last succeeded. Relaxed: only a heuristic, so a lost update does no harm.
     std::atomic<unsigned int> fruitlessSpins{0};
     unsigned char padAfter[64 - 16 - sizeof fruitlessSpins] = {};
 };
@@ -53,10 +52,10 @@ constexpr unsigned int kMostCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
 constexpr unsigned int kLeaveMilliseconds = 200;
 
-// Spinning pays when the thread that posts runs on another processor: for the time that waking a thread
-// takes, some 10 microseconds, so that threads which have fallen asleep in turn catch up with each other.
-// When both share a processor it only delays the other one. So a semaphore whose waits have ended in sleep
-// for a while spins only now and then, to see whether it pays again.
+// Spinning pays when the posting thread runs on another processor. It lasts about as long as waking a thread
+// takes, some 10 microseconds, so that two threads which keep waking each other get back in step. On a shared
+// processor it only delays the other thread. So after kFruitlessSpins waits that ended in sleep, only every
+// kRetrySpins-th wait spins, to see whether it pays again.
 constexpr unsigned int kSpins = 400;
 constexpr unsigned int kFruitlessSpins = 8;
 constexpr unsigned int kRetrySpins = 64;
@@ -121,8 +120,7 @@ ErrorCode SpinThenSleep(SemaphoreState& semaphore) {
     }
 }
 
-/// Gives a reference up. The last one to do so frees the state; the last waiter tells a destructor that
-/// waits.
+/// Drops a reference. The last one frees the state; the last waiter wakes a waiting destructor.
 void Release(SemaphoreState* semaphore) {
     void* const address = &semaphore->references;
     const unsigned int before = semaphore->references.fetch_sub(1, std::memory_order_acq_rel);
@@ -153,7 +151,7 @@ Semaphore::~Semaphore() {
     unsigned int references = m_state->references.fetch_or(kClosing, std::memory_order_acq_rel) | kClosing;
     if (references != (kClosing | 1)) {
         if (IsProcessEnding()) {
-            return;  // the waiters are gone, and what they left behind in the system is not to be touched
+            return;  // the waiters are dead; waking them would touch what they left in the system
         }
         m_state->counts.fetch_or(kClosing, std::memory_order_relaxed);
         WakeByAddressAll(&m_state->counts);

@@ -28,11 +28,10 @@ ErrorCode SyncEvent::Wait() {
 }
 
 ErrorCode SyncEvent::Set() {
-    // Read before the store: a waiter that it releases may destroy the event. The wake calls use the address
-    // only.
+    // Read before the exchange: a released waiter may destroy the event. The wake calls use the address only.
     const bool manualReset = m_manualReset;
     void* const address = &m_set;
-    // An exchange and not a store, which would hide what an earlier setter wrote from the waiter.
+    // Not a store: it would break the release sequence of an earlier Set, and hide that thread's writes.
     m_set.exchange(1, std::memory_order_release);
     if (manualReset) {
         WakeByAddressAll(address);

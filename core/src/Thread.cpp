@@ -18,8 +18,8 @@
 namespace velm {
 namespace {
 
-/// Names the calling thread where the system can. Windows has the call since version 10; without it the
-/// thread simply has no name.
+/// Names the calling thread. Looked up at run time: Windows before version 10 lacks the call, and the thread
+/// then has no name.
 void NameCurrentThread(const char* utf8Name) {
     using SetThreadDescriptionCall = HRESULT(WINAPI*)(HANDLE, PCWSTR);
     const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
@@ -40,7 +40,7 @@ void NameCurrentThread(const char* utf8Name) {
     }
 }
 
-/// Whether a call returns, rather than ending by an exception.
+/// Whether the call returns rather than throws.
 template <typename Call>
 bool Returns(Call call) {
     try {
@@ -49,7 +49,7 @@ bool Returns(Call call) {
     }
 #ifdef __GLIBC__
     catch (const abi::__forced_unwind&) {
-        throw;  // pthread_exit or pthread_cancel, which end the process when they are held up
+        throw;  // pthread_exit or pthread_cancel; swallowing it would end the process
     }
 #endif
     catch (...) {
@@ -71,14 +71,14 @@ struct Thread::Impl {
     int (*function)(void*) = nullptr;
     void* argument = nullptr;
     void* parameter = nullptr;
-    // Written by the thread, read after the wait for its end.
+    // Written by the thread, read after it has ended.
     int exitCode = 0;
     bool returned = false;
 
     unsigned int threadId = 0;
     std::unique_ptr<void, HandleCloser> handle;
-    SyncEvent started{false, false};  // set when the two above are in place for the thread to look at
-    // Keeps this record alive for the running thread, which may destroy its own Thread.
+    SyncEvent started{false, false};  // set once the thread may read the two members above
+    // Keeps this object alive while the thread runs, which may destroy its own Thread.
     std::shared_ptr<Impl> self;
 };
 

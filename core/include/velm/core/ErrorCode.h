@@ -2,11 +2,11 @@
 
 namespace velm {
 
-/// The result of an operation that can fail: one 32-bit code. 0 is success; a code with bit 31 set is a
-/// failure. ErrorRegistry.h turns a code into its name.
+/// The result of an operation that can fail: a 32-bit code. 0 is success; bit 31 marks a failure.
+/// FindErrorCode (ErrorRegistry.h) returns a code's name.
 class ErrorCode {
 public:
-    /// @param code  becomes the result as it is
+    /// @param code  stored unchanged
     constexpr ErrorCode(unsigned int code = 0) noexcept : m_code(code) {}
 
     /// The code.

@@ -11,7 +11,7 @@
 #define VELM_DLL_IMPORT __attribute__((visibility("default")))
 #endif
 
-// The build defines VelmCore_EXPORTS and VelmUtil_EXPORTS while it compiles the library of that name.
+// The build defines VelmCore_EXPORTS or VelmUtil_EXPORTS while compiling that library.
 #if defined(VelmCore_EXPORTS)
 #define VELM_CORE_API VELM_DLL_EXPORT
 #else

@@ -6,28 +6,30 @@
 
 namespace velm {
 
-/// Reads a file from its beginning to its end, through a buffer of 256 KiB.
+/// Reads a file from start to end through a 256 KiB buffer.
+/// Threads: one at a time.
 class VELM_CORE_API FileReader : public IReader {
 public:
-    /// A reader that is not attached to a file.
     FileReader();
     ~FileReader() override;
     FileReader(const FileReader&) = delete;
     FileReader& operator=(const FileReader&) = delete;
 
-    /// Opens a file and stands at its beginning; a file that was open before is closed.
+    /// Opens a file for reading from its start. A file that is already open is closed first, even if the call
+    /// then fails.
     /// @param utf8Path  NUL-terminated
     /// @return 0; VELM_ERROR_CORE_INVALID_PARAM for a null or empty path; VELM_ERROR_CORE_NOT_EXIST;
     ///         VELM_ERROR_CORE_ACCESS_DENIED, also for a directory; VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
-    ///         VELM_ERROR_CORE_UNKNOWN for any other refusal
+    ///         VELM_ERROR_CORE_UNKNOWN for any other failure
     ErrorCode Open(const char* utf8Path);
 
     /// Closes the file, if one is open.
     void Close();
 
+    /// See IReader::Read.
     /// @return 0; VELM_ERROR_CORE_NOT_INITIALIZED when no file is open; VELM_ERROR_CORE_INVALID_PARAM for a
-    ///         null `buffer` with a `size` above 0; VELM_ERROR_CORE_END_OF_DATA when the file ends first;
-    ///         VELM_ERROR_CORE_READ_FAILED when the system fails the read
+    ///         null `buffer` with a `size` above 0; VELM_ERROR_CORE_END_OF_DATA when fewer than `size` bytes
+    ///         are left; VELM_ERROR_CORE_READ_FAILED when the system's read call fails
     ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long size) override;
 
 private:

@@ -5,19 +5,19 @@
 
 namespace velm {
 
-/// A source of bytes that is read strictly forward.
+/// A forward-only source of bytes.
 class VELM_CORE_API IReader {
 public:
     /// Reads the next `size` bytes.
-    /// @param readSize  receives the number of bytes read, also on failure; may be null
-    /// @param buffer  receives the bytes; the caller's, `size` bytes long
-    /// @return 0 when all `size` bytes were read; a failure when fewer were, the end of the data included
+    /// @param readSize  out: number of bytes read, also on failure; may be null
+    /// @param buffer  out: `size` bytes, owned by the caller
+    /// @return 0 when all `size` bytes were read; otherwise a failure, also at the end of the data
     /// Threads: one at a time.
     virtual ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long size) = 0;
 
     /// Reads the next byte.
-    /// @param value  receives the byte; unchanged on failure
-    /// @return 0; VELM_ERROR_CORE_INVALID_PARAM for a null `value`; else what Read returns
+    /// @param value  out: the byte; unchanged on failure
+    /// @return 0; VELM_ERROR_CORE_INVALID_PARAM for a null `value`; otherwise the failure of Read
     /// Threads: one at a time.
     ErrorCode ReadU8(unsigned char* value) {
         if (value != nullptr && m_next != m_end) {
@@ -27,7 +27,7 @@ public:
         return ReadU8Slowly(value);
     }
 
-    /// Reads bytes and drops them, as so many calls of ReadU8 would; stops at the first that fails.
+    /// Discards the next `size` bytes; stops without a report when a read fails.
     /// Threads: one at a time.
     void Skip(unsigned long long size);
 
@@ -42,8 +42,8 @@ protected:
     /// @}
 
     /// @{
-    /// The bytes that a buffering reader has at hand: ReadU8 takes them from here without a virtual call. A
-    /// reader without a buffer leaves both null. They point into the reader's own storage.
+    /// The unread part of a derived reader's own buffer: ReadU8 takes bytes from it without a virtual call.
+    /// An unbuffered reader leaves both null.
     const unsigned char* m_next = nullptr;
     const unsigned char* m_end = nullptr;
     /// @}

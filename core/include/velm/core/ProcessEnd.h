@@ -4,10 +4,10 @@
 
 namespace velm {
 
-/// Whether the system is ending the process and has ended all its threads but the calling one, as when
-/// Windows unloads the libraries of a process. What the other threads held they never give back, so no
-/// operation of this library waits then.
-/// @return false for good on Linux, where threads run on until the process is gone
+/// Whether the process is ending and Windows has already killed all threads but the calling one, as in static
+/// destructors of a DLL. Locks that those threads owned are never released, so no operation of this library
+/// blocks in this state.
+/// @return always false on Linux, where threads run until the process is gone
 /// Threads: any.
 VELM_CORE_API bool IsProcessEnding();
 

@@ -7,33 +7,33 @@
 
 namespace velm {
 
-/// An event that threads of one process wait for.
+/// A manual-reset or auto-reset event for the threads of one process.
 class VELM_CORE_API SyncEvent {
 public:
-    /// @param manualReset  true: once set, the event stays set and releases every waiter; false: it resets
-    ///                     itself as one waiter leaves
+    /// @param manualReset  true: once set, the event stays set and releases every waiter; false: it releases
+    ///                     one waiter and resets itself
     /// @param initiallySet  whether the event starts set
     SyncEvent(bool manualReset, bool initiallySet);
 
-    /// Waits for nobody. No thread may be waiting, but for one that was killed.
+    /// Does not block. No thread may be waiting, except one that was killed.
     ~SyncEvent();
 
     SyncEvent(const SyncEvent&) = delete;
     SyncEvent& operator=(const SyncEvent&) = delete;
 
     /// Blocks, without a time limit, until the event is set.
-    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL when it would block while the process ends
+    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL instead of blocking while the process ends
     /// Threads: any.
     ErrorCode Wait();
 
-    /// Sets the event. Setting a set event changes nothing.
+    /// Sets the event; no effect if it is set already.
     /// @return 0
     /// Threads: any.
     ErrorCode Set();
 
 private:
-    // Set's release pairs with the acquire that finds it set in Wait. Each Set is an exchange, and so part of
-    // the release sequences of those before it.
+    // Set's release pairs with the acquire in Wait that finds the event set. Each Set is an exchange, which
+    // continues the release sequences of earlier ones.
     std::atomic<unsigned int> m_set;
     bool m_manualReset;
 };

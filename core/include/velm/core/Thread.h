@@ -8,17 +8,18 @@
 
 namespace velm {
 
-/// One thread of the system that runs a function once.
+/// A thread that runs one function. It can be started again after Join.
+/// Threads: one at a time, unless an operation says otherwise.
 class VELM_CORE_API Thread {
 public:
     Thread();
 
-    /// Waits for a thread that was started and not joined, unless it is the calling thread itself. A class
-    /// that overrides operator() joins in its own destructor.
+    /// Joins a started thread, unless it is the calling one. A class that overrides operator() must join in
+    /// its own destructor.
     virtual ~Thread();
 
-    /// The thread's body: runs the function given to Initialize. The thread calls it.
-    /// @param parameter  what Start was given
+    /// The thread's body, called on the new thread: runs the function given to Initialize.
+    /// @param parameter  the argument of Start
     /// @return the exit code
     virtual int operator()(void* parameter);
 
@@ -26,30 +27,31 @@ public:
     Thread& operator=(const Thread&) = delete;
 
     /// Prepares a thread that will run `function(argument)`; does not start it.
+    /// @param config  copied
     /// @param function  not null; its result is the thread's exit code
-    /// @param argument  handed to the function; the caller's
+    /// @param argument  passed to the function; owned by the caller
     /// @return 0; VELM_ERROR_CORE_INVALID_PARAM for a null function; VELM_ERROR_CORE_ILLEGAL_CALL while a
-    ///         thread is running or not joined; VELM_ERROR_CORE_NOT_ENOUGH_MEMORY
+    ///         started thread has not been joined; VELM_ERROR_CORE_NOT_ENOUGH_MEMORY
     ErrorCode Initialize(const ThreadConfig& config, int (*function)(void*), void* argument);
 
     /// Starts the prepared thread.
-    /// @param parameter  handed to operator()
-    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL before Initialize, or when started already;
-    ///         VELM_ERROR_CORE_UNKNOWN when the system gives no thread
+    /// @param parameter  passed to operator(); owned by the caller
+    /// @return 0; VELM_ERROR_CORE_ILLEGAL_CALL before Initialize, or while a started thread has not been
+    ///         joined; VELM_ERROR_CORE_UNKNOWN when the system cannot create a thread
     ErrorCode Start(void* parameter);
 
-    /// Waits until the function has returned. The thread can then be started, or initialised, anew.
-    /// @param exitCode  receives what the function returned, converted to unsigned; may be null; unchanged on
-    ///                  failure
-    /// @return 0; VELM_ERROR_CORE_THREAD_EXCEPTION when the function never returned: it ended by an
-    ///         exception, or the thread was killed or ended itself;
-    ///         VELM_ERROR_CORE_ILLEGAL_CALL when there is nothing to join, or on the thread itself;
-    ///         VELM_ERROR_CORE_UNKNOWN when the system fails the wait
+    /// Blocks until the function has returned. The object can then be started or initialized again.
+    /// @param exitCode  out: the function's result, converted to unsigned; may be null; unchanged on failure
+    /// @return 0; VELM_ERROR_CORE_THREAD_EXCEPTION when the function did not return: it threw, or the thread
+    ///         was killed or exited;
+    ///         VELM_ERROR_CORE_ILLEGAL_CALL when there is nothing to join, or from the thread itself;
+    ///         VELM_ERROR_CORE_UNKNOWN when the system's wait fails
     /// Threads: any but the joined one, one at a time.
     ErrorCode Join(unsigned long long* exitCode);
 
     /// Suspends the calling thread for at least `milliseconds`.
     /// @return 0
+    /// Threads: any.
     static ErrorCode Sleep(unsigned int milliseconds);
 
 private:

@@ -6,8 +6,9 @@
 
 namespace velm {
 
-/// The settings of a thread. Copying and SetName throw std::bad_alloc when memory runs out; the settings then
-/// stay as they were.
+/// The name and stack size of a thread. Copying and SetName throw std::bad_alloc when out of memory and then
+/// change nothing.
+/// Threads: one at a time.
 class VELM_CORE_API ThreadConfig {
 public:
     ThreadConfig();
@@ -18,16 +19,16 @@ public:
     /// @}
     ~ThreadConfig();
 
-    /// Stores a copy of the name under which debuggers and profilers show the thread.
-    /// @param name  NUL-terminated UTF-8; null counts as "". Systems may show only its beginning.
+    /// Sets the name that debuggers and profilers show for the thread.
+    /// @param name  NUL-terminated UTF-8, copied; null counts as "". The system may show only its beginning.
     void SetName(const char* name);
 
-    /// The stored name, valid until the next SetName or the end of the object; "" at first.
+    /// Returns the name, valid until the next SetName or the object's destruction; "" by default.
     const char* GetName() const;
 
-    /// Sets the size of the thread's stack in bytes; 0, the default, leaves it to the system.
+    /// Sets the thread's stack size in bytes; 0, the default, means the system's default.
     void SetStackSize(unsigned int bytes);
-    unsigned int GetStackSize() const;  ///< in bytes; 0 for the system's choice
+    unsigned int GetStackSize() const;  ///< in bytes; 0 means the system's default
 
 private:
     std::string m_name;

@@ -7,10 +7,12 @@ namespace velm {
 /// A reading of the system's monotonic high-resolution counter.
 class VELM_CORE_API Tick {
 public:
-    /// The current reading. Threads: any.
+    /// Returns the current reading; 0 when the system has no counter.
+    /// Threads: any.
     static Tick Get();
 
-    /// Counter units per second; 0 when the system has no counter. Threads: any.
+    /// Returns the counter units per second; 0 when the system has no counter.
+    /// Threads: any.
     static unsigned long long GetFrequency();
 
     ~Tick();
