@@ -4,9 +4,8 @@
 
 namespace velm {
 
-/// Formats a message by the rules of printf, as far as 1023 characters go, and reports it nowhere. It does
-/// not end the process.
-/// @param format  NUL-terminated; null counts as no message
+/// Formats a message of up to 1023 characters as printf does, and discards it. Does not end the process.
+/// @param format  NUL-terminated; null does nothing
 /// Threads: any.
 VELM_UTIL_API void AbortMessage(const char* format, ...);
 

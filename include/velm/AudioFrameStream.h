@@ -6,82 +6,81 @@ namespace velm {
 
 class Semaphore;
 
-/// A ring of fixed-size frames of samples between threads: a push waits while the ring is full, a take while
-/// it is empty. A frame is `frameSampleSize` samples without a header; its bytes are moved whatever the bit
-/// depth.
+/// A blocking ring buffer of fixed-size audio frames, shared by threads: a push waits while the ring is full,
+/// a take while it is empty. A frame is `frameSampleSize` samples without a header. Bytes are copied as they
+/// are, at any bit depth.
 ///
-/// From Initialize to Terminate the frame operations wait for each other. Before and after, they do not wait,
-/// the caller uses the object from one thread at a time, and a full or empty ring answers
-/// VELM_ERROR_UTIL_UNKNOWN. The sample operations of the base class bypass the waiting; on a stream that
-/// threads share they break its counts.
+/// Frame operations block only between Initialize and Terminate. Before and after, they fail with
+/// VELM_ERROR_UTIL_UNKNOWN on a full or empty ring, and the object must be used by one thread at a time. The
+/// sample operations of the base class bypass the blocking; used on a shared stream, they break its counts.
 ///
-/// A frame operation returns 0; VELM_ERROR_UTIL_UNKNOWN when it was let through although the ring is full or
-/// empty (UnlockForce, Terminate) or when there is no storage; VELM_ERROR_UTIL_INVALID_PARAM at once for a
-/// null frame.
+/// A frame operation returns 0; VELM_ERROR_UTIL_UNKNOWN when Terminate released it, when UnlockForce released
+/// it and the ring is still full or empty, or when there is no storage; VELM_ERROR_UTIL_INVALID_PARAM,
+/// without blocking, for a null frame.
 ///
-/// Threads: any number may push and take between Initialize and Terminate. The two sizes are a snapshot.
+/// Threads: any number may push and take between Initialize and Terminate. The two sizes are snapshots.
 class VELM_UTIL_API AudioFrameStream : public AudioStream {
 public:
-    /// Allocates room for the frames, filled with zero bytes. There is no storage where AudioStream would
-    /// have none, for a frame of 0 samples, or where the bytes of frameNum + 1 frames do not fit 32 bits.
-    /// @param frameSampleSize  samples in a frame
-    /// @param frameNum  frames that the ring holds
+    /// Allocates zero-filled storage for the frames. There is none where AudioStream would have none, for a
+    /// frame of 0 samples, or when frameNum + 1 frames exceed 2^32 - 1 bytes.
+    /// @param frameSampleSize  samples per frame
+    /// @param frameNum  capacity in frames
     AudioFrameStream(unsigned int frameSampleSize, unsigned int frameNum, unsigned int channelNum,
                      unsigned int bitsPerSample);
 
-    /// Terminates the stream, which takes at least 50 ms, and releases the storage.
+    /// Terminates the stream, which takes at least 50 ms, and frees the storage.
     ~AudioFrameStream() override;
 
     AudioFrameStream(const AudioFrameStream&) = delete;
     AudioFrameStream& operator=(const AudioFrameStream&) = delete;
 
-    /// Makes the frame operations wait. The ring is expected to be empty: frames that it holds are not
-    /// counted. Called once, and once more after each Terminate.
-    /// @return 0; frame operations of a ring for 0 frames fail at once all the same;
-    ///         VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail at once;
-    ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: the frame operations do not wait
+    /// Makes the frame operations block. The ring must be empty: frames that it already holds are not
+    /// counted. Call once, and once more after each Terminate.
+    /// @return 0, also for a ring of 0 frames, where every frame operation fails without blocking;
+    ///         VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage: frame operations fail without
+    ///         blocking; VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY: frame operations do not block
     ErrorCode Initialize() override;
 
-    /// Ends the waiting: wakes a blocked thread on each side, waits for one that is moving a frame (for half
-    /// a second at most, because a thread that was killed never gets done) and gives them 50 ms to leave. A
-    /// thread that was waiting fails with VELM_ERROR_UTIL_UNKNOWN. The frames stay.
-    /// Threads: at most one is blocked on each side, and none enters a frame operation meanwhile.
+    /// Ends blocking: wakes one blocked thread on each side, waits up to 500 ms for a thread that is copying
+    /// a frame (a killed one never finishes), then gives the woken threads 50 ms to leave. Their operations
+    /// return VELM_ERROR_UTIL_UNKNOWN. The frames stay in the ring.
+    /// Threads: at most one may be blocked on each side; none may start a frame operation meanwhile.
     void Terminate() override;
 
     /// Appends a frame after the newest; waits for a free slot.
-    /// @param frame  the samples of one frame; the caller's
+    /// @param frame  the samples of one frame; owned by the caller
     ErrorCode PushBackFrame(short* frame);
-    /// Appends a frame of zero bytes; waits for a free slot.
+    /// Appends a frame of zero bytes after the newest; waits for a free slot.
     ErrorCode PushBackClearFrame();
-    /// Removes the oldest frame; waits for one.
-    /// @param frame  receives the samples of one frame; the caller's
+    /// Removes the oldest frame into `frame`; waits for one.
+    /// @param frame  out: the samples of one frame; owned by the caller
     ErrorCode TakeFrontFrame(short* frame);
-    /// Removes the oldest frame; waits for one.
+    /// Discards the oldest frame; waits for one.
     ErrorCode DropFrontFrame();
     /// Inserts a frame before the oldest; waits for a free slot.
-    /// @param frame  the samples of one frame; the caller's
+    /// @param frame  the samples of one frame; owned by the caller
     ErrorCode PushFrontFrame(short* frame);
     /// Inserts a frame of zero bytes before the oldest; waits for a free slot.
     ErrorCode PushFrontClearFrame();
-    /// Removes the newest frame; waits for one.
-    /// @param frame  receives the samples of one frame; the caller's
+    /// Removes the newest frame into `frame`; waits for one.
+    /// @param frame  out: the samples of one frame; owned by the caller
     ErrorCode TakeBackFrame(short* frame);
-    /// Removes the newest frame; waits for one.
+    /// Discards the newest frame; waits for one.
     ErrorCode DropBackFrame();
 
-    /// Appends frames of zero bytes until there is no room for another, or one fails.
+    /// Appends frames of zero bytes until the ring is full or a push fails.
     /// @return 0
     ErrorCode PushAllClearFrame();
-    /// Drops the oldest frame until there is none, or one fails.
+    /// Discards the oldest frames until the ring is empty or a drop fails.
     /// @return 0
     ErrorCode DropAllFrame();
 
-    unsigned int GetUsedFrameSize();  ///< whole frames that the ring holds
-    unsigned int GetFreeFrameSize();  ///< whole frames that it has room for
+    unsigned int GetUsedFrameSize();  ///< whole frames in the ring
+    unsigned int GetFreeFrameSize();  ///< whole frames that still fit
 
-    /// Lets one push and one take through without a free slot or a frame: a blocked one now, else the next
-    /// that would block. It then fails if the ring is still full or empty. Calls add up, for takes to the
-    /// number of free slots and for pushes to the number of frames at most.
+    /// Releases one blocked push and one blocked take; on a side where none is blocked, the next operation
+    /// that would block does not. A released operation fails if the ring is still full or empty. Calls
+    /// accumulate: for takes up to the number of free slots, for pushes up to the number of frames.
     void UnlockForce();
 
 private:
@@ -97,10 +96,10 @@ private:
 
     unsigned int m_nFrameSampleSize;
     unsigned int m_nFrameNum;
-    Semaphore* m_pPushSemaphore;  // free slots; owned, as are the other two
-    Semaphore* m_pTakeSemaphore;  // filled frames
-    Semaphore* m_pLockSemaphore;  // 1 while no thread is at the ring
-    // Initialize's release pairs with IsReady's acquire, for the pointers above.
+    Semaphore* m_pPushSemaphore;  // counts free slots; owned, as are the other two
+    Semaphore* m_pTakeSemaphore;  // counts frames
+    Semaphore* m_pLockSemaphore;  // 1 while no thread uses the ring
+    // Initialize's release pairs with IsReady's acquire and publishes the pointers above.
     int m_bInitialized;
 };
 

@@ -6,76 +6,76 @@
 
 namespace velm {
 
-/// The library's own; releases the storage of a ring.
+/// Frees the storage of a ring; for the library's own use.
 struct AudioBufferDeleter {
-    /// Releases the storage.
+    /// Frees the storage.
     void operator()(unsigned char* buffer) const;
 };
 
-/// A ring of interleaved PCM samples that is filled and emptied at both ends. One sample is one instant
-/// across all channels: (bits per sample / 8, rounded down) * channels bytes, which are copied as they are.
+/// A ring buffer of interleaved PCM samples, filled and emptied at both ends. A sample is one instant across
+/// all channels: (bits per sample / 8, rounded down) * channels bytes, which are copied as they are.
 ///
-/// One slot stays empty, so a ring of capacity n holds n - 1 samples. An operation moves all the samples it
-/// is asked for or none. Every push, take and drop returns 0; VELM_ERROR_UTIL_UNKNOWN when there is not
-/// enough room, not enough is held, or the ring has no storage; VELM_ERROR_UTIL_INVALID_PARAM when `data` is
-/// null although samples are to be copied. After a failure nothing has changed. 0 samples always succeed
-/// while there is storage.
+/// One slot stays empty, so a ring of capacity n holds n - 1 samples. An operation moves all requested
+/// samples or none. Every push, take and drop returns 0; VELM_ERROR_UTIL_UNKNOWN when there is not enough
+/// room, when the ring holds too few samples, or when it has no storage; VELM_ERROR_UTIL_INVALID_PARAM when
+/// `data` is null and samples are to be copied. A failed operation changes nothing. With storage, an
+/// operation on 0 samples always succeeds.
 ///
-/// Threads: one at a time, or under the caller's lock; only the four Get operations may run beside another
-/// thread's operation, and then are a snapshot.
+/// Threads: one at a time, or under the caller's lock. The four Get operations may run concurrently with
+/// another thread's operation; their results are then snapshots.
 class VELM_UTIL_API AudioStream {
 public:
-    /// Allocates the storage and fills it with zero bytes. Whether that succeeded, Initialize says. There is
-    /// no storage for a capacity of 0, no channels, under 8 bits, or where the storage's bytes do not fit 32
-    /// bits.
-    /// @param maxSampleSize  the capacity in samples
+    /// Allocates zero-filled storage; Initialize tells whether that succeeded. There is no storage for a
+    /// capacity of 0, no channels, under 8 bits, or more than 2^32 - 1 bytes.
+    /// @param maxSampleSize  capacity in samples
     AudioStream(unsigned int maxSampleSize, unsigned int channelNum, unsigned int bitsPerSample);
     virtual ~AudioStream();
     AudioStream(const AudioStream&) = delete;
     AudioStream& operator=(const AudioStream&) = delete;
 
+    /// Tells whether the storage was allocated.
     /// @return 0; VELM_ERROR_UTIL_NOT_INITIALIZED when there is no storage
     virtual ErrorCode Initialize();
 
-    /// Releases the storage for good. The Get operations go on answering.
+    /// Frees the storage for good. The Get operations still work.
     virtual void Terminate();
 
     /// Appends samples after the newest.
-    /// @param data  sampleSize samples; the caller's
+    /// @param data  sampleSize samples; owned by the caller
     ErrorCode PushBackSamples(unsigned char* data, unsigned int sampleSize);
 
     /// Appends samples of zero bytes after the newest.
     ErrorCode PushBackClearSamples(unsigned int sampleSize);
 
     /// Removes the oldest samples into `data`, oldest first.
-    /// @param data  receives sampleSize samples; the caller's
+    /// @param data  out: sampleSize samples; owned by the caller
     ErrorCode TakeFrontSamples(unsigned int sampleSize, unsigned char* data);
 
-    /// Removes the oldest samples.
+    /// Discards the oldest samples.
     ErrorCode DropFrontSamples(unsigned int sampleSize);
 
-    /// Inserts samples before the oldest; the first of `data` becomes the oldest.
-    /// @param data  sampleSize samples; the caller's
+    /// Inserts samples before the oldest; the first one in `data` becomes the oldest.
+    /// @param data  sampleSize samples; owned by the caller
     ErrorCode PushFrontSamples(unsigned char* data, unsigned int sampleSize);
 
     /// Inserts samples of zero bytes before the oldest.
     ErrorCode PushFrontClearSamples(unsigned int sampleSize);
 
-    /// Removes the newest samples into `data`, the newest last.
-    /// @param data  receives sampleSize samples; the caller's
+    /// Removes the newest samples into `data`, newest last.
+    /// @param data  out: sampleSize samples; owned by the caller
     ErrorCode TakeBackSamples(unsigned int sampleSize, unsigned char* data);
 
-    /// Removes the newest samples.
+    /// Discards the newest samples.
     ErrorCode DropBackSamples(unsigned int sampleSize);
 
     /// Empties the ring.
     /// @return 0; VELM_ERROR_UTIL_UNKNOWN when there is no storage
     ErrorCode DropAllSamples();
 
-    unsigned int GetUsedSampleSize();      ///< what the ring holds, in samples
-    unsigned int GetUsedSampleByteSize();  ///< what the ring holds, in bytes
-    unsigned int GetFreeSampleSize();      ///< what the ring has room for, in samples
-    unsigned int GetFreeSampleByteSize();  ///< what the ring has room for, in bytes
+    unsigned int GetUsedSampleSize();      ///< samples in the ring
+    unsigned int GetUsedSampleByteSize();  ///< the same in bytes
+    unsigned int GetFreeSampleSize();      ///< samples that still fit
+    unsigned int GetFreeSampleByteSize();  ///< the same in bytes
 
 private:
     ErrorCode CheckPush(const void* data, unsigned int sampleSize);
@@ -94,10 +94,10 @@ private:
     unsigned int m_nChannelNum;
     unsigned int m_nBitsPerSample;
     unsigned int m_nSampleByteSize;
-    std::unique_ptr<unsigned char[], AudioBufferDeleter> m_pBuffer;  // on a cache line of its own
+    std::unique_ptr<unsigned char[], AudioBufferDeleter> m_pBuffer;  // cache-line aligned
     unsigned int m_nBufferByteSize;
-    int m_nBackIndex;   // one past the newest sample; written by the thread that pushes or takes at the back
-    int m_nFrontIndex;  // the oldest sample; written by the thread that pushes or takes at the front
+    int m_nBackIndex;   // one past the newest sample; changed by pushes and takes at the back
+    int m_nFrontIndex;  // the oldest sample; changed by pushes and takes at the front
 };
 
 }  // namespace velm

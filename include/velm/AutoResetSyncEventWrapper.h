@@ -5,9 +5,9 @@
 
 namespace velm {
 
-/// An event that one thread waits for and another triggers. Each trigger lets at most one waiter go, and a
-/// trigger that finds no waiter lets the next one through.
-/// Threads: any may wait and trigger.
+/// An auto-reset event. Each trigger releases at most one waiter; a trigger without a waiter releases the
+/// next one.
+/// Threads: any.
 class VELM_UTIL_API AutoResetSyncEventWrapper {
 public:
     AutoResetSyncEventWrapper();

@@ -4,10 +4,10 @@
 
 namespace velm {
 
-/// Three-dimensional vectors in single precision, and the rotation of points about an axis through a centre.
+/// Single-precision 3D vector operations, and rotation of points about an axis.
 ///
-/// The vector operations leave the object alone. A rotation is set up by SetParam or SetRotatoVector and then
-/// applied to any number of points by Rotato. No operation takes a null address.
+/// The vector operations do not change the object. SetParam or SetRotatoVector sets up a rotation, which
+/// Rotato applies to any number of points. No pointer may be null.
 /// Threads: one at a time per object.
 class VELM_UTIL_API CrossDotRotate {
 public:
@@ -18,10 +18,10 @@ public:
         float z;  ///< the z coordinate
     };
 
-    /// No rotation is set up.
+    /// Starts without a rotation.
     CrossDotRotate();
     /// @{
-    /// Copies the rotation that is set up.
+    /// Copies the rotation.
     CrossDotRotate(const CrossDotRotate& other);
     CrossDotRotate& operator=(const CrossDotRotate& other);
     /// @}
@@ -30,18 +30,18 @@ public:
     /// v = (0, 0, 0)
     void SetZero(_Vector3D* v);
 
-    /// The square of the length.
+    /// Returns the squared length.
     float Power(_Vector3D* v);
 
-    /// The length.
+    /// Returns the length.
     float Amplitude(_Vector3D* v);
 
-    /// Scales v to unit length. The square of the length is formed in single precision: from a length of about
-    /// 1.8e19 it overflows and v becomes 0, and a vector with a NaN becomes NaN; both return 1.
-    /// @return 1; 0 when v is shorter than 0.001: it is then scaled by 1000
+    /// Scales v to unit length. The squared length is computed in single precision: it overflows at a length
+    /// of about 1.8e19, and v becomes 0; one NaN component makes all of them NaN. Both return 1.
+    /// @return 1; 0 when v is shorter than 0.001 and is scaled by 1000 instead
     int Normalize(_Vector3D* v);
 
-    /// The scalar product.
+    /// Returns the dot product.
     float Dot(_Vector3D* a, _Vector3D* b);
 
     /// out = a x b
@@ -65,35 +65,35 @@ public:
     /// dst = src
     void Copy(_Vector3D* src, _Vector3D* dst);
 
-    /// Turns a into the unit vector that is perpendicular to b, in the plane of both and on the side of a,
-    /// and scales b to unit length.
-    /// @param b  another vector than a
+    /// Replaces a by the unit vector of its component perpendicular to b, and scales b to unit length.
+    /// @param b  not the same object as a
     void AdjustNormalizedOrthogonalVector(_Vector3D* a, _Vector3D* b);
 
-    /// The cosine of the angle between a and b; 0 when one of them is zero, and too small when the product of
-    /// their lengths is below 1e-9.
+    /// Returns the cosine of the angle between a and b; 0 when one of them is zero, too small when the
+    /// product of their lengths is below 1e-9.
     float GetCosSita(_Vector3D* a, _Vector3D* b);
 
-    /// The sine, never negative, of the angle between a and b; 0 when one of them is zero, and too small when
-    /// the product of their lengths is below 1e-9.
+    /// Returns the sine of the angle between a and b, never negative; 0 when one of them is zero, too small
+    /// when the product of their lengths is below 1e-9.
     float GetSinSita(_Vector3D* a, _Vector3D* b);
 
-    /// Sets up a rotation; a positive sine turns counter-clockwise, seen from the tip of the axis.
-    /// @param axis  of a length from 0.001 to 1.8e19
+    /// Sets up a rotation; a positive sine rotates counter-clockwise, seen from the tip of the axis.
+    /// @param axis  its length must be between 0.001 and 1.8e19
     /// @param center  a point on the axis
-    /// @param cosValue, sinValue  of the angle, or both times the same positive number; the limits of `axis`
-    ///        hold for the pair
-    /// @return 1; 0 when the axis or the pair is shorter than 0.001: Rotato then leaves points alone. Longer
-    ///         ones and NaN are not detected: Rotato then gives the result of the arithmetic.
+    /// @param cosValue, sinValue  of the angle, or both scaled by the same positive factor; the length limits
+    ///        of `axis` apply to the pair
+    /// @return 1; 0 when the axis or the pair is shorter than 0.001: Rotato then does nothing. Excessive
+    ///         lengths and NaN are not detected and make Rotato's results meaningless.
     int SetParam(_Vector3D* axis, _Vector3D* center, float cosValue, float sinValue);
 
-    /// Sets up the rotation that turns the direction of one vector into that of another.
-    /// @param ratio  scales the sine before sine and cosine are brought to unit length together; 1 turns all
-    ///               the way, a negative ratio turns the other way
-    /// @return 1; 0 when the vectors are parallel, opposite or too short, and then Rotato leaves points alone
+    /// Sets up the rotation from the direction of one vector to that of another.
+    /// @param center  a point on the axis
+    /// @param ratio  scales the sine before sine and cosine are normalized as a pair; 1 rotates by the full
+    ///               angle, a negative ratio in the opposite direction
+    /// @return 1; 0 when the vectors are parallel, opposite or too short: Rotato then does nothing
     int SetRotatoVector(_Vector3D* from, _Vector3D* to, _Vector3D* center, float ratio);
 
-    /// Rotates a point in place, when a rotation is set up.
+    /// Rotates a point in place; does nothing without a rotation.
     void Rotato(_Vector3D* point);
 
 private:
@@ -106,10 +106,10 @@ private:
     _Vector3D m_stAxis;  // of unit length
     float m_fCos;
     float m_fSin;
-    float m_fCosSinZ;  // 0: makes a vector of the pair, which Normalize scales
+    float m_fCosSinZ;  // third component of (cos, sin, 0), the vector that Normalize scales
     _Vector3D m_stCenter;
     int m_bValid;
-    // Of the latest rotation.
+    // Intermediate values of the latest Rotato.
     _Vector3D m_stRelative;
     _Vector3D m_stParallel;
     _Vector3D m_stPerpendicular;

@@ -9,22 +9,22 @@ namespace velm {
 
 class D3D9ResourceBase;
 
-/// Runs before a resource gives up its Direct3D objects.
+/// Called before a resource releases its Direct3D objects.
 typedef void (*LostCallback)(D3D9ResourceBase* resource, void* user);
 
-/// Runs after a resource has rebuilt its Direct3D objects, or failed to.
+/// Called after a resource has recreated its Direct3D objects, or failed to.
 typedef void (*RecoverLostCallback)(D3D9ResourceBase* resource, void* user, IDirect3DDevice9* device,
                                     const D3DPRESENT_PARAMETERS& presentParameters);
 
-/// A resource that outlives the loss of its Direct3D 9 device. A derived class registers itself once it has
-/// something to restore; from then until its destruction D3D9ResourceManager tells it of losses and
+/// A resource that survives the loss of its Direct3D 9 device. A derived class registers itself once it has
+/// something to restore; from then until its destruction, D3D9ResourceManager notifies it of losses and
 /// recoveries.
 ///
-/// A copy has the source's callbacks and user pointer, and registers for itself when the source is or was
-/// registered; an object that is assigned to keeps its own registration.
+/// A copy has the source's callbacks and user pointer, and a registration of its own if the source is or was
+/// registered. Assignment keeps a registration that the target already has.
 ///
-/// Threads: one at a time for each object. Objects may be registered, copied and destroyed on any thread, but
-/// not during a broadcast, nor during Initialize or Finalize of the manager.
+/// Threads: one at a time per object. Objects may be registered, copied and destroyed on any thread, but not
+/// during a broadcast or during the manager's Initialize or Finalize.
 class VELM_UTIL_API D3D9ResourceBase {
 public:
     D3D9ResourceBase();
@@ -35,29 +35,29 @@ public:
     /// @}
     virtual ~D3D9ResourceBase();
 
-    /// Sets the callbacks of this resource.
-    /// @param user  handed back to both
-    /// @param lost, recoverLost  null for none. They neither register nor destroy resources.
+    /// Sets this resource's callbacks.
+    /// @param user  passed to both; owned by the caller
+    /// @param lost, recoverLost  null for none. They must not register or destroy resources.
     void SetUserCallback(void* user, LostCallback lost, RecoverLostCallback recoverLost);
-    /// Back to no callbacks.
+    /// Removes the callbacks.
     void UnsetUserCallback();
 
-    /// The loss for this resource alone: the lost callback, then OnLostImpl.
+    /// Handles a loss for this resource alone: calls the lost callback, then OnLostImpl.
     void OnLost();
 
-    /// The recovery for this resource alone: OnRecoverLostImpl, then the recovery callback.
+    /// Handles a recovery for this resource alone: calls OnRecoverLostImpl, then the recovery callback.
     void OnRecoverLost(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& presentParameters);
 
 protected:
-    /// Joins the broadcasts. Does nothing when the resource is registered already; without a manager, or
-    /// without memory, it stays unregistered and a later call tries again.
+    /// Registers the resource for broadcasts, unless it is registered. Without a manager or memory it stays
+    /// unregistered; a later call tries again.
     void Register();
 
     /// Releases what does not survive the loss.
     virtual void OnLostImpl() = 0;
 
-    /// Rebuilds what was released.
-    /// @param device  works again; the caller's
+    /// Recreates what was released.
+    /// @param device  the working device; owned by the caller
     virtual void OnRecoverLostImpl(IDirect3DDevice9* device,
                                    const D3DPRESENT_PARAMETERS& presentParameters) = 0;
 

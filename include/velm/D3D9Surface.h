@@ -6,32 +6,32 @@
 
 namespace velm {
 
-/// A surface that outlives the loss of its device. A surface of the default pool is released on loss; if it
-/// is a render target or a depth-stencil surface, and nothing else, recovery creates one of the same size,
-/// format and multisampling. Contents are not kept. Surfaces of other pools stay as they are.
+/// A surface that survives the loss of its device. A default-pool surface is released on loss; if its usage
+/// is render target or depth-stencil and nothing else, recovery creates one of the same size, format and
+/// multisampling. Contents are lost. Surfaces of other pools are left alone.
 ///
 /// A copy shares the surface.
 class VELM_UTIL_API D3D9Surface : public D3D9ResourceBase {
 public:
-    /// Empty and not registered.
+    /// Starts empty and unregistered.
     D3D9Surface();
     /// @{
-    /// Shares the surface of the other, with a reference of its own.
+    /// Shares the other's surface and adds a reference to it.
     D3D9Surface(const D3D9Surface& other);
     D3D9Surface& operator=(const D3D9Surface& other);
     /// @}
     ~D3D9Surface() override;
 
     /// Replaces the surface and registers the object with the current manager. Without a manager the object
-    /// stays unregistered, also once there is one: it then misses the loss, and IDirect3DDevice9::Reset fails
-    /// with D3DERR_INVALIDCALL (0x8876086C) while its surface lives. Remedy: bind again after
-    /// D3D9ResourceManager::Initialize; to bind the surface from GetSurface, AddRef it first.
-    /// @param surface  one reference to it passes from the caller to the object; null leaves the object
-    ///                 empty, with the last surface's description
+    /// stays unregistered, even once there is one: it misses the loss, and IDirect3DDevice9::Reset fails with
+    /// D3DERR_INVALIDCALL (0x8876086C) while the surface exists. To fix this, bind again after
+    /// D3D9ResourceManager::Initialize; call AddRef first when binding the surface from GetSurface.
+    /// @param surface  the object takes over one reference; null leaves the object empty, with the last
+    ///                 surface's description
     void Bind(IDirect3DSurface9* surface);
 
-    /// @return the surface, without a reference for the caller; null when the object is empty: before Bind,
-    ///         between loss and recovery, and after a recovery that failed
+    /// Returns the surface without adding a reference; null when the object is empty: before Bind, between
+    /// loss and recovery, and after a failed recovery.
     IDirect3DSurface9* GetSurface();
 
 protected:
@@ -49,7 +49,7 @@ private:
                                           const D3DPRESENT_PARAMETERS& presentParameters);
 
     std::unique_ptr<IDirect3DSurface9, Releaser> m_pSurface;
-    D3DSURFACE_DESC m_desc;  // of the last surface
+    D3DSURFACE_DESC m_desc;  // of the last surface bound
 };
 
 }  // namespace velm

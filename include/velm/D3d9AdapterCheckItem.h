@@ -8,19 +8,19 @@
 
 namespace velm {
 
-/// The fact about a display adapter that a rule tests. D3d9AdapterCheckSet::GetCommandType tells the type of
-/// each: the type that is named here.
+/// The fact about a display adapter that a rule tests, with the operand type it requires (see
+/// D3d9AdapterCheckSet::GetCommandType).
 enum D3d9AdapterCheckCommand : int {
-    D3D9_ADAPTER_CHECK_DRIVER_VERSION = 0,     ///< int64: the driver's version, in numeric order
-    D3D9_ADAPTER_CHECK_VENDOR_NAME = 1,        ///< string: "NVIDIA", "AMD", "Intel", ... by the PCI vendor
-    D3D9_ADAPTER_CHECK_DEVICE_ID = 2,          ///< DWORD: PCI device
-    D3D9_ADAPTER_CHECK_SUBSYS_ID = 3,          ///< DWORD: PCI subsystem
-    D3D9_ADAPTER_CHECK_REVISION = 4,           ///< DWORD: PCI revision
-    D3D9_ADAPTER_CHECK_DEVICE_IDENTIFIER = 5,  ///< GUID of driver and chip
-    D3D9_ADAPTER_CHECK_WHQL_LEVEL = 6,         ///< DWORD: certification of the driver
-    D3D9_ADAPTER_CHECK_CAPS = 7,               ///< DWORD: D3DCAPS9::Caps of the hardware device
-    D3D9_ADAPTER_CHECK_CAPS2 = 8,              ///< DWORD: D3DCAPS9::Caps2
-    D3D9_ADAPTER_CHECK_CAPS3 = 9,              ///< DWORD: D3DCAPS9::Caps3
+    D3D9_ADAPTER_CHECK_DRIVER_VERSION = 0,  ///< int64: driver version; newer ones compare greater
+    D3D9_ADAPTER_CHECK_VENDOR_NAME = 1,     ///< string: "NVIDIA", "AMD", "Intel", ... from the PCI vendor id
+    D3D9_ADAPTER_CHECK_DEVICE_ID = 2,       ///< DWORD: PCI device id
+    D3D9_ADAPTER_CHECK_SUBSYS_ID = 3,       ///< DWORD: PCI subsystem id
+    D3D9_ADAPTER_CHECK_REVISION = 4,        ///< DWORD: PCI revision
+    D3D9_ADAPTER_CHECK_DEVICE_IDENTIFIER = 5,        ///< GUID: identifies driver and chip
+    D3D9_ADAPTER_CHECK_WHQL_LEVEL = 6,               ///< DWORD: certification level of the driver
+    D3D9_ADAPTER_CHECK_CAPS = 7,                     ///< DWORD: D3DCAPS9::Caps of the hardware device
+    D3D9_ADAPTER_CHECK_CAPS2 = 8,                    ///< DWORD: D3DCAPS9::Caps2
+    D3D9_ADAPTER_CHECK_CAPS3 = 9,                    ///< DWORD: D3DCAPS9::Caps3
     D3D9_ADAPTER_CHECK_PRESENTATION_INTERVALS = 10,  ///< DWORD: D3DCAPS9::PresentationIntervals
     D3D9_ADAPTER_CHECK_DISPLAY_WIDTH = 11,           ///< UINT: of the current display mode, in pixels
     D3D9_ADAPTER_CHECK_DISPLAY_HEIGHT = 12,          ///< UINT: in pixels
@@ -30,7 +30,7 @@ enum D3d9AdapterCheckCommand : int {
 
 /// The type of a rule's operand.
 enum D3d9AdapterParamType : int {
-    D3D9_ADAPTER_PARAM_STRING = 0,  ///< at most 127 bytes of text
+    D3D9_ADAPTER_PARAM_STRING = 0,  ///< at most 127 bytes
     D3D9_ADAPTER_PARAM_INT32 = 1,
     D3D9_ADAPTER_PARAM_DWORD = 2,
     D3D9_ADAPTER_PARAM_UINT = 3,
@@ -40,39 +40,40 @@ enum D3d9AdapterParamType : int {
     D3D9_ADAPTER_PARAM_GUID = 7,
 };
 
-/// The operator of a rule: the fact on its left, the rule's operand on its right.
+/// The operator of a rule: compares the fact (left) with the rule's operand (right).
 enum D3d9AdapterParamCompare : int {
     D3D9_ADAPTER_COMPARE_EQUAL = 0,
     D3D9_ADAPTER_COMPARE_NOT_EQUAL = 1,
-    D3D9_ADAPTER_COMPARE_GREATER = 2,  ///< this and the next three: all types but GUID
+    D3D9_ADAPTER_COMPARE_GREATER = 2,  ///< this and the next three: all types except GUID
     D3D9_ADAPTER_COMPARE_GREATER_EQUAL = 3,
     D3D9_ADAPTER_COMPARE_LESS_EQUAL = 4,
     D3D9_ADAPTER_COMPARE_LESS = 5,
-    D3D9_ADAPTER_COMPARE_AND_ANY = 6,  ///< a bit of the operand is set in the fact; int32, DWORD, UINT, int64
-    D3D9_ADAPTER_COMPARE_AND_NONE = 7,  ///< no bit of the operand is set in the fact; the same types
+    D3D9_ADAPTER_COMPARE_AND_ANY = 6,   ///< (fact & operand) != 0; int32, DWORD, UINT, int64
+    D3D9_ADAPTER_COMPARE_AND_NONE = 7,  ///< (fact & operand) == 0; the same types
 };
 
-/// One rule about a display adapter: a fact, an operator and a typed operand. The item stores and compares;
-/// D3d9AdapterCheckSet reads the facts. No call fails: a command or operator that does not exist is stored,
-/// and the comparison is then false.
+/// A rule about a display adapter: a fact, an operator and a typed operand. The item stores the rule and
+/// compares; D3d9AdapterCheckSet reads the facts. Unknown commands and operators are stored too; a comparison
+/// with an unknown operator is false.
 ///
-/// Threads: any number may read and compare an item that none is setting.
+/// Threads: any number may read and compare an item while none sets it.
 class VELM_UTIL_API D3d9AdapterCheckItem {
 public:
-    /// A rule that the driver version, as text, equals "". D3d9AdapterCheckSet refuses it for its type.
+    /// Starts with the rule that the driver version equals the string "". D3d9AdapterCheckSet rejects it:
+    /// wrong operand type.
     D3d9AdapterCheckItem();
     /// @{
-    /// Copies the whole rule.
+    /// Copies the rule.
     D3d9AdapterCheckItem(const D3d9AdapterCheckItem& other);
     D3d9AdapterCheckItem& operator=(const D3d9AdapterCheckItem& other);
     /// @}
 
     /// @{
-    /// Replaces the whole rule.
+    /// Replaces the rule.
     /// @param command  the fact
     /// @param compare  the operator
-    /// @param value  the operand; a text is NUL-terminated, the caller's; its first 127 bytes are kept, and
-    ///               null counts as ""
+    /// @param value  the operand. A string is NUL-terminated and copied, up to 127 bytes of it; null counts
+    ///               as ""
     void SetAsString(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, const char* value);
     void SetAsInt32(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, int value);
     void SetAsDWORD(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare, DWORD value);
@@ -87,13 +88,13 @@ public:
     D3d9AdapterParamType GetType();        ///< the type of the operand
     D3d9AdapterParamCompare GetCompare();  ///< the operator
 
-    /// Whether the operand is of this type.
+    /// Whether the operand has this type.
     bool CheckType(D3d9AdapterParamType type);
 
     /// @{
-    /// The operand.
-    /// @return the zero of the asked type when the operand is of another. A text is the item's own, valid
-    ///         until the item is set or destroyed, and never null
+    /// Returns the operand.
+    /// @return zero, or "", when the operand has another type. A string is owned by the item, valid until the
+    ///         item is set or destroyed, and never null
     const char* AsString();
     int AsInt32();
     DWORD AsDWORD();
@@ -105,10 +106,11 @@ public:
     /// @}
 
     /// @{
-    /// Whether `actual` satisfies the rule. Whole texts are compared byte by byte, bytes as unsigned; numbers
-    /// exactly, and with a NaN only not-equal holds.
-    /// @return false also when the operand is of another type, when the operator does not exist or does not
-    ///         suit the type, and for null
+    /// Whether `actual` satisfies the rule. Strings compare as with strcmp, numbers exactly; with a NaN only
+    /// not-equal is true.
+    /// @param actual  the fact; a string is NUL-terminated
+    /// @return false also when the operand has another type, when the operator is unknown or not defined for
+    ///         the type, and for null
     bool CheckAsString(const char* actual);
     bool CheckAsInt32(int actual);
     bool CheckAsDWORD(DWORD actual);
@@ -119,8 +121,8 @@ public:
     bool CheckAsGUID(GUID actual);
     /// @}
 
-    /// The operand as text of at most 255 characters. DWORD and UINT are written as signed 32-bit numbers.
-    /// Throws std::bad_alloc when memory runs out.
+    /// Formats the operand as up to 255 characters; DWORD and UINT as signed 32-bit numbers.
+    /// Throws std::bad_alloc when out of memory.
     std::string ValueToString();
 
     /// Does nothing.

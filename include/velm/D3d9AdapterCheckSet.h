@@ -9,34 +9,33 @@
 
 namespace velm {
 
-/// Learns which rule an adapter failed.
-/// @param user  as given to BindNotifyError
-/// @param context  the facts, valid during the call
+/// Called with the rule that an adapter failed.
+/// @param user  as passed to BindNotifyError
+/// @param context  the facts; valid only during the call
 /// @param item  the rule
 typedef void (*NotifyErrorFunc)(void* user, D3d9AdapterContext* context,
                                 std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
 
-/// An ordered list of rules that an adapter must satisfy, all of them. An empty set accepts every adapter. A
-/// copy shares the items. Copying and AddItem throw std::bad_alloc when memory runs out; the set is then as
-/// it was.
+/// An ordered list of rules that an adapter must all satisfy; an empty set accepts every adapter. A copy
+/// shares the items. Copying and AddItem throw std::bad_alloc when out of memory and then change nothing.
 ///
-/// Threads: any number may check with a set, and with sets that share items, while none changes them.
+/// Threads: any number may use a set, or sets that share items, for checks while none changes them.
 class VELM_UTIL_API D3d9AdapterCheckSet {
 public:
     D3d9AdapterCheckSet();
     /// @{
-    /// Copies the list and who learns of a failed rule; the items are shared.
+    /// Copies the list and the callback; shares the items.
     D3d9AdapterCheckSet(const D3d9AdapterCheckSet& other);
     D3d9AdapterCheckSet& operator=(const D3d9AdapterCheckSet& other);
     /// @}
     virtual ~D3d9AdapterCheckSet();
 
-    /// Appends a rule, which the set then shares. Duplicates count. An empty pointer is kept as a rule that
-    /// no adapter can be checked against.
+    /// Appends a rule and shares its ownership. Duplicates are kept. A null item is kept too and makes Check
+    /// return VELM_ERROR_UTIL_INVALID_PARAM.
     void AddItem(std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
 
 #if !VELM_TR1_SHARED_PTR_IS_STD
-    /// The same for a std::shared_ptr: the set holds it as long as it holds the rule.
+    /// The same for a std::shared_ptr, which the set keeps as long as the rule.
     void AddItem(std::shared_ptr<D3d9AdapterCheckItem> item) {
         struct Holder {
             std::shared_ptr<D3d9AdapterCheckItem> item;
@@ -47,31 +46,32 @@ public:
     }
 #endif
 
-    /// Sets who learns of a failed rule, at most once in each check and before it returns.
-    /// @param callback  replaces the earlier one; null for none
-    /// @param user  handed back to the callback
+    /// Sets the callback that Check calls, at most once and before it returns, with a rule that failed or
+    /// could not be checked.
+    /// @param callback  replaces the previous one; null for none
+    /// @param user  passed to the callback; owned by the caller
     void BindNotifyError(NotifyErrorFunc callback, void* user);
 
     /// Reads an adapter's facts and checks them. A fact that cannot be read counts as zero.
-    /// @param passed  receives whether every rule is satisfied; false whenever a failure is returned
-    /// @param d3d  the caller's
+    /// @param passed  out: whether every rule is satisfied; false on failure
+    /// @param d3d  owned by the caller
     /// @param adapter  ordinal, 0 for the primary adapter
     /// @return as the other Check; VELM_ERROR_UTIL_INVALID_PARAM also for a null `d3d`;
     ///         VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY
     ErrorCode Check(bool* passed, IDirect3D9* d3d, UINT adapter);
 
-    /// Checks the rules in the order they were added, up to the first that is not satisfied.
-    /// @param passed  receives whether every rule is satisfied; false whenever a failure is returned
-    /// @param context  the facts; the caller's
+    /// Checks the rules in the order they were added and stops at the first one that is not satisfied.
+    /// @param passed  out: whether every rule is satisfied; false on failure
+    /// @param context  the facts; owned by the caller
     /// @return 0 when the rules could be checked, satisfied or not; VELM_ERROR_UTIL_NOT_EXIST for a rule with
-    ///         an unknown command; VELM_ERROR_UTIL_INVALID_PARAM for a rule whose operand is not of its
-    ///         command's type, for an empty rule, and for null arguments
+    ///         an unknown command; VELM_ERROR_UTIL_INVALID_PARAM for a rule whose operand does not have its
+    ///         command's type, for a null rule, and for null arguments
     ErrorCode Check(bool* passed, D3d9AdapterContext* context);
 
-    /// The type that the operand of a rule with `command` must have.
-    /// @param type  receives it; unchanged on failure
+    /// Gets the operand type that a rule with `command` must have.
+    /// @param type  out: the type; unchanged on failure
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for an unknown command or a null `type`
-    /// Threads: any, also when the first calls race.
+    /// Threads: any.
     static ErrorCode GetCommandType(D3d9AdapterParamType* type, D3d9AdapterCheckCommand command);
 
 private:

@@ -12,7 +12,7 @@ class VELM_UTIL_API EnvConfigReader {
 public:
     EnvConfigReader();
     /// @{
-    /// There is nothing in an object to copy.
+    /// Objects have no state.
     EnvConfigReader(const EnvConfigReader& other);
     EnvConfigReader& operator=(const EnvConfigReader& other);
     /// @}
@@ -20,8 +20,8 @@ public:
 
     /// Reads one variable.
     /// @param name  in the OEM code page
-    /// @param value  receives the value in UTF-8, which is empty for a variable that is set but empty; keeps
-    ///               what it holds when the variable is not set or anything fails
+    /// @param value  out: the value in UTF-8, "" for a variable that is set but empty; unchanged when the
+    ///               variable is not set or anything fails
     void GetIfOk(const std::string& name, std::string& value);
 };
 

@@ -8,34 +8,34 @@ namespace velm {
 
 /// Owns a stdio stream.
 ///
-/// A copy has the same stream to read or write, but does not own it: only the object that opened the stream
-/// closes it, and with that ends what its copies have.
+/// A copy refers to the same stream but does not own it. Only the object that opened the stream closes it;
+/// its copies are then left with a closed stream.
 /// Threads: one at a time.
 class VELM_UTIL_API FileStdio {
 public:
     FileStdio();
-    /// Has the same stream and does not own it.
+    /// Refers to the other's stream without owning it.
     FileStdio(const FileStdio& other);
-    /// Closes a stream of its own first.
+    /// Closes an owned stream, then refers to the other's without owning it. No effect if both have the same.
     FileStdio& operator=(const FileStdio& other);
 
-    /// Closes.
+    /// Closes an owned stream.
     ~FileStdio();
 
-    /// Opens a file. A stream of its own that is open is closed first.
-    /// @param path  in the encoding of fopen_s, which is the system's
+    /// Opens a file; closes an owned stream first.
+    /// @param path  in the encoding that fopen_s expects, the system's
     /// @param mode  as for fopen
-    /// @return the stream, the object's; null when the file cannot be opened, or for a null argument or a
-    ///         mode that does not begin with "r", "w" or "a"
+    /// @return the stream, owned by the object; null when the file cannot be opened, for a null argument, or
+    ///         for a mode that does not begin with "r", "w" or "a"
     std::FILE* Open(const char* path, const char* mode);
 
-    /// The stream; null when none is open.
+    /// Returns the stream; null when there is none.
     std::FILE* Get();
 
-    /// Closes the stream, if it is the object's own. Get then returns null.
+    /// Closes the stream if the object owns it. Get then returns null.
     void Close();
 
-    /// The same; the argument is left alone.
+    /// The same as Close(); ignores the argument.
     void Close(std::FILE* file);
 
 private:

@@ -8,8 +8,7 @@
 
 namespace velm {
 
-/// Holds the text of a JSON document and parses it. The caller and the library must be built with the same
-/// picojson.
+/// Holds the text of a JSON document and parses it. Caller and library must be built with the same picojson.
 /// Threads: one at a time.
 class VELM_UTIL_API JsonConfigReader {
 public:
@@ -21,26 +20,25 @@ public:
     /// @}
     virtual ~JsonConfigReader();
 
-    /// Replaces the text by the lines of a file, joined end to end: line ends (LF, CR LF) are not kept, a
-    /// UTF-8 mark at the beginning is dropped, and a byte 1A ends the text, as it ends a text file on
-    /// Windows.
-    /// @param path  in the encoding of the system's narrow file names: the ANSI code page on Windows
-    /// @return 0; 1 when the file cannot be opened, and the text stays as it was, or when reading it fails,
-    ///         and the text is what was read so far
+    /// Replaces the text with the lines of a file, concatenated without their line ends (LF or CR LF). A
+    /// UTF-8 byte-order mark is dropped. A byte 1A ends the text, as in Windows' text mode.
+    /// @param path  in the system's narrow encoding: the ANSI code page on Windows
+    /// @return 0; 1 when the file cannot be opened (the text is unchanged) or when reading fails (the text is
+    ///         what was read so far)
     int ReadFile(const std::string& path);
 
-    /// Replaces the text by `json` as it is.
+    /// Replaces the text with `json`, unchanged.
     /// @return 0
-    /// Throws std::bad_alloc when memory runs out; the text stays as it was.
+    /// Throws std::bad_alloc when out of memory; the text is then unchanged.
     int Read(const std::string& json);
 
-    /// Parses the text: the first JSON value in it; what follows is not looked at.
-    /// @param value  receives the document; after a syntax error what was understood of it
-    /// @param error  receives "syntax error at line N near: " and the rest of that line; the same for text
-    ///               nested deeper than picojson's limit for arrays (100), of arrays and objects alike, which
-    ///               is not parsed at all, and for a number that no double holds
-    /// @return whether `error` is empty afterwards; it is not emptied before
-    /// Throws std::bad_alloc when memory runs out; `value` then holds what was parsed so far.
+    /// Parses the first JSON value of the text and ignores what follows it.
+    /// @param value  out: the document; after a syntax error, what was parsed so far
+    /// @param error  out: "syntax error at line N near: " and the rest of that line; unchanged on success.
+    ///               Also set for a number that overflows a double and, leaving `value` unchanged, for arrays
+    ///               and objects nested more than 100 deep, picojson's limit for arrays.
+    /// @return whether `error` is empty afterwards
+    /// Throws std::bad_alloc when out of memory; `value` then holds what was parsed so far.
     bool getJsonValue(picojson::value& value, std::string& error);
 
 private:

@@ -6,34 +6,35 @@ struct HINSTANCE__;
 
 namespace velm {
 
-/// Loads a plug-in library and obtains one object from it. The library exports, under C linkage,
+/// Loads a plug-in library and creates one object with it. The library exports, with C linkage,
 ///
 ///     AllocateClass(void** object)   stores a new object, or null
 ///     ReleaseClass(void** object)    releases it
 ///
-/// whose results are not used.
+/// Their return values are ignored.
 ///
-/// A copy is empty: module and object stay with the source, which alone releases them.
+/// A copy is empty: library and object remain with the source, which alone releases them.
 /// Threads: one at a time.
 class VELM_UTIL_API LoadClassPointerFromDll {
 public:
     LoadClassPointerFromDll();
-    /// Empty.
+    /// Starts empty.
     LoadClassPointerFromDll(const LoadClassPointerFromDll& other);
-    /// Terminates first.
+    /// Calls Terminate, unless assigned to itself; takes nothing over.
     LoadClassPointerFromDll& operator=(const LoadClassPointerFromDll& other);
 
-    /// Terminates.
+    /// Calls Terminate.
     ~LoadClassPointerFromDll();
 
-    /// Loads the library and obtains the object. What the object held before is released first.
+    /// Loads the library and creates the object. Calls Terminate first.
     /// @param dllPath  UTF-8
-    /// @param classPointer  receives the object, valid until Terminate; null on failure
-    /// @return 0; 1 when the library was not loaded, or an argument is null; 2 when it has no AllocateClass;
-    ///         3 when that gave no object. After 2 and 3 the library stays loaded until Terminate.
+    /// @param classPointer  out: the object, owned by this one and valid until Terminate; null on failure
+    /// @return 0; 1 when the library cannot be loaded or an argument is null; 2 when it does not export
+    ///         AllocateClass; 3 when AllocateClass stored null. After 2 and 3 the library stays loaded until
+    ///         Terminate.
     int Initialize(const char* dllPath, void** classPointer);
 
-    /// Releases the object and unloads the library, as far as there are any.
+    /// Releases the object and unloads the library, if there are any.
     /// @return 0
     int Terminate();
 

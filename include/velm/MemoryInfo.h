@@ -4,19 +4,19 @@
 
 namespace velm {
 
-/// Holds a handle to the process through which its memory counters can be read.
+/// Holds a handle to the current process, through which its memory counters can be read.
 ///
-/// A copy of an initialised object opens a handle of its own; if the system refuses, it is not initialised.
+/// A copy of an initialized object opens its own handle; if that fails, the copy is not initialized.
 ///
-/// Threads: one at a time. The first GetInstance must not race with another call of it.
+/// Threads: one at a time. The first GetInstance call must not race with another.
 class VELM_UTIL_API MemoryInfo {
 public:
-    /// The instance of the process. It lives until the library is unloaded.
+    /// Returns the process-wide instance, which lives until the library is unloaded.
     static MemoryInfo* GetInstance();
 
     MemoryInfo();
     /// @{
-    /// Opens a handle of its own when the other is initialised.
+    /// Opens a handle if the other is initialized. Assignment closes an open handle first.
     MemoryInfo(const MemoryInfo& other);
     MemoryInfo& operator=(const MemoryInfo& other);
     /// @}
@@ -24,13 +24,13 @@ public:
     /// Closes the handle.
     ~MemoryInfo();
 
-    /// Opens the process. A handle that is open already is not closed: call Finalize in between.
-    /// @param name  not used
-    /// @return 0; 0xFFFFFFFF when the system refuses
+    /// Opens a handle to the process. Leaks a handle that is still open: call Finalize first.
+    /// @param name  ignored
+    /// @return 0; 0xFFFFFFFF when the system returns no handle
     ErrorCode Initialize(const char* name);
 
-    /// Reads the memory counters, once initialised, and reports them nowhere.
-    /// @param label  not used
+    /// Reads the memory counters, if initialized, and discards them.
+    /// @param label  ignored
     void Check(const char* label);
 
     /// Closes the handle, if one is open.

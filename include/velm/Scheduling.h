@@ -6,14 +6,14 @@
 class VELM_UTIL_API SchedulingProcess {
 public:
     /// @{
-    /// There is nothing in an object to copy.
+    /// Objects have no state.
     SchedulingProcess(const SchedulingProcess& other);
     SchedulingProcess& operator=(const SchedulingProcess& other);
     /// @}
     virtual ~SchedulingProcess();
 
-    /// Gives the process the priority class HIGH_PRIORITY_CLASS.
-    /// @return whether the system granted it; if not, GetLastError says why
+    /// Sets the priority class of the process to HIGH_PRIORITY_CLASS.
+    /// @return whether that succeeded; if not, see GetLastError
     /// Threads: any.
     static bool SetPriorityHigh();
 
@@ -21,30 +21,30 @@ private:
     SchedulingProcess();
 };
 
-/// A thread's registration with the multimedia class scheduler, under the task "Audio".
+/// A thread's registration with the multimedia class scheduler (MMCSS), under the task "Audio".
 ///
-/// A copy starts unregistered: the registration stays with its source, which alone reverts it.
+/// A copy is unregistered: the registration remains with the source, which alone reverts it.
 ///
-/// Threads: the registration belongs to the thread that calls StartThreadPriorityHigh, and the same thread
-/// reverts it, also by destroying the object.
+/// Threads: StartThreadPriorityHigh registers the calling thread; the same thread must revert the
+/// registration or destroy the object.
 class VELM_UTIL_API SchedulingThread {
 public:
     SchedulingThread();
-    /// Unregistered.
+    /// Starts unregistered.
     SchedulingThread(const SchedulingThread& other);
-    /// A registration of its own stays.
+    /// Changes nothing: a registration is neither copied nor reverted.
     SchedulingThread& operator=(const SchedulingThread& other);
 
-    /// Reverts a registration that is still held.
+    /// Reverts the registration, if any.
     virtual ~SchedulingThread();
 
-    /// Registers the calling thread and raises it within the task to AVRT_PRIORITY_CRITICAL. A registration
-    /// that the object holds already is forgotten, not reverted.
-    /// @return whether both were granted; if not, the object holds no registration and GetLastError says why
+    /// Registers the calling thread and raises its priority within the task to AVRT_PRIORITY_CRITICAL. Leaks
+    /// the previous registration, if any: call EndThreadPriority first.
+    /// @return whether both succeeded; if not, the object has no registration; see GetLastError
     bool StartThreadPriorityHigh();
 
     /// Reverts the registration.
-    /// @return false when there is none, or when the system refuses: the registration is then kept
+    /// @return false when there is none, or when the system fails to revert it, which keeps the registration
     bool EndThreadPriority();
 
 private:

@@ -7,54 +7,53 @@ namespace velm {
 
 class Thread;
 
-/// Runs a function of the caller's on a thread of its own. How starting and stopping went is read from
-/// GetState:
+/// Runs a caller's function on a new thread. GetState returns the outcome:
 ///
 ///     65535  no thread: never started, or stopped and joined
-///     0      started and not stopped
-///     1      the system gave no thread
-///     2      the thread could not be prepared; a null function, for one
-///     3      no memory for the thread object or its name
-///     -1     the thread could not be joined, or its function never returned (an exception, a killed thread)
+///     0      started, not stopped yet
+///     1      the system could not create a thread
+///     2      the thread could not be prepared, for example because the function is null
+///     3      out of memory for the thread object or its name
+///     -1     the join failed, or the function did not return (it threw, or the thread was killed)
 ///
-/// Stop leaves the states other than 0 as they are; Start replaces any.
+/// Stop changes state 0 only; Start replaces any.
 ///
-/// A copy has the identifier, the state and the name of its source at that moment. The thread stays with the
-/// source, which alone joins it: on a copy Stop waits for nothing, and turns state 0 into 65535. Copying
-/// throws std::bad_alloc when there is no memory for the name.
+/// A copy has the source's id, state and name at that time. The thread remains with the source, which alone
+/// joins it: on a copy, Stop does not wait and changes state 0 to 65535. Copying throws std::bad_alloc when
+/// out of memory for the name.
 ///
-/// Threads: one controlling thread for all objects that start threads; the counter has no lock.
+/// Threads: one thread must control all objects that start threads; mCount has no lock.
 class VELM_UTIL_API ThreadCaller {
 public:
     ThreadCaller();
-    /// Has the identifier, the state and the name of the other, but no thread.
+    /// Copies id, state and name, but not the thread.
     ThreadCaller(const ThreadCaller& other);
-    /// Stops a thread of its own first.
+    /// Stops its own thread, then copies id, state and name.
     ThreadCaller& operator=(const ThreadCaller& other);
 
     /// Stops the thread.
     ~ThreadCaller();
 
-    /// Starts a thread that runs `function(argument)`. Its identifier becomes idBase * 1000 + mCount. When a
-    /// thread was started before and not stopped, it runs on; the state is that of the new one, and Stop
-    /// waits for both.
-    /// @param function  its result is not kept
-    /// @param argument  the caller's; must live until Stop returns
-    /// @param name  under which debuggers show the thread, UTF-8; copied; null counts as ""
+    /// Starts a thread that runs `function(argument)` and has the id idBase * 1000 + mCount. An earlier
+    /// thread that was not stopped keeps running: GetState then describes the new thread, and Stop waits for
+    /// both.
+    /// @param function  its result is ignored
+    /// @param argument  owned by the caller; must live until Stop returns
+    /// @param name  shown by debuggers; UTF-8, copied; null counts as ""
     void Start(int (*function)(void*), void* argument, const char* name, int idBase);
-    /// Starts a thread whose `idBase` is 0.
+    /// Starts a thread with an `idBase` of 0.
     void Start(int (*function)(void*), void* argument, const char* name);
     /// Starts a thread named "0".
     void Start(int (*function)(void*), void* argument, int idBase);
 
-    /// Waits until the function has returned and releases the thread. Does nothing when there is none. It
-    /// must not be called by the thread itself.
+    /// Waits until the function has returned, then releases the thread. Does nothing without one. The thread
+    /// itself must not call it.
     void Stop();
 
-    /// The state code; see above.
+    /// Returns the state code; see above.
     int GetState();
 
-    /// Counts the calls of Start in this process, whatever came of them.
+    /// Number of Start calls in this process, successful or not.
     static int mCount;
 
 private:

@@ -9,14 +9,14 @@ namespace velm {
 
 /// Splits a URL into the five components of RFC 3986 and its query into parameters.
 ///
-/// The components are those of the expression in RFC 3986, appendix B; nothing more is validated, decoded or
-/// folded. Text is bytes. The time taken grows with the length of the URL and no stack is used per character,
-/// so URLs of any length and origin are safe to parse.
+/// The components are those of the regular expression in RFC 3986, appendix B; nothing else is validated,
+/// decoded or case-folded. Text is treated as bytes. Parsing does not backtrack and uses no stack per
+/// character, so untrusted URLs of any length are safe.
 ///
-/// Threads: one object, one thread at a time. Separate objects are independent.
+/// Threads: one at a time per object.
 class VELM_UTIL_API UrlParser {
 public:
-    /// Everything is empty.
+    /// Starts with all components empty.
     UrlParser();
     /// @{
     /// Copies all components and parameters.
@@ -25,32 +25,36 @@ public:
     /// @}
     virtual ~UrlParser();
 
-    /// Replaces the whole result by that of another URL.
-    /// @param url  NUL-terminated; the caller's, not needed after the call. It may be a text of this object
+    /// Parses a URL and replaces the previous result.
+    /// @param url  NUL-terminated; owned by the caller, not needed after the call; may be a string of this
+    ///             object
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null, for a line feed or carriage return in the fragment,
-    ///         and for a piece of the query, between two "&", other than a name, one "=" and a value. A
-    ///         failure leaves every component and the parameters empty.
-    /// Throws std::bad_alloc when memory runs out; what the object then holds is unspecified.
+    ///         and when a part of the query, between two "&", is not a name, one "=" and a value. On failure
+    ///         all components and parameters are empty.
+    /// Throws std::bad_alloc when out of memory; the object's content is then unspecified.
     ErrorCode Parse(const char* url);
 
-    // The components, NUL-terminated and never null. An absent one and an empty one are both "". Each is
-    // valid until the next Parse, an assignment to the object or its end.
-    const char* Url() const;        ///< the whole text
-    const char* Scheme() const;     ///< without the ":" after it
-    const char* Authority() const;  ///< without the "//" before it
-    const char* Path() const;       ///< "/" included, where it begins with one
-    const char* Query() const;      ///< without the "?" before it
-    const char* Fragment() const;   ///< without the "#" before it
+    // The components, NUL-terminated and never null; "" for an absent one as for an empty one. Valid until
+    // the next Parse, an assignment to the object or its destruction.
+    const char* Url() const;        ///< the whole URL
+    const char* Scheme() const;     ///< without the trailing ":"
+    const char* Authority() const;  ///< without the leading "//"
+    const char* Path() const;       ///< with the leading "/", if any
+    const char* Query() const;      ///< without the leading "?"
+    const char* Fragment() const;   ///< without the leading "#"
 
-    /// The value of a parameter. A name that the query does not have is added with an empty value.
-    /// @param name  NUL-terminated, not null; upper and lower case differ
-    /// @return NUL-terminated, never null; valid until the next Parse, an assignment to the object or its end
+    /// Returns the value of a parameter. A name that the query lacks is added with an empty value.
+    /// @param name  NUL-terminated, not null; case-sensitive
+    /// @return NUL-terminated, never null; valid until the next Parse, an assignment to the object or its
+    ///         destruction
+    /// Throws std::bad_alloc when out of memory.
     const char* Param(const char* name);
 
-    /// A copy of the parameters. Of a name that occurs more than once the last value counts.
+    /// Returns a copy of the parameters. The last value of a repeated name wins.
+    /// Throws std::bad_alloc when out of memory.
     const std::map<std::string, std::string> ParamMap() const;
 
-    /// Has no effect.
+    /// Does nothing.
     void DebugPrint() const;
 
 private:

@@ -11,51 +11,52 @@ class VELM_UTIL_API WatchdogChecker {
 public:
     virtual ~WatchdogChecker();
 
-    /// Whether the activity is alive. Must not change the answer of the next call: Watchdog::IsActive asks too.
+    /// Whether the activity is alive. Must have no side effect on the next answer: Watchdog::IsActive calls
+    /// it too.
     /// @return true, unless overridden
-    /// Threads: called on the thread that owns the watchdog's window, and on any that calls Watchdog::IsActive.
+    /// Threads: called on the thread that owns the watchdog's window, and on any that calls
+    /// Watchdog::IsActive.
     virtual bool IsActive();
 };
 
-/// Ends a message loop whose activity has stalled. A window timer asks a checker at a fixed period; when the
-/// answer is no, it posts a quit message with an exit code, and again at every tick until the loop ends or the
-/// answer is yes.
+/// Ends a message loop whose activity has stalled. A window timer polls a checker; while the checker answers
+/// false, every tick posts a quit message with an exit code.
 ///
-/// The system delivers timer messages only while no other message waits: a thread flooded with posted messages
-/// never asks the checker. To detect that, record the time of each IsActive call in the checker and compare it
-/// with the period on another thread.
+/// Windows delivers timer messages only when no other message is waiting: a thread flooded with posted
+/// messages never polls the checker. To detect that, record the time of each IsActive call in the checker and
+/// compare it with the period on another thread.
 ///
-/// There is one watchdog in a process. It lives until the library is unloaded, which stops it.
+/// A process has one watchdog. It lives until the library is unloaded, which stops it.
 ///
-/// Threads: Start and Stop are called on the thread that owns the window, whose message loop runs the timer.
-/// The first GetInstance must not race with another call of it.
+/// Threads: call Start and Stop on the thread that owns the window and runs its message loop. The first
+/// GetInstance call must not race with another.
 class VELM_UTIL_API Watchdog {
 public:
-    /// The watchdog.
+    /// Returns the process-wide watchdog, owned by the library.
     static Watchdog* GetInstance();
 
-    /// Stops a running watchdog.
+    /// Stops the watchdog if it runs.
     virtual ~Watchdog();
 
-    /// Sets the period of the next Start, 1000 ms at first. The system rounds very short ones up.
+    /// Sets the period for the next Start; 1000 ms by default. The system rounds up very short ones.
     void SetElapse(unsigned int milliseconds);
 
-    /// The code that the quit message carries, 16 at first.
+    /// Sets the exit code of the quit message; 16 by default.
     void SetExitCode(int exitCode);
-    int GetExitCode();  ///< the code that is set
+    int GetExitCode();  ///< the exit code of the quit message
 
-    /// Starts the timer. A running watchdog switches to the new window and checker.
-    /// @param window  the caller's, of the calling thread; must outlive the run
-    /// @param checker  the caller's; must outlive the run
+    /// Starts the timer. If the watchdog runs already, it switches to the new window and checker.
+    /// @param window  belongs to the calling thread and to the caller; must live until Stop
+    /// @param checker  owned by the caller; must live until Stop
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when either is null; VELM_ERROR_UTIL_UNKNOWN when the system
-    ///         gives no timer. After a failure the watchdog does what it did before.
+    ///         cannot create a timer. After a failure the watchdog behaves as before.
     ErrorCode Start(HWND__* window, WatchdogChecker* checker);
 
-    /// Stops the timer; no tick comes after it. Harmless when the watchdog does not run.
+    /// Stops the timer; no tick follows. Does nothing when the watchdog does not run.
     /// @return 0
     ErrorCode Stop();
 
-    /// Whether the activity is alive: the checker's answer while the watchdog runs, true while it does not.
+    /// Whether the activity is alive: the checker's answer while the watchdog runs, otherwise true.
     bool IsActive();
 
 private:
@@ -67,7 +68,7 @@ private:
 
     bool mActive;
     HWND__* mWindow;
-    unsigned long long mTimerId;  // what the system called the timer
+    unsigned long long mTimerId;  // as returned by SetTimer
     unsigned int mElapse;         // in milliseconds
     int mExitCode;
     WatchdogChecker* mChecker;  // not owned

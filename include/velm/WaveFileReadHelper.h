@@ -6,9 +6,9 @@ namespace velm {
 
 class FileReader;
 
-/// Reads the format and the sample data of a RIFF/WAVE file, strictly forward, through a reader of the
-/// caller's. Chunks other than "fmt " and "data" are skipped, with the pad byte that follows an odd chunk.
-/// Sample data is handed out as the bytes of the file; no format tag and no bit depth is refused.
+/// Reads the format and the sample data of a RIFF/WAVE file, strictly forward, through the caller's reader.
+/// Chunks other than "fmt " and "data" are skipped, including the pad byte after a chunk of odd size. Sample
+/// data is returned unchanged; any format tag and bit depth is accepted.
 ///
 /// One object reads one file. A copy shares the caller's reader.
 /// Threads: one at a time.
@@ -16,46 +16,48 @@ class VELM_UTIL_API WaveFileReadHelper {
 public:
     WaveFileReadHelper();
     /// @{
-    /// Copies the place in the file; the reader is shared.
+    /// Copies the position in the file; shares the reader.
     WaveFileReadHelper(const WaveFileReadHelper& other);
     WaveFileReadHelper& operator=(const WaveFileReadHelper& other);
     /// @}
     virtual ~WaveFileReadHelper();
 
-    /// Reads up to the beginning of the sample data.
-    /// @param reader  an open file at its beginning; the caller's, before, during and after
+    /// Reads up to the start of the sample data.
+    /// @param reader  an open file at its start; remains the caller's and must outlive all reading
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for a null reader; VELM_ERROR_UTIL_UNKNOWN when the file is
-    ///         not RIFF/WAVE; VELM_ERROR_UTIL_DATA_BROKEN for a chunk that is not smaller than the whole; the
-    ///         reader's own code when a read fails, the end of the file included
+    ///         not RIFF/WAVE; VELM_ERROR_UTIL_DATA_BROKEN when a chunk is not smaller than the RIFF chunk;
+    ///         the reader's own code when a read fails, also at the end of the file
     ErrorCode Initialize(FileReader* reader);
 
-    /// Ends the reading. The reader stays open where it is.
+    /// Call after the last read. Does not close or move the reader.
     void Finalize();
 
-    /// Delivers the next block of sample data: as many bytes as there are sample values in `milliSec`
-    /// milliseconds (channels * samples per second * milliSec / 1000, without a factor for the bytes of a
-    /// value). The last block of the data is as short as the data leaves it.
-    /// @param buffer  receives the bytes; the caller's
-    /// @param readSize  receives the number of bytes, also when the file ends within the block
-    /// @param bufferSize  of the buffer, in bytes
-    /// @param milliSec  play time of the block
+    /// Reads the next block of sample data. A block has channels * samples per second * milliSec / 1000
+    /// bytes: one byte per sample value, whatever the bit depth. The last block is shorter when less data is
+    /// left.
+    /// @param buffer  out: the block; owned by the caller
+    /// @param readSize  out: number of bytes read, also when the file ends within the block
+    /// @param bufferSize  size of `buffer` in bytes
+    /// @param milliSec  duration in milliseconds
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null or zero arguments, when samples per second *
-    ///         milliSec is not a multiple of 1000, or when the block is larger than the buffer: the call can
-    ///         be repeated with better arguments; VELM_ERROR_CORE_NOTHING_TO_READ when the format gives a
-    ///         block of 0 bytes; VELM_ERROR_UTIL_ILLEGAL_CALL before Initialize; VELM_ERROR_UTIL_DATA_BROKEN
-    ///         for a chunk that is not smaller than the whole; the reader's own code when a read fails, which
-    ///         is also how the data ends. A second "fmt " chunk that the end of the file cuts off has then
-    ///         replaced the format by the bytes that were there: followed by zeros when its size is under 18,
-    ///         by the rest of the earlier format otherwise.
+    ///         milliSec is not a multiple of 1000, or when the block exceeds the buffer: retry with other
+    ///         arguments; VELM_ERROR_CORE_NOTHING_TO_READ when a block has 0 bytes;
+    ///         VELM_ERROR_UTIL_ILLEGAL_CALL before Initialize; VELM_ERROR_UTIL_DATA_BROKEN when a chunk is
+    ///         not smaller than the RIFF chunk; the reader's own code when a read fails, also at the end of
+    ///         the data. If the file ends within a second "fmt " chunk, the bytes that were there have
+    ///         replaced the start of the format; the rest is zero for a chunk size under 18, otherwise
+    ///         unchanged.
     ErrorCode GetWaveData(unsigned char* buffer, unsigned long long* readSize, unsigned long long bufferSize,
                           unsigned int milliSec);
 
-    /// Samples per second.
+    /// Gets the sample rate.
+    /// @param sampleRate  out: samples per second; unchanged on failure
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
     ///         was read
     ErrorCode GetSampleRate(unsigned int* sampleRate);
 
-    /// The number of channels.
+    /// Gets the number of channels.
+    /// @param channelNum  out: the number; unchanged on failure
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
     ///         was read
     ErrorCode GetChannelNum(unsigned int* channelNum);
