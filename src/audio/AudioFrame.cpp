@@ -40,7 +40,7 @@ ErrorCode AudioFrame::InitilizeWriter(E_FrameType type, unsigned short counter, 
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     m_nFrameBufferSize = dataSize + kHeaderSize;
-    std::unique_ptr<unsigned char[]> replaced;  // until the payload, which may lie in it, is copied
+    std::unique_ptr<unsigned char[]> replaced;  // `data` may point into it
     if (m_nOwnBufferSize < m_nFrameBufferSize) {
         m_nOwnBufferSize = 0;
         replaced = std::move(m_pOwnBuffer);
@@ -90,7 +90,7 @@ unsigned int AudioFrame::GetDataBufferSize() {
     if (!m_bInitialized) {
         return 0;
     }
-    // The caller may have changed the header since it was checked.
+    // The caller may have changed the header since InitilizeReader checked it.
     const unsigned int dataSize = ReadLittleEndian16(m_pFrameBuffer + 4);
     return m_pFrameBuffer[0] + dataSize <= m_nFrameBufferSize ? dataSize : 0;
 }

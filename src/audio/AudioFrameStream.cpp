@@ -14,11 +14,11 @@ namespace {
 constexpr unsigned int kLeaveMilliseconds = 50;
 constexpr unsigned int kHolderMilliseconds = 500;
 
-// Of a lock: the stream was terminated while the thread waited, so it must not go on to the ring, where
-// another may be at work.
-constexpr unsigned int kTurnedAway = VELM_ERROR_UTIL_UNKNOWN;
+// Result of PushLock and TakeLock: the stream was terminated while the thread waited, so the thread must not
+// touch the ring, which another may be using.
+constexpr unsigned int kTerminated = VELM_ERROR_UTIL_UNKNOWN;
 
-/// The capacity in samples of a ring for `frameNum` whole frames, or 0 when there is to be no storage.
+/// The capacity in samples of a ring for `frameNum` frames; 0 when it exceeds 32 bits.
 unsigned int RingSampleSize(unsigned int frameSampleSize, unsigned int frameNum) {
     const unsigned long long samples = (static_cast<unsigned long long>(frameNum) + 1) * frameSampleSize;
     return samples <= UINT_MAX ? static_cast<unsigned int>(samples) : 0;
@@ -28,8 +28,8 @@ unsigned char* Bytes(short* frame) {
     return reinterpret_cast<unsigned char*>(frame);
 }
 
-/// Deletes first and clears then, which no smart pointer does: the destructor waits for the threads that it
-/// turns away, and only when they are gone does nobody read the pointer any more.
+/// Clears the pointer only after the delete, unlike a smart pointer: the destructor waits for the threads it
+/// releases, and they still read the pointer.
 void Destroy(Semaphore*& semaphore) {
     delete semaphore;
     semaphore = nullptr;
@@ -37,12 +37,12 @@ void Destroy(Semaphore*& semaphore) {
 
 }  // namespace
 
-// Ready is published by m_bInitialized alone: Initialize sets it after the semaphores exist, Terminate clears
-// it before it destroys them.
+// m_bInitialized alone says that the stream is ready: Initialize sets it once the semaphores exist, Terminate
+// clears it before destroying them.
 //
-// Nobody gets to the ring beside its holder. The lock's one count is given back by the thread that took it
-// and by nobody else; Terminate and Initialize take it themselves before they destroy the semaphores; and a
-// thread that they wake out of a wait leaves without a look at the ring.
+// Only one thread at a time uses the ring. The lock's single count is released only by the thread that
+// acquired it. Terminate and Initialize acquire it before they destroy the semaphores. A thread that they
+// wake from a wait leaves without touching the ring.
 
 AudioFrameStream::AudioFrameStream(unsigned int frameSampleSize, unsigned int frameNum,
                                    unsigned int channelNum, unsigned int bitsPerSample)
@@ -64,10 +64,10 @@ ErrorCode AudioFrameStream::Initialize() {
     DestroySemaphores();
     const ErrorCode result = AudioStream::Initialize();
     if (result.IsFailed()) {
-        return result;  // without storage no frame ever comes, so nobody is to wait for one
+        return result;  // without storage no frame ever arrives, so nothing may wait for one
     }
     if (m_nFrameNum == 0) {
-        return result;  // nor without a slot, and a post over a maximum of 0 would let nobody go
+        return result;  // likewise without slots: a semaphore with maximum 0 can never release a waiter
     }
     m_pPushSemaphore = new (std::nothrow) Semaphore(m_nFrameNum, m_nFrameNum);
     m_pTakeSemaphore = new (std::nothrow) Semaphore(0, m_nFrameNum);
@@ -94,8 +94,8 @@ void AudioFrameStream::Terminate() {
     DestroySemaphores();
 }
 
-/// Takes the lock, so that no thread is at the ring and none gets there. A thread that was killed at the ring
-/// never gives the lock back, so there is a limit.
+/// Acquires the lock and keeps it, so that no thread uses the ring from now on. Gives up after a while: a
+/// thread that was killed while it used the ring never releases the lock.
 void AudioFrameStream::WaitForHolder() {
     if (m_pLockSemaphore == nullptr || IsProcessEnding()) {
         return;
@@ -106,7 +106,7 @@ void AudioFrameStream::WaitForHolder() {
 }
 
 void AudioFrameStream::DestroySemaphores() {
-    Destroy(m_pLockSemaphore);  // first: a thread that it turns away has come through one of the others
+    Destroy(m_pLockSemaphore);  // first: a thread that waits for it has already passed one of the others
     Destroy(m_pPushSemaphore);
     Destroy(m_pTakeSemaphore);
 }
@@ -115,7 +115,7 @@ ErrorCode AudioFrameStream::PushBackFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    if (PushLock() == kTurnedAway) {
+    if (PushLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = PushBackSamples(Bytes(frame), m_nFrameSampleSize);
@@ -124,7 +124,7 @@ ErrorCode AudioFrameStream::PushBackFrame(short* frame) {
 }
 
 ErrorCode AudioFrameStream::PushBackClearFrame() {
-    if (PushLock() == kTurnedAway) {
+    if (PushLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = PushBackClearSamples(m_nFrameSampleSize);
@@ -136,7 +136,7 @@ ErrorCode AudioFrameStream::TakeFrontFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    if (TakeLock() == kTurnedAway) {
+    if (TakeLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = TakeFrontSamples(m_nFrameSampleSize, Bytes(frame));
@@ -145,7 +145,7 @@ ErrorCode AudioFrameStream::TakeFrontFrame(short* frame) {
 }
 
 ErrorCode AudioFrameStream::DropFrontFrame() {
-    if (TakeLock() == kTurnedAway) {
+    if (TakeLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = DropFrontSamples(m_nFrameSampleSize);
@@ -157,7 +157,7 @@ ErrorCode AudioFrameStream::PushFrontFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    if (PushLock() == kTurnedAway) {
+    if (PushLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = PushFrontSamples(Bytes(frame), m_nFrameSampleSize);
@@ -166,7 +166,7 @@ ErrorCode AudioFrameStream::PushFrontFrame(short* frame) {
 }
 
 ErrorCode AudioFrameStream::PushFrontClearFrame() {
-    if (PushLock() == kTurnedAway) {
+    if (PushLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = PushFrontClearSamples(m_nFrameSampleSize);
@@ -178,7 +178,7 @@ ErrorCode AudioFrameStream::TakeBackFrame(short* frame) {
     if (frame == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    if (TakeLock() == kTurnedAway) {
+    if (TakeLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = TakeBackSamples(m_nFrameSampleSize, Bytes(frame));
@@ -187,7 +187,7 @@ ErrorCode AudioFrameStream::TakeBackFrame(short* frame) {
 }
 
 ErrorCode AudioFrameStream::DropBackFrame() {
-    if (TakeLock() == kTurnedAway) {
+    if (TakeLock() == kTerminated) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
     const ErrorCode result = DropBackSamples(m_nFrameSampleSize);
@@ -215,8 +215,8 @@ unsigned int AudioFrameStream::GetFreeFrameSize() {
     return m_nFrameSampleSize != 0 ? GetFreeSampleSize() / m_nFrameSampleSize : 0;
 }
 
-// The ring's own lock is left alone: no thread keeps it, and given back for one that has it, it would let a
-// second thread in.
+// Does not post the lock: no thread blocks while it owns the lock, and releasing it on behalf of its owner
+// would let a second thread into the ring.
 void AudioFrameStream::UnlockForce() {
     if (IsReady()) {
         m_pTakeSemaphore->Post(1);
@@ -228,21 +228,21 @@ bool AudioFrameStream::IsReady() {
     return std::atomic_ref(m_bInitialized).load(std::memory_order_acquire) != 0;
 }
 
-/// Takes one of `slots`, then the ring. A thread that a semaphore's end has turned away must not look at the
-/// stream any more, which may be gone.
+/// Takes one of `slots`, then acquires the lock. A thread whose wait failed must not access the stream any
+/// more: it may be destroyed.
 ErrorCode AudioFrameStream::Lock(Semaphore*& slots) {
     if (!IsReady()) {
         return VELM_ERROR_UTIL_NOT_INITIALIZED;
     }
     if (slots->Wait().IsFailed() || !IsReady() || m_pLockSemaphore->Wait().IsFailed()) {
-        return kTurnedAway;
+        return kTerminated;
     }
     return 0;
 }
 
-/// Gives the ring back, be the stream ready or not, then adds one to `slots`. A post over the maximum changes
-/// nothing, which is what keeps the counts in bounds after UnlockForce, and the lock's at 1 when the stream
-/// was not ready to begin with.
+/// Releases the lock, whether or not the stream is ready, then adds one to `slots`. A post past the maximum
+/// has no effect. That keeps the counts within bounds after UnlockForce, and the lock's at 1 when the stream
+/// was not ready and Lock did not acquire it.
 ErrorCode AudioFrameStream::Unlock(Semaphore*& slots) {
     if (m_pLockSemaphore != nullptr) {
         m_pLockSemaphore->Post(1);

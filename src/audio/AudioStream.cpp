@@ -10,8 +10,8 @@
 namespace velm {
 namespace {
 
-// The indices are the only members that another thread's snapshot reads. Relaxed accesses cost what plain
-// ones do.
+// The indices are the only members that concurrent Get operations read. Relaxed atomics cost no more than
+// plain accesses.
 unsigned int Load(int& index) {
     return static_cast<unsigned int>(std::atomic_ref(index).load(std::memory_order_relaxed));
 }
@@ -20,22 +20,22 @@ void Store(int& index, unsigned int value) {
     std::atomic_ref(index).store(static_cast<int>(value), std::memory_order_relaxed);
 }
 
-// Blocks that are whole cache lines, as frames often are, then never share one.
+// Frames whose size is a multiple of the cache line then never share a line.
 constexpr std::align_val_t kBufferAlignment{64};
 
-/// The bytes of one sample, or 0 when such samples cannot be stored.
+/// The bytes per sample; 0 when they exceed 32 bits.
 unsigned int SampleByteSize(unsigned int channelNum, unsigned int bitsPerSample) {
     const unsigned long long bytes = static_cast<unsigned long long>(bitsPerSample / 8) * channelNum;
     return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
 }
 
-/// The bytes of the storage, or 0 when there is to be none.
+/// The bytes of the storage; 0 when they exceed 32 bits.
 unsigned int BufferByteSize(unsigned int sampleByteSize, unsigned int sampleSize) {
     const unsigned long long bytes = static_cast<unsigned long long>(sampleByteSize) * sampleSize;
     return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
 }
 
-/// Bytes of a sample or two: moved through registers, as a call would cost more than they do.
+/// The size of one or two samples, which are copied through registers: a call to memcpy would cost more.
 constexpr bool AreFew(std::size_t bytes) {
     return bytes >= 4 && bytes <= 16;
 }
@@ -60,8 +60,7 @@ inline void CopyFew(unsigned char* to, const unsigned char* from, std::size_t by
 
 }  // namespace
 
-// What one sample's push and take are made of comes first and inline: the calls would cost more than the
-// work.
+// The steps of pushing and taking a sample come first, for inlining: the calls would cost more than the work.
 
 unsigned int AudioStream::GetUsedSampleSize() {
     const unsigned int back = Load(m_nBackIndex);
@@ -96,19 +95,19 @@ inline ErrorCode AudioStream::CheckTake(const void* data, unsigned int sampleSiz
     return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
 }
 
-/// The index `sampleSize` slots on, with `sampleSize` below the capacity.
+/// The index `sampleSize` slots ahead; `sampleSize` must be below the capacity.
 inline unsigned int AudioStream::Advance(unsigned int index, unsigned int sampleSize) const {
     const unsigned int toEnd = m_nMaxSampleSize - index;
     return sampleSize < toEnd ? index + sampleSize : sampleSize - toEnd;
 }
 
-/// The index `sampleSize` slots back, with `sampleSize` below the capacity.
+/// The index `sampleSize` slots back; `sampleSize` must be below the capacity.
 inline unsigned int AudioStream::Retreat(unsigned int index, unsigned int sampleSize) const {
     return sampleSize <= index ? index - sampleSize : index + (m_nMaxSampleSize - sampleSize);
 }
 
-/// Copies samples in that are few and in one piece.
-/// @return false when they are not
+/// Copies a few samples into the ring.
+/// @return false, without copying, unless AreFew holds and the samples end before the storage does
 inline bool AudioStream::CopyFewIn(unsigned int index, const unsigned char* data, unsigned int sampleSize) {
     const unsigned int bytes = sampleSize * m_nSampleByteSize;
     if (!AreFew(bytes) || std::size_t{index} + sampleSize >= m_nMaxSampleSize) {
@@ -118,8 +117,8 @@ inline bool AudioStream::CopyFewIn(unsigned int index, const unsigned char* data
     return true;
 }
 
-/// Copies samples out that are few and in one piece.
-/// @return false when they are not
+/// Copies a few samples out of the ring.
+/// @return false, without copying, unless AreFew holds and the samples end before the storage does
 inline bool AudioStream::CopyFewOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const {
     const unsigned int bytes = sampleSize * m_nSampleByteSize;
     if (!AreFew(bytes) || std::size_t{index} + sampleSize >= m_nMaxSampleSize) {
@@ -257,8 +256,7 @@ ErrorCode AudioStream::DropAllSamples() {
     return 0;
 }
 
-// A run of samples that passes the end of the storage goes on at its beginning: two pieces at the most.
-// When they are copied, an end of what is held moves.
+// Samples that wrap around are copied in two pieces. The index `end` changes only after the copy.
 
 ErrorCode AudioStream::CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize,
                               int& end, unsigned int newEnd) {

@@ -10,11 +10,11 @@
 namespace velm {
 namespace {
 
-static_assert(std::endian::native == std::endian::little, "RIFF numbers are read as they stand in the file");
+static_assert(std::endian::native == std::endian::little, "RIFF numbers are read without byte swapping");
 
 enum ChunkType : unsigned int { kFormatChunk = 0, kDataChunk = 1, kUnknownChunk = 2 };
 
-/// What every chunk begins with.
+/// The first bytes of every chunk; RIFF chunk layout.
 struct ChunkHeader {
     char tag[4];
     unsigned int size;
@@ -139,12 +139,12 @@ ErrorCode WaveFileReadHelper::ReadUntilBeginningOfData() {
     }
 }
 
-/// Goes on to the next chunk, unless the current one is unfinished.
+/// Reads the next chunk's header, unless the current chunk is not finished.
 ErrorCode WaveFileReadHelper::ReadChunkHeader() {
     if (m_bChunkHeaderRead) {
         return 0;
     }
-    m_pReader->Skip(m_nChunkSize % 2);  // the pad byte of the chunk before
+    m_pReader->Skip(m_nChunkSize % 2);  // the pad byte of the previous chunk
     ChunkHeader header{};
     const ErrorCode result = ReadExactly(&header, sizeof header);
     if (result.IsFailed()) {
@@ -160,8 +160,8 @@ ErrorCode WaveFileReadHelper::ReadChunkHeader() {
     return 0;
 }
 
-/// Reads the next piece of the current chunk: all of it, or one block of sample data. Without `dataRead`,
-/// sample data is left where it is.
+/// Reads the rest of the current chunk, or one block of a data chunk. With a null `dataRead`, sample data is
+/// not read.
 ErrorCode WaveFileReadHelper::ReadChunk(bool* dataRead, unsigned char* buffer, unsigned long long* readSize,
                                         unsigned long long bufferSize, unsigned int milliSec) {
     ErrorCode result = 0;
