@@ -78,8 +78,8 @@ public:
     unsigned int GetFreeSampleByteSize();  ///< the same in bytes
 
 private:
-    ErrorCode CheckPush(const void* data, unsigned int sampleSize);
-    ErrorCode CheckTake(const void* data, unsigned int sampleSize);
+    bool HasRoomFor(unsigned int sampleSize);
+    bool Holds(unsigned int sampleSize);
     unsigned int Advance(unsigned int index, unsigned int sampleSize) const;
     unsigned int Retreat(unsigned int index, unsigned int sampleSize) const;
     bool CopyFewIn(unsigned int index, const unsigned char* data, unsigned int sampleSize);

@@ -80,19 +80,14 @@ unsigned int AudioStream::GetFreeSampleByteSize() {
     return GetFreeSampleSize() * m_nSampleByteSize;
 }
 
-inline ErrorCode AudioStream::CheckPush(const void* data, unsigned int sampleSize) {
-    // With storage, the capacity is not 0.
-    if (m_pBuffer == nullptr || sampleSize >= m_nMaxSampleSize - GetUsedSampleSize()) {
-        return VELM_ERROR_UTIL_UNKNOWN;
-    }
-    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
+// Both are false without storage.
+
+inline bool AudioStream::HasRoomFor(unsigned int sampleSize) {
+    return m_pBuffer != nullptr && sampleSize < m_nMaxSampleSize - GetUsedSampleSize();
 }
 
-inline ErrorCode AudioStream::CheckTake(const void* data, unsigned int sampleSize) {
-    if (m_pBuffer == nullptr || sampleSize > GetUsedSampleSize()) {
-        return VELM_ERROR_UTIL_UNKNOWN;
-    }
-    return data != nullptr || sampleSize == 0 ? 0 : VELM_ERROR_UTIL_INVALID_PARAM;
+inline bool AudioStream::Holds(unsigned int sampleSize) {
+    return m_pBuffer != nullptr && sampleSize <= GetUsedSampleSize();
 }
 
 /// The index `sampleSize` slots ahead; `sampleSize` must be below the capacity.
@@ -156,9 +151,11 @@ void AudioStream::Terminate() {
 }
 
 ErrorCode AudioStream::PushBackSamples(unsigned char* data, unsigned int sampleSize) {
-    const ErrorCode result = CheckPush(data, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!HasRoomFor(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    if (data == nullptr && sampleSize != 0) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     const unsigned int back = Load(m_nBackIndex);
     if (CopyFewIn(back, data, sampleSize)) {
@@ -169,9 +166,8 @@ ErrorCode AudioStream::PushBackSamples(unsigned char* data, unsigned int sampleS
 }
 
 ErrorCode AudioStream::PushBackClearSamples(unsigned int sampleSize) {
-    const ErrorCode result = CheckPush(this, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!HasRoomFor(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
     }
     const unsigned int back = Load(m_nBackIndex);
     Clear(back, sampleSize);
@@ -180,9 +176,11 @@ ErrorCode AudioStream::PushBackClearSamples(unsigned int sampleSize) {
 }
 
 ErrorCode AudioStream::TakeFrontSamples(unsigned int sampleSize, unsigned char* data) {
-    const ErrorCode result = CheckTake(data, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!Holds(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    if (data == nullptr && sampleSize != 0) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     const unsigned int front = Load(m_nFrontIndex);
     if (CopyFewOut(front, data, sampleSize)) {
@@ -193,18 +191,19 @@ ErrorCode AudioStream::TakeFrontSamples(unsigned int sampleSize, unsigned char* 
 }
 
 ErrorCode AudioStream::DropFrontSamples(unsigned int sampleSize) {
-    const ErrorCode result = CheckTake(this, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!Holds(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
     }
     Store(m_nFrontIndex, Advance(Load(m_nFrontIndex), sampleSize));
     return 0;
 }
 
 ErrorCode AudioStream::PushFrontSamples(unsigned char* data, unsigned int sampleSize) {
-    const ErrorCode result = CheckPush(data, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!HasRoomFor(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    if (data == nullptr && sampleSize != 0) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     const unsigned int front = Retreat(Load(m_nFrontIndex), sampleSize);
     if (CopyFewIn(front, data, sampleSize)) {
@@ -215,9 +214,8 @@ ErrorCode AudioStream::PushFrontSamples(unsigned char* data, unsigned int sample
 }
 
 ErrorCode AudioStream::PushFrontClearSamples(unsigned int sampleSize) {
-    const ErrorCode result = CheckPush(this, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!HasRoomFor(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
     }
     const unsigned int front = Retreat(Load(m_nFrontIndex), sampleSize);
     Clear(front, sampleSize);
@@ -226,9 +224,11 @@ ErrorCode AudioStream::PushFrontClearSamples(unsigned int sampleSize) {
 }
 
 ErrorCode AudioStream::TakeBackSamples(unsigned int sampleSize, unsigned char* data) {
-    const ErrorCode result = CheckTake(data, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!Holds(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
+    }
+    if (data == nullptr && sampleSize != 0) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     const unsigned int back = Retreat(Load(m_nBackIndex), sampleSize);
     if (CopyFewOut(back, data, sampleSize)) {
@@ -239,9 +239,8 @@ ErrorCode AudioStream::TakeBackSamples(unsigned int sampleSize, unsigned char* d
 }
 
 ErrorCode AudioStream::DropBackSamples(unsigned int sampleSize) {
-    const ErrorCode result = CheckTake(this, sampleSize);
-    if (result.IsFailed()) {
-        return result;
+    if (!Holds(sampleSize)) {
+        return VELM_ERROR_UTIL_UNKNOWN;
     }
     Store(m_nBackIndex, Retreat(Load(m_nBackIndex), sampleSize));
     return 0;
