@@ -2,7 +2,7 @@
 
 #include <immintrin.h>
 
-#include "YuvBlocks.h"
+#include "graphics/yuv/YuvBlocks.h"
 
 namespace velm::bench {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "YuvPicture.h"
+#include "graphics/yuv/YuvPicture.h"
 
 namespace velm::bench {
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "Families.h"
+#include "graphics/yuv/YuvKernels.h"
 #include "LoadStoreKernel.h"
 #include "velm/YuvToArgb.h"
-#include "YuvKernels.h"
 
 #ifdef VELM_BENCH_YUV
 #include <libyuv.h>

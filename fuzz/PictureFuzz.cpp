@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "Fuzz.h"
+#include "graphics/yuv/YuvKernels.h"
 #include "GuardedRows.h"
-#include "YuvKernels.h"
 
 namespace {
 

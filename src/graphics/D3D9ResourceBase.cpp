@@ -1,6 +1,6 @@
 #include "velm/D3D9ResourceBase.h"
 
-#include "D3D9ResourceManagerImpl.h"
+#include "graphics/D3D9ResourceManagerImpl.h"
 
 namespace velm {
 namespace {

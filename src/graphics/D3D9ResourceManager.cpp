@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "D3D9ResourceManagerImpl.h"
+#include "graphics/D3D9ResourceManagerImpl.h"
 
 namespace velm {
 

@@ -1,8 +1,8 @@
-#include "D3D9ResourceManagerImpl.h"
+#include "graphics/D3D9ResourceManagerImpl.h"
 
 #include <new>
 
-#include "MutexGuard.h"
+#include "graphics/MutexGuard.h"
 
 namespace velm {
 

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "D3d9AdapterChecker.h"
+#include "graphics/D3d9AdapterChecker.h"
 
 namespace velm {
 

@@ -1,4 +1,4 @@
-#include "D3d9AdapterChecker.h"
+#include "graphics/D3d9AdapterChecker.h"
 
 #include <iterator>
 

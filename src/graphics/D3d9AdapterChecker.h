@@ -1,6 +1,6 @@
 #pragma once
 
-#include "D3d9AdapterCommand.h"
+#include "graphics/D3d9AdapterCommand.h"
 #include "velm/Tr1SharedPtr.h"
 
 namespace velm {

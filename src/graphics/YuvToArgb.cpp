@@ -1,6 +1,6 @@
 #include "velm/YuvToArgb.h"
 
-#include "yuv/YuvKernels.h"
+#include "graphics/yuv/YuvKernels.h"
 
 namespace velm {
 namespace {

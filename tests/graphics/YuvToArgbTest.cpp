@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "graphics/yuv/YuvKernels.h"
 #include "GuardedRows.h"
 #include "RandomSeed.h"
-#include "YuvKernels.h"
 
 namespace velm {
 namespace {

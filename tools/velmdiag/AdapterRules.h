@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "D3d9AdapterCommand.h"
+#include "graphics/D3d9AdapterCommand.h"
 #include "velm/D3d9AdapterCheckSet.h"
 
 namespace velmdiag {

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "Command.h"
+#include "graphics/yuv/YuvKernels.h"
 #include "Help.h"
 #include "Path.h"
 #include "PngFile.h"
 #include "Report.h"
 #include "velm/core/FileReader.h"
 #include "velm/YuvToArgb.h"
-#include "YuvKernels.h"
 
 namespace velmdiag {
 namespace {

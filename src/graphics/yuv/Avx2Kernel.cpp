@@ -3,7 +3,7 @@
 // neighbours.
 #include <immintrin.h>
 
-#include "YuvBlocks.h"
+#include "graphics/yuv/YuvBlocks.h"
 
 namespace velm::yuv {
 namespace {

@@ -2,7 +2,7 @@
 // 16 pixels, every lane of 128 bits takes 4.
 #include <immintrin.h>
 
-#include "YuvBlocks.h"
+#include "graphics/yuv/YuvBlocks.h"
 
 namespace velm::yuv {
 namespace {

@@ -1,7 +1,7 @@
 // AVX-512 with VBMI, whose byte permutes put the colours of 16 pixels in place at once.
 #include <immintrin.h>
 
-#include "YuvBlocks.h"
+#include "graphics/yuv/YuvBlocks.h"
 
 namespace velm::yuv {
 namespace {

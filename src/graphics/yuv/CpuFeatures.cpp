@@ -1,4 +1,4 @@
-#include "CpuFeatures.h"
+#include "graphics/yuv/CpuFeatures.h"
 
 #if defined(_MSC_VER)
 #include <intrin.h>

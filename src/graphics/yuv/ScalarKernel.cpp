@@ -1,7 +1,7 @@
 // One pixel at a time, as the formula has it: what the other kernels are measured against.
 #include <cstddef>
 
-#include "YuvPicture.h"
+#include "graphics/yuv/YuvPicture.h"
 
 namespace velm::yuv {
 namespace {

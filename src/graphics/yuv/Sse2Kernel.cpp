@@ -2,7 +2,7 @@
 // order of the pixels, and each chroma term twice over, for the two pixels that share it.
 #include <emmintrin.h>
 
-#include "YuvBlocks.h"
+#include "graphics/yuv/YuvBlocks.h"
 
 namespace velm::yuv {
 namespace {

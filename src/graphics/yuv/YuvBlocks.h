@@ -24,7 +24,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "YuvPicture.h"
+#include "graphics/yuv/YuvPicture.h"
 
 namespace velm::yuv {
 

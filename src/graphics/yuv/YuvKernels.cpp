@@ -1,4 +1,4 @@
-#include "YuvKernels.h"
+#include "graphics/yuv/YuvKernels.h"
 
 #include <emmintrin.h>
 

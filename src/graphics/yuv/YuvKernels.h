@@ -9,8 +9,8 @@
 #include <span>
 #include <string_view>
 
-#include "CpuFeatures.h"
-#include "YuvPicture.h"
+#include "graphics/yuv/CpuFeatures.h"
+#include "graphics/yuv/YuvPicture.h"
 
 namespace velm::yuv {
 
