@@ -22,7 +22,7 @@
 namespace velm {
 
 struct SemaphoreState {
-    SemaphoreState(unsigned int initial, unsigned int most) : counts(initial), maximum(most) {}
+    SemaphoreState(unsigned int initial, unsigned int max) : counts(initial), maximum(max) {}
 
     // The padding keeps other heap blocks off the 64-byte cache line of the counts; heap blocks start at
     // multiples of 16.
@@ -48,7 +48,7 @@ namespace {
 using State = unsigned long long;
 
 constexpr unsigned int kClosing = 0x80000000U;
-constexpr unsigned int kMostCount = kClosing - 1;
+constexpr unsigned int kMaxCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
 constexpr unsigned int kLeaveMilliseconds = 200;
 
@@ -142,7 +142,7 @@ ErrorCode WaitSlowly(SemaphoreState* semaphore) {
 
 Semaphore::Semaphore(unsigned int initial, unsigned int maximum)
     : m_state(new (std::nothrow)
-                  SemaphoreState(std::min({initial, maximum, kMostCount}), std::min(maximum, kMostCount))) {}
+                  SemaphoreState(std::min({initial, maximum, kMaxCount}), std::min(maximum, kMaxCount))) {}
 
 Semaphore::~Semaphore() {
     if (m_state == nullptr) {

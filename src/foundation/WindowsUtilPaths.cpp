@@ -17,7 +17,7 @@ namespace {
 
 constexpr char kSeparator = '\\';
 constexpr char kResourcesDir[] = "resources\\";
-constexpr DWORD kMostDisplays = 16;
+constexpr DWORD kMaxDisplays = 16;
 
 struct ContextDeleter {
     void operator()(HDC context) const { DeleteDC(context); }
@@ -101,7 +101,7 @@ ErrorCode WindowsUtil::GetMaxScreenSize(int* width, int* height, unsigned long s
     int maxHeight = 0;
     DISPLAY_DEVICEW device{};
     device.cb = sizeof device;
-    for (DWORD i = 0; i < kMostDisplays && EnumDisplayDevicesW(nullptr, i, &device, 0); ++i) {
+    for (DWORD i = 0; i < kMaxDisplays && EnumDisplayDevicesW(nullptr, i, &device, 0); ++i) {
         if (!Matches(device, stateFlags)) {
             continue;
         }

@@ -133,7 +133,7 @@ int CrossDotRotate::SetRotatoVector(_Vector3D* from, _Vector3D* to, _Vector3D* c
     return SetParam(&axis, center, Dot(from, to), sinValue);
 }
 
-/// Rodrigues' rotation: the part of the point along the axis stays, the part across it turns.
+/// Rodrigues' rotation formula: the component along the axis stays, the perpendicular one is rotated.
 void CrossDotRotate::Rotato(_Vector3D* point) {
     if (m_bValid == 0) {
         return;

@@ -7,15 +7,15 @@
 
 namespace velm {
 
-/// The table of registered resources; it does not own them. Registering, unregistering and the recovery
-/// broadcast hold the mutex, the loss broadcast does not.
+/// The table of registered resources, which it does not own. Registering, unregistering and the recovery
+/// broadcast lock the mutex; the loss broadcast does not.
 class D3D9ResourceManagerImpl {
 public:
-    /// The number of a resource that is not registered.
+    /// The id of an unregistered resource.
     static constexpr unsigned long long kNotRegistered = ~0ULL;
 
-    /// The process's manager; null outside Initialize and Finalize. A plain pointer, so that resources may
-    /// still ask for it when they are destroyed after the library's static objects.
+    /// The process-wide manager; null before Initialize and after Finalize. A raw pointer, so that resources
+    /// destroyed after the library's static objects can still read it.
     static D3D9ResourceManagerImpl* s_pCurrent;
 
     D3D9ResourceManagerImpl();
@@ -26,11 +26,11 @@ public:
     void Initialize();
     void Clear();
 
-    /// @return the resource's number: 1, 2, 3, ...; kNotRegistered when memory runs out
+    /// @return the resource's id: 1, 2, 3, ...; kNotRegistered when out of memory
     unsigned long long Add(D3D9ResourceBase* resource);
 
-    /// Removes the entry `number` if it is this resource's: an earlier manager may have issued the same
-    /// number to another.
+    /// Removes the entry `number` if it belongs to this resource: an earlier manager may have given it the
+    /// same id that this manager gave to another.
     void Remove(unsigned long long number, const D3D9ResourceBase* resource);
 
     void OnLost();

@@ -15,7 +15,7 @@ D3D9Surface& D3D9Surface::operator=(const D3D9Surface& other) {
     D3D9ResourceBase::operator=(other);
     m_desc = other.m_desc;
     if (other.m_pSurface != nullptr) {
-        other.m_pSurface->AddRef();  // first: it may be this one's own
+        other.m_pSurface->AddRef();  // before the reset, for self-assignment
     }
     m_pSurface.reset(other.m_pSurface.get());
     return *this;

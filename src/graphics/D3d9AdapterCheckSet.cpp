@@ -33,7 +33,7 @@ ErrorCode D3d9AdapterCheckSet::Check(bool* passed, IDirect3D9* d3d, UINT adapter
     if (context == nullptr) {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
     }
-    context->Setup(d3d, adapter);  // what cannot be read stays zero, and the rules decide about that
+    context->Setup(d3d, adapter);  // facts that cannot be read stay zero; the rules decide about them
     const ErrorCode result = Check(passed, context.get());
     return result.IsFailed() ? result : 0;
 }

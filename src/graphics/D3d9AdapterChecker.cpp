@@ -5,7 +5,7 @@
 namespace velm {
 namespace {
 
-/// Whether a fact of the item's type satisfies the item.
+/// Whether the fact, which has the item's type, satisfies the item.
 bool Satisfies(const D3d9AdapterFact& fact, D3d9AdapterCheckItem& item) {
     switch (item.GetType()) {
         case D3D9_ADAPTER_PARAM_STRING:
@@ -26,7 +26,7 @@ bool Satisfies(const D3d9AdapterFact& fact, D3d9AdapterCheckItem& item) {
 }  // namespace
 
 const D3d9AdapterCommand* FindAdapterCommand(D3d9AdapterCheckCommand command) {
-    const auto index = static_cast<unsigned int>(command);  // a negative command is out of range, too
+    const auto index = static_cast<unsigned int>(command);  // makes negative commands out of range
     return index < std::size(kD3d9AdapterCommands) ? &kD3d9AdapterCommands[index] : nullptr;
 }
 

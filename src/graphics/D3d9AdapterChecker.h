@@ -8,10 +8,10 @@ namespace velm {
 /// @return the command's entry in the table; null for an unknown command
 const D3d9AdapterCommand* FindAdapterCommand(D3d9AdapterCheckCommand command);
 
-/// Evaluates a single rule by the table of commands.
-/// @param passed  receives whether the fact satisfies the item; unchanged on failure
+/// Evaluates one rule.
+/// @param passed  out: whether the fact satisfies the item; unchanged on failure
 /// @return 0; VELM_ERROR_UTIL_NOT_EXIST for an unknown command; VELM_ERROR_UTIL_INVALID_PARAM for an item
-///         that is not of its command's type, and for none
+///         without its command's type, and for null
 ErrorCode CheckAdapter(bool* passed, const D3d9AdapterContext& context,
                        const std::tr1::shared_ptr<D3d9AdapterCheckItem>& item);
 

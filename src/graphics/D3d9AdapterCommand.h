@@ -1,6 +1,5 @@
 /// @file
-/// The fifteen facts about an adapter that rules test: one table, which checking, velmdiag and the tests
-/// walk.
+/// The table of the fifteen facts that rules test, shared by the checks, velmdiag and the tests.
 #pragma once
 
 #include "velm/D3d9AdapterCheckItem.h"
@@ -8,7 +7,7 @@
 
 namespace velm {
 
-/// A fact that was read. Its command's type says which member holds it; int64, DWORD and UINT are numbers.
+/// The value of a fact, in the member for its command's type; int64, DWORD and UINT use `number`.
 struct D3d9AdapterFact {
     constexpr D3d9AdapterFact(long long value) : number(value) {}
     constexpr D3d9AdapterFact(const char* value) : text(value) {}
@@ -21,12 +20,12 @@ struct D3d9AdapterFact {
 
 struct D3d9AdapterCommand {
     D3d9AdapterCheckCommand command;
-    D3d9AdapterParamType type;  ///< that an item must have
+    D3d9AdapterParamType type;  ///< operand type that an item must have
     const char* name;           ///< in rule files and reports
     D3d9AdapterFact (*read)(const D3d9AdapterContext& context);
 };
 
-/// The name that goes with a PCI vendor id.
+/// Returns the vendor's name for a PCI vendor id.
 constexpr const char* GetVendorName(DWORD vendorId) {
     constexpr struct {
         DWORD id;
@@ -43,7 +42,7 @@ constexpr const char* GetVendorName(DWORD vendorId) {
     return "Unknown";
 }
 
-/// In the order of the commands' values, without a gap: an entry stands at the place of its command.
+/// Indexed by command: in the order of the commands' values, without gaps.
 inline constexpr D3d9AdapterCommand kD3d9AdapterCommands[] = {
     {D3D9_ADAPTER_CHECK_DRIVER_VERSION, D3D9_ADAPTER_PARAM_INT64, "driver-version",
      [](const D3d9AdapterContext& c) { return D3d9AdapterFact(c.m_identifier.DriverVersion.QuadPart); }},

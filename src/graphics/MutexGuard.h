@@ -4,7 +4,7 @@
 
 namespace velm {
 
-/// Holds a mutex while it lives. When the lock fails the work goes on unguarded, and there is no unlock.
+/// Locks a mutex for its scope. If the lock fails, the scope runs unguarded and nothing is unlocked.
 class MutexGuard {
 public:
     explicit MutexGuard(Mutex& mutex) : m_mutex(mutex), m_locked(!mutex.Lock().IsFailed()) {}

@@ -1,6 +1,6 @@
-// AVX2. Most of its operations stay within lanes of 128 bits, so the bytes are dealt out when they are
-// loaded: the lower lane takes pixels 0 to 3 of each 8, the upper one 4 to 7. Then every store is 8
-// neighbours.
+// AVX2. Most of its operations work within 128-bit lanes, so loads distribute the pixels over the lanes: of
+// every 8, the lower lane gets pixels 0 to 3 and the upper one 4 to 7. Every store then writes 8 adjacent
+// pixels.
 #include <immintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"
@@ -32,7 +32,7 @@ public:
           m_redOffset(Words(matrix.luma * kLumaOffset - kClampBias)) {}
 
     Chroma LoadChroma(const unsigned char* u, const unsigned char* v) const {
-        // U in the even bytes, V in the odd ones; -1 gives a zero.
+        // U goes to the even bytes, V to the odd ones; -1 gives zero.
         const __m256i uPlaces = _mm256_setr_epi8(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1,  //
                                                  2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
         const __m256i vPlaces = _mm256_setr_epi8(-1, 0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13,  //

@@ -1,5 +1,5 @@
-// AVX-512 with BW. As in the AVX2 kernel the bytes are dealt out over the lanes when they are loaded: of each
-// 16 pixels, every lane of 128 bits takes 4.
+// AVX-512 with BW. As in the AVX2 kernel, loads distribute the pixels over the 128-bit lanes: of every 16,
+// each lane gets 4.
 #include <immintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"
@@ -9,7 +9,7 @@ namespace {
 
 alignas(64) constexpr int kLumaPlaces[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
 
-// In words of two bytes, from 16 words of U and then 16 of V: each lane takes 4 of either.
+// Indices of 16-bit words in 16 words of U followed by 16 of V: each lane gets 4 of both.
 alignas(64) constexpr short kChromaPlaces[32] = {0, 4, 8,  12, 16, 20, 24, 28, 1, 5, 9,  13, 17, 21, 25, 29,
                                                  2, 6, 10, 14, 18, 22, 26, 30, 3, 7, 11, 15, 19, 23, 27, 31};
 
@@ -40,8 +40,8 @@ public:
         const __m256i us = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(u));
         const __m256i vs = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(v));
         const __m512i planes = _mm512_inserti64x4(_mm512_castsi256_si512(us), vs, 1);
-        const __m512i dealt = _mm512_permutexvar_epi16(_mm512_loadu_si512(kChromaPlaces), planes);
-        const __m512i pairs = _mm512_unpacklo_epi8(dealt, _mm512_bsrli_epi128(dealt, 8));
+        const __m512i byLane = _mm512_permutexvar_epi16(_mm512_loadu_si512(kChromaPlaces), planes);
+        const __m512i pairs = _mm512_unpacklo_epi8(byLane, _mm512_bsrli_epi128(byLane, 8));
         const __m512i centred = _mm512_xor_si512(pairs, _mm512_set1_epi8(-kChromaOffset));
         return {_mm512_sub_epi16(_mm512_maddubs_epi16(m_red, centred), m_redOffset),
                 _mm512_add_epi16(_mm512_maddubs_epi16(m_green, centred), m_lumaOffset),

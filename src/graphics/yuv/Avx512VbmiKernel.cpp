@@ -1,4 +1,4 @@
-// AVX-512 with VBMI, whose byte permutes put the colours of 16 pixels in place at once.
+// AVX-512 with VBMI, whose byte permutes assemble 16 pixels in one instruction.
 #include <immintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"
@@ -6,14 +6,14 @@
 namespace velm::yuv {
 namespace {
 
-/// The bytes that a permute picks: 0 to 63 from its first table, 64 to 127 from its second.
+/// Indices for a permute: 0 to 63 select from its first table, 64 to 127 from its second.
 struct alignas(64) Index {
     unsigned char byte[64];
 };
 
 constexpr int kSecond = 64;
 
-/// U and V of each block side by side, from the register that holds 32 U and then 32 V.
+/// Pairs U and V of each block, from a register that holds 32 U followed by 32 V.
 constexpr Index MakeChromaIndex() {
     Index index{};
     for (int block = 0; block < 32; ++block) {
@@ -23,12 +23,12 @@ constexpr Index MakeChromaIndex() {
     return index;
 }
 
-/// Where packing leaves a pixel: each 16 pixels are their 8 even ones and then their 8 odd ones.
+/// Where Pack puts a pixel: of every 16, the 8 even ones come first, then the 8 odd ones.
 constexpr int PackedPlace(int pixel) {
     return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
 }
 
-/// Blue and green of 32 pixels side by side.
+/// Pairs blue and green of 32 pixels.
 constexpr Index MakeBlueGreenIndex(int firstPixel) {
     Index index{};
     for (int pixel = 0; pixel < 32; ++pixel) {
@@ -39,8 +39,8 @@ constexpr Index MakeBlueGreenIndex(int firstPixel) {
     return index;
 }
 
-/// 16 pixels from their blue and green, as the index before leaves them, and their red. The fourth byte of
-/// a pixel is masked.
+/// Assembles 16 pixels from the blue-green pairs that MakeBlueGreenIndex arranged, and from red. The mask
+/// kColourBytes zeroes the fourth byte.
 constexpr Index MakePixelIndex(int firstPixel) {
     Index index{};
     for (int pixel = 0; pixel < 16; ++pixel) {

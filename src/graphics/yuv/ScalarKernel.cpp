@@ -1,4 +1,4 @@
-// One pixel at a time, as the formula has it: what the other kernels are measured against.
+// The formula, one pixel at a time: the reference for the other kernels.
 #include <cstddef>
 
 #include "graphics/yuv/YuvPicture.h"

@@ -1,5 +1,5 @@
-// SSE2, which every 64-bit processor has. It multiplies no bytes, so they become words first: luma in the
-// order of the pixels, and each chroma term twice over, for the two pixels that share it.
+// SSE2, which every x86-64 processor has. It cannot multiply bytes, so they are widened to words first: luma
+// in pixel order, and each chroma term duplicated for the two pixels that share it.
 #include <emmintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"
@@ -16,7 +16,7 @@ public:
     static constexpr std::size_t kPixels = 16;
 
     struct Chroma {
-        __m128i red[2];  // of the left and of the right 8 pixels; with kClampBias
+        __m128i red[2];  // of the left and the right 8 pixels; with kClampBias
         __m128i green[2];
         __m128i blue[2];
     };
@@ -31,7 +31,8 @@ public:
           m_greenOffset(Words(Offset(matrix, -matrix.uToGreen - matrix.vToGreen))),
           m_blueOffset(Words(Offset(matrix, matrix.uToBlue))) {}
 
-    // U and V are not centred here: the products of blue may wrap, and taking the offset off wraps them back.
+    // U and V are not centred here: the products of blue may wrap, and subtracting the offset wraps them
+    // back.
     Chroma LoadChroma(const unsigned char* u, const unsigned char* v) const {
         const __m128i us = LoadWords(u);
         const __m128i vs = LoadWords(v);
@@ -74,7 +75,7 @@ private:
         return _mm_packus_epi16(_mm_srai_epi16(left, kFractionBits), _mm_srai_epi16(right, kFractionBits));
     }
 
-    // The multiplier shifts here: the other shifts and the packing already fill the units that shift.
+    // Shifts by multiplying: the shift units are busy with the other shifts and the packing.
     static __m128i ClampRed(__m128i biased) {
         return _mm_mulhi_epi16(_mm_subs_epu16(biased, Words(kClampBias)), Words(kShiftFactor));
     }

@@ -1,24 +1,24 @@
 /// @file
-/// The loop that the vector kernels share, and why their arithmetic is exact.
+/// The loop of the vector kernels, and the proof that their arithmetic is exact.
 ///
-/// The kernels work in lanes of 16 bits. For Y, U and V from 0 to 255 and either matrix, these ranges hold:
+/// The kernels compute in 16 bits. For Y, U and V from 0 to 255 and either matrix, these ranges hold:
 ///
 ///     luma term    74 Y                                        0 .. 18870
-///     chroma term  of red, luma's offset of 1184 taken off     -15904 .. 13421
+///     chroma term  of red, minus luma's offset of 1184         -15904 .. 13421
 ///                  of green, likewise                          -10963 .. 8672
 ///                  of blue, likewise                           -18464 .. 15961
 ///     sum          of red                                      -15904 .. 32291
 ///                  of green                                    -10963 .. 27542
 ///                  of blue                                     -18464 .. 34831
 ///
-/// A chroma term serves four pixels, so luma's offset is there; its products fit too once U and V are
-/// centred. Only the sum of blue can leave 16 bits, and only upwards. A saturating add makes 32767 of it;
-/// that and the true sum are both above 255 once they are shifted by 6, so both are clamped to 255. Packing
-/// with unsigned saturation clamps.
+/// The chroma terms include luma's offset because four pixels share each of them. Once U and V are centred,
+/// their products fit as well. Only the sum of blue can overflow, and only upwards. A saturating add then
+/// gives 32767; shifted right by 6, that and the true sum both exceed 255, so both are clamped to 255.
+/// Packing with unsigned saturation clamps.
 ///
-/// Where red is not packed, it is clamped before the shift, to 0 .. 16383: with kClampBias added to its
-/// chroma term (33248 .. 62573, unsigned) a saturating add of luma stops at 65535 = 16383 + kClampBias, and a
-/// saturating subtraction of kClampBias stops at 0.
+/// Where red is not packed, it is clamped before the shift, to 0 .. 16383. With kClampBias added to its
+/// chroma term (33248 .. 62573, unsigned), a saturating add of luma stops at 65535 = 16383 + kClampBias, and
+/// a saturating subtraction of kClampBias stops at 0.
 #pragma once
 
 #include <cstddef>
@@ -31,20 +31,20 @@ namespace velm::yuv {
 constexpr int kLargestSum = (256 << kFractionBits) - 1;
 constexpr int kClampBias = 65535 - kLargestSum;
 
-/// The factor whose product's upper 16 bits are a number shifted right by kFractionBits.
+/// Multiplying by this and taking the upper 16 bits shifts right by kFractionBits.
 constexpr int kShiftFactor = 1 << (16 - kFractionBits);
 
-/// Two neighbouring bytes, or factors for them, as one number of 16 bits.
+/// Two adjacent bytes, or factors for them, as one 16-bit number.
 [[maybe_unused]] static constexpr short BytePair(int first, int second) {
     return static_cast<short>(second * 256 + first);
 }
 
-/// Converts a picture in blocks of Block::kPixels pixels, the two rows that share their chroma at once. What
-/// is left of a row is converted in a block of its own memory, so that nothing beyond the row is touched.
+/// Converts a picture in blocks of Block::kPixels pixels, two rows that share their chroma at a time. The
+/// rest of a row is converted in a temporary buffer, so that nothing beyond the row is accessed.
 ///
-/// A Block is made from a matrix and has two operations: LoadChroma(u, v) takes kPixels / 2 bytes of each and
-/// returns the chroma terms of a block; StoreRow<kStream>(chroma, y, argb) adds kPixels of luma and writes
-/// the pixels, past the caches when kStream is set.
+/// A Block is constructed from a matrix and has two operations: LoadChroma(u, v) reads kPixels / 2 bytes of
+/// each plane and returns the block's chroma terms; StoreRow<kStream>(chroma, y, argb) adds kPixels bytes of
+/// luma and writes the pixels, with non-temporal stores when kStream is set.
 template <class Block>
 class BlockLoop {
 public:
@@ -86,7 +86,7 @@ private:
         }
     }
 
-    // The rows come as a copy, which no store through a pointer can change.
+    // The rows are passed by value, so that no store through a pointer can alias them.
     template <int kCount, bool kStream>
     static void ConvertRows(const Block& block, Rows rows, std::size_t width) {
         std::size_t x = 0;

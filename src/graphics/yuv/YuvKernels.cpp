@@ -17,8 +17,8 @@ constexpr Kernel kKernels[] = {
     {"scalar", CpuLevel::kBaseline, ConvertScalar},
 };
 
-/// The output from which writing past the caches is faster: it and its planes would not stay in them anyway.
-/// Measured between 1920 x 1080 (8 MiB) and 3840 x 2160 (32 MiB).
+/// Output size from which non-temporal stores are faster: output and planes would not stay in the caches
+/// anyway. Measured between 1920 x 1080 (8 MiB) and 3840 x 2160 (32 MiB).
 constexpr std::size_t kPastCachesSize = std::size_t{12} << 20;
 constexpr std::size_t kPastCachesAlignment = 64;
 
@@ -59,7 +59,7 @@ void Convert(const Kernel& kernel, const Matrix& matrix, const Picture& picture)
     const Writing writing = WritingOf(wholePixels);
     kernel.convert(matrix, wholePixels, writing);
     if (writing == Writing::kPastCaches) {
-        _mm_sfence();  // such writes are not ordered before what follows
+        _mm_sfence();  // non-temporal stores are weakly ordered
     }
 }
 

@@ -1,9 +1,8 @@
 /// @file
-/// The kernels of the picture conversion, and how one is chosen.
+/// The kernels of the picture conversion and their selection.
 ///
-/// They form a static library, velm_yuv, of which VelmUtil links a copy without exporting it. Tests,
-/// benchmarks and tools that compare kernels link velm_yuv themselves, so the library's exported table needs
-/// no way to force one.
+/// They form a static library, velm_yuv, which VelmUtil links without exporting it. Tests, benchmarks and
+/// tools that compare kernels link velm_yuv themselves, so VelmUtil needs no export to force a kernel.
 #pragma once
 
 #include <span>
@@ -20,16 +19,16 @@ struct Kernel {
     void (*convert)(const Matrix& matrix, const Picture& picture, Writing writing);
 };
 
-/// Every kernel, the best first; the scalar one, last, runs anywhere.
+/// Returns all kernels, best first. The last one, scalar, runs anywhere.
 std::span<const Kernel> GetKernels();
 
-/// The first kernel that this processor can run.
+/// Returns the first kernel that this processor can run.
 const Kernel& BestKernel();
 
-/// The kernel of that name; null when there is none or this processor cannot run it.
+/// Returns the kernel of that name; null when there is none or this processor cannot run it.
 const Kernel* FindKernel(std::string_view name);
 
-/// Converts a picture as the exported functions do.
+/// Converts a picture with the given kernel; otherwise like the exported functions.
 void Convert(const Kernel& kernel, const Matrix& matrix, const Picture& picture);
 
 }  // namespace velm::yuv

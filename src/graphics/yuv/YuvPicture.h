@@ -1,13 +1,13 @@
 /// @file
-/// What passes between the picture conversion and its kernels. The kernels are compiled for processors that
-/// need not be there, so this header and YuvBlocks.h hold nothing that a linker could take from one of them
-/// for the rest of the library: no inline functions, no templates over types that others share, nothing
-/// of the standard library.
+/// The interface between the picture conversion and its kernels. The kernels are compiled for instruction
+/// sets that the processor may lack, so this header and YuvBlocks.h define nothing whose code the linker
+/// could share with the rest of the library: no inline functions with external linkage, no templates over
+/// shared types, nothing from the standard library.
 #pragma once
 
 namespace velm::yuv {
 
-/// The coefficients of a colour matrix, scaled by 64.
+/// The coefficients of a colour matrix, times 64.
 struct Matrix {
     const char* name;
     short luma;
@@ -20,15 +20,15 @@ struct Matrix {
 constexpr Matrix kBt601 = {"601", 74, 102, 25, 52, 129};
 constexpr Matrix kBt709 = {"709", 74, 115, 14, 34, 135};
 
-/// What is taken from Y, and from U and V.
+/// Subtracted from Y, and from U and V.
 constexpr int kLumaOffset = 16;
 constexpr int kChromaOffset = 128;
 
-/// Binary places of the coefficients.
+/// Fraction bits of the coefficients.
 constexpr int kFractionBits = 6;
 
-/// The arguments of the exported conversions. A kernel gets sizes above 0, no null, and an output
-/// stride of whole pixels.
+/// The arguments of the exported conversions. Kernels are called with positive sizes, no null pointers, and
+/// an output stride that is a multiple of 4.
 struct Picture {
     const unsigned char* yPlane;
     const unsigned char* uPlane;
@@ -41,7 +41,8 @@ struct Picture {
     unsigned int argbStride;
 };
 
-/// How the pixels are written. Past the caches, the address and the stride of the output are multiples of 64.
+/// How the pixels are written. kPastCaches uses non-temporal stores and requires an output address and stride
+/// that are multiples of 64.
 enum class Writing { kThroughCaches, kPastCaches };
 
 void ConvertAvx2(const Matrix& matrix, const Picture& picture, Writing writing);
