@@ -10,7 +10,7 @@ unsigned long long GetLocalMachineTime() {
     if (frequency == 0) {
         return 0;
     }
-    // Whole seconds apart from the rest, so that no reading is too large to be multiplied.
+    // Whole seconds and the remainder are converted separately, so that no product overflows.
     return count / frequency * 1000 + count % frequency * 1000 / frequency;
 }
 

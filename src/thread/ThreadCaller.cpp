@@ -18,15 +18,14 @@ enum State : int {
     kJoinFailed = -1,
 };
 
-/// A thread, with those that its caller had started before and never stopped; it waits for them as it is
-/// destroyed.
+/// A thread and a list of earlier ones that were started but never stopped. The destructor joins them all.
 class OwnedThread : public Thread {
 public:
     ~OwnedThread() override {
-        // Where Stop's own join failed or did not come to it. The base class waits too, but only once this is
-        // no longer the object whose virtual body the thread calls.
+        // In case Stop did not join, or failed to. The base class would join too late: by then the object
+        // that the thread calls operator() on is partly destroyed.
         Join(nullptr);
-        // One by one: the list may be longer than a recursion through destructors can go.
+        // Iteratively: recursing through destructors could overflow the stack on a long list.
         while (m_earlier != nullptr) {
             m_earlier = std::exchange(m_earlier->m_earlier, nullptr);
         }

@@ -5,11 +5,11 @@
 namespace velm {
 namespace {
 
-// The identifier that the timer is asked for.
+// The timer id requested from SetTimer.
 constexpr UINT_PTR kTimer = 0;
 
-/// Ends the watchdog's timer of a window. Such a timer goes by the identifier that was asked for; what the
-/// system calls it is never 0, so it may be another's, and is tried only when the first finds no timer.
+/// Kills the watchdog's timer of a window. Window timers are known by the id that was requested. SetTimer's
+/// result, never 0, may be another timer's id, so it is tried only when the first finds no timer.
 void RemoveTimer(HWND window, unsigned long long timerId) {
     if (!KillTimer(window, kTimer)) {
         KillTimer(window, static_cast<UINT_PTR>(timerId));
@@ -63,7 +63,7 @@ ErrorCode Watchdog::Start(HWND__* window, WatchdogChecker* checker) {
     if (mTimerId == 0) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
-    // The same window's timer has been replaced; another window's would tick on.
+    // SetTimer replaces a timer of the same window; one of another window would keep ticking.
     if (mWindow != nullptr && mWindow != window) {
         RemoveTimer(mWindow, earlierTimerId);
     }
