@@ -31,7 +31,7 @@ void EnvConfigReader::GetIfOk(const std::string& name, std::string& value) {
     try {
         WindowsUtil::GetUtf8StringFromWstring(copy, value);
     } catch (const std::bad_alloc&) {
-        return;  // as with any other failure, the value stays
+        return;  // `value` is unchanged, as after any other failure
     }
 }
 

@@ -43,7 +43,7 @@ bool ReadAll(std::FILE* file, std::string& text) {
     return std::ferror(file) == 0;
 }
 
-/// Leaves of a file's bytes what JsonConfigReader::ReadFile promises.
+/// Joins the lines of a file as JsonConfigReader::ReadFile describes.
 void JoinLines(std::string& text) {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     constexpr char kEndOfText = '\x1A';
@@ -125,8 +125,7 @@ JsonConfigReader& JsonConfigReader::operator=(const JsonConfigReader&) = default
 JsonConfigReader::~JsonConfigReader() = default;
 
 int JsonConfigReader::ReadFile(const std::string& path) {
-    // Windows' text mode is done here and not by the stream, so that it is the same on every system, and
-    // fast.
+    // Binary mode: JoinLines does what Windows' text mode does, faster and on every system.
     const File file(std::fopen(path.c_str(), "rb"));
     if (file == nullptr) {
         return kOpenFailed;
@@ -136,7 +135,7 @@ int JsonConfigReader::ReadFile(const std::string& path) {
     try {
         complete = ReadAll(file.get(), m_strJson);
     } catch (const std::bad_alloc&) {
-        // as when the file fails
+        // treated like a failed read
     }
     JoinLines(m_strJson);
     return complete ? 0 : kReadFailed;

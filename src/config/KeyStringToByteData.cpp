@@ -13,7 +13,7 @@ unsigned int ValueOf(char character) {
     if (character >= 'A' && character <= 'F') {
         return static_cast<unsigned int>(character - 'A') + 10;
     }
-    return static_cast<unsigned char>(character) & 0x0FU;  // which is the value of '0' to '9', too
+    return static_cast<unsigned char>(character) & 0x0FU;  // correct for '0' to '9', too
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 namespace velm {
 namespace {
 
-// The runtime ends the process over a mode that it does not know.
+// The Microsoft C runtime ends the process on an unknown mode.
 bool IsMode(const char* mode) {
     return mode != nullptr && *mode != '\0' && std::strchr("rwa", *mode) != nullptr;
 }

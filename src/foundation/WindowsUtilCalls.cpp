@@ -11,15 +11,15 @@
 namespace velm {
 namespace {
 
-// The system takes class names of at most 256 units.
+// Class names have at most 256 units, plus the NUL.
 constexpr int kClassNameUnits = 257;
 
 }  // namespace
 
-/// Text arguments in UTF-16, converted in their order up to the first that cannot be.
+/// String arguments converted to UTF-16, in order, up to the first one that fails.
 template <std::size_t count>
 class WindowsUtil::WideTexts {
-    /// Preserves the last error, which belongs to the caller of the wrapper.
+    /// Preserves the last error of the wrapped call.
     struct QuietDelete {
         void operator()(const wchar_t* buffer) const {
             const DWORD lastError = GetLastError();
@@ -75,12 +75,12 @@ int WindowsUtil::CallGetClassName(HWND__* window, char* buffer, int size) {
     if (size <= 0) {
         return 0;
     }
-    const int most = std::min(size, kClassNameUnits);
-    const WideTexts<1>::Buffer name(new (std::nothrow) wchar_t[static_cast<std::size_t>(most)]);
+    const int capacity = std::min(size, kClassNameUnits);
+    const WideTexts<1>::Buffer name(new (std::nothrow) wchar_t[static_cast<std::size_t>(capacity)]);
     if (name == nullptr) {
         return 0;
     }
-    const int units = GetClassNameW(window, name.get(), most);
+    const int units = GetClassNameW(window, name.get(), capacity);
     if (units <= 0) {
         return 0;
     }

@@ -24,7 +24,8 @@ struct ContextDeleter {
 };
 using UniqueContext = std::unique_ptr<std::remove_pointer_t<HDC>, ContextDeleter>;
 
-/// The folder of the process's executable, in a buffer of MAX_PATH bytes.
+/// Gets the folder of the executable.
+/// @param directory  out: MAX_PATH bytes
 ErrorCode GetExecDir(char* directory) {
     wchar_t wide[MAX_PATH];
     const DWORD units = GetModuleFileNameW(nullptr, wide, MAX_PATH);
@@ -41,7 +42,7 @@ ErrorCode GetExecDir(char* directory) {
     return PathHelper::GetFileDir(directory, MAX_PATH, path);
 }
 
-/// The executable's folder, a separator, `folder` and `fileName`, which may be `path` itself.
+/// Joins the executable's folder, a separator, `folder` and `fileName`, which may refer to `path` itself.
 ErrorCode GetPathBelowExecDir(std::string& path, const char* folder, std::string_view fileName) {
     char directory[MAX_PATH];
     const ErrorCode result = GetExecDir(directory);

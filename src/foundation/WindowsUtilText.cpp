@@ -12,7 +12,7 @@
 namespace velm {
 namespace {
 
-/// What is converted on the stack; most texts are names and paths.
+/// Bytes converted on the stack: enough for most names and paths.
 constexpr int kSmallText = 512;
 
 }  // namespace
@@ -39,7 +39,7 @@ ErrorCode WindowsUtil::GetStringFromWstring(const std::wstring& in, unsigned int
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     try {
-        // Not a string: it would be filled before it is written.
+        // Plain arrays: resizing a std::string would zero it first.
         char small[kSmallText];
         const std::unique_ptr<char[]> large(size > kSmallText ? new char[static_cast<std::size_t>(size)]
                                                               : nullptr);
@@ -75,7 +75,7 @@ ErrorCode WindowsUtil::GetUtf8StringFromOemcpString(const std::string& in, std::
 }
 
 ErrorCode WindowsUtil::GetUtf8StringFromTstring(const std::wstring& in, std::string& out) {
-    return GetOemcpStringFromWstring(in, out);  // which, too, ends at the first NUL
+    return GetOemcpStringFromWstring(in, out);
 }
 
 ErrorCode WindowsUtil::GetWStringFromTstring(const std::wstring& in, std::wstring& out) {
