@@ -1,6 +1,6 @@
 /// @file
-/// Calls a library's DllMain as the system loads and unloads it. Compiled into every library that has one, as
-/// its last source, so that the library's static initialisers have run.
+/// Calls a library's DllMain when the library is loaded and unloaded. Compiled into every library that has
+/// one, as its last source, so that the library's static initializers have run by then.
 #include <windows.h>
 #include <dlfcn.h>
 

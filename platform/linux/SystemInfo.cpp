@@ -36,7 +36,7 @@ std::string SystemName() {
 LibraryFile FindLibrary(const std::string& name) {
     Search search{"lib" + name + ".so", ""};
     dl_iterate_phdr(&Visit, &search);
-    // The file that the links lead to is named after its version.
+    // The file that the symbolic links point to is named after its version.
     std::error_code failed;
     const std::string path = std::filesystem::canonical(search.path, failed).string();
     const std::size_t suffix = path.rfind(search.fileName + '.');

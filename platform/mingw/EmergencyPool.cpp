@@ -1,7 +1,6 @@
 /// @file
-/// The C++ runtime sets memory aside for exceptions that are thrown when there is none left: 72 KiB in every
-/// library that it is linked into, from load on and for good. Compiled into each library, this gives them
-/// back as the library is unloaded.
+/// The C++ runtime reserves 72 KiB for exceptions thrown when out of memory: in every library that links it,
+/// from load on, never freed. Compiled into each library, this frees them when the library is unloaded.
 
 namespace __gnu_cxx {
 

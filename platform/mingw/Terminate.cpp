@@ -1,7 +1,7 @@
 /// @file
-/// How a library ends the process when an exception leaves a function that must not let it: at once. The
-/// runtime's own way prints the exception's name, and for that links all that decodes names: 50 KB in each
-/// library.
+/// Replaces the runtime's terminate handler, which runs when an exception leaves a noexcept function. This
+/// one only aborts. The runtime's prints the exception's name, for which it links the demangler: 50 KB in
+/// each library.
 #include <cstdlib>
 
 namespace __gnu_cxx {

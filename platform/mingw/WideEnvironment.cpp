@@ -1,9 +1,9 @@
 /// @file
 /// _wdupenv_s, which <stdlib.h> declares as an import and the runtime lacks.
 ///
-/// It asks the process for the variable and not the runtime for its copy: _wgetenv hands out a pointer into
-/// that copy, which another thread's _wputenv may free before it is read, while the system copies the value
-/// under its own lock. Every change that the runtime makes to its copy it makes to the process too.
+/// Reads the process's environment, not the runtime's copy: _wgetenv returns a pointer into that copy, which
+/// another thread's _wputenv may free before it is read, whereas Windows copies the value under its own lock.
+/// The runtime applies every change of its copy to the process's environment too.
 #include <windows.h>
 
 #include <cerrno>
@@ -20,7 +20,7 @@ errno_t __cdecl DuplicateVariable(wchar_t** value, size_t* units, const wchar_t*
     if (units != nullptr) {
         *units = 0;
     }
-    // The size of a variable that is set but empty is 1, of one that is not set 0. The variable may grow or
+    // The size is 1 for a variable that is set but empty, 0 for one that is not set. The variable may grow or
     // vanish between two calls.
     DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
     while (size != 0) {
@@ -48,7 +48,7 @@ errno_t __cdecl DuplicateVariable(wchar_t** value, size_t* units, const wchar_t*
 
 }  // namespace
 
-// An imported function is called through this pointer, which an import library would otherwise provide.
+// Imported functions are called through such a pointer, which normally comes from the import library.
 extern "C" {
 extern decltype(&_wdupenv_s) const __MINGW_IMP_SYMBOL(_wdupenv_s);
 decltype(&_wdupenv_s) const __MINGW_IMP_SYMBOL(_wdupenv_s) = &DuplicateVariable;

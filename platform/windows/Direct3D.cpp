@@ -15,7 +15,7 @@ std::wstring Utf16(const char* utf8) {
 
 }  // namespace
 
-// Loaded when it is asked for, and left loaded: its objects live as long as their holders please.
+// Loaded on demand and never unloaded: its objects may live as long as their owners like.
 InterfacePtr<IDirect3D9> CreateDirect3D9() {
     const HMODULE module = LoadLibraryExW(L"d3d9.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (module == nullptr) {
@@ -36,7 +36,7 @@ WindowPtr CreateDrawingWindow(const char* title, int width, int height, bool vis
     windowClass.lpfnWndProc = DefWindowProcW;
     windowClass.hInstance = module;
     windowClass.lpszClassName = kWindowClass;
-    RegisterClassW(&windowClass);  // fails for the second window, which does no harm
+    RegisterClassW(&windowClass);  // harmless if the class is registered already
     constexpr DWORD kStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU;
     RECT rect{0, 0, width, height};
     AdjustWindowRect(&rect, kStyle, FALSE);

@@ -40,7 +40,7 @@ std::string FileVersion(const wchar_t* path) {
 }  // namespace
 
 std::string SystemName() {
-    // GetVersionEx tells a program without a manifest what it was made for.
+    // Not GetVersionEx, which reports an older Windows to programs without a manifest.
     std::string name = "Windows";
     RTL_OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;

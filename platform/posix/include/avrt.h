@@ -1,5 +1,5 @@
 /// @file
-/// The multimedia class scheduler. It keeps account of registrations and changes no thread's priority.
+/// The multimedia class scheduler. Tracks registrations but does not change any thread's priority.
 #pragma once
 
 #include "windef.h"
@@ -13,7 +13,7 @@ enum AVRT_PRIORITY {
     AVRT_PRIORITY_CRITICAL = 2,
 };
 
-/// Knows the task "Audio".
+/// Supports the task "Audio" only.
 HANDLE AvSetMmThreadCharacteristicsW(LPCWSTR task, LPDWORD taskIndex);
 BOOL AvSetMmThreadPriority(HANDLE registration, AVRT_PRIORITY priority);
 BOOL AvRevertMmThreadCharacteristics(HANDLE registration);

@@ -1,13 +1,13 @@
 /// @file
-/// What Windows' C runtime adds to <stdlib.h>.
+/// Windows' additions to <stdlib.h>.
 #pragma once
 
 #include "windef.h"
 
 extern "C" {
 
-/// Names are compared without regard to the case of ASCII letters, as on Windows. The copy is freed with
-/// free.
+/// Copies a variable's value. Names are compared ignoring the case of ASCII letters, as on Windows.
+/// @param value  out: the copy, which the caller frees with free
 int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* name);
 
 /// An empty value removes the variable.

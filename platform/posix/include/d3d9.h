@@ -1,6 +1,6 @@
 /// @file
-/// The interfaces of Direct3D 9, for objects that tests make themselves: Linux has no Direct3D. IDirect3D9 is
-/// whole; of the others there are, in Windows' order, the methods that the libraries and their clients call.
+/// The Direct3D 9 interfaces, for the fake objects of tests: Linux has no Direct3D. IDirect3D9 is complete;
+/// the others declare, in Windows' order, only the methods that the libraries and their clients call.
 #pragma once
 
 #include "d3d9caps.h"

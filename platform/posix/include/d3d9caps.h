@@ -6,7 +6,7 @@
 
 #define D3DCAPS_READ_SCANLINE 0x00020000U
 
-/// The beginning of Windows' structure; nothing here reads the rest.
+/// The first members of Windows' structure; the rest is not used.
 struct D3DCAPS9 {
     D3DDEVTYPE DeviceType;
     UINT AdapterOrdinal;

@@ -1,5 +1,5 @@
 /// @file
-/// The structures of Direct3D 9 and the values in them that the libraries and their clients use.
+/// The Direct3D 9 structures and constants that the libraries and their clients use.
 #pragma once
 
 #include "guiddef.h"

@@ -1,5 +1,5 @@
 /// @file
-/// The 16-byte identifier.
+/// The 16-byte GUID.
 #pragma once
 
 #include "windef.h"

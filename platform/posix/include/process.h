@@ -1,5 +1,5 @@
 /// @file
-/// The C runtime's way to start a thread.
+/// Thread creation by the C runtime.
 #pragma once
 
 #include "windef.h"

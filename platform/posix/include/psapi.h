@@ -19,7 +19,7 @@ struct PROCESS_MEMORY_COUNTERS {
     SIZE_T PeakPagefileUsage;
 };
 
-/// Fills in the faults, the working sets and, as page-file usage, the private data; the rest is 0.
+/// Fills in page faults, working set sizes and, as page-file usage, private data; the rest is 0.
 BOOL GetProcessMemoryInfo(HANDLE process, PROCESS_MEMORY_COUNTERS* counters, DWORD size);
 
 }  // extern "C"

@@ -1,5 +1,5 @@
 /// @file
-/// The base of all counted interfaces.
+/// The base of all reference-counted interfaces.
 #pragma once
 
 #include "guiddef.h"

@@ -41,7 +41,7 @@ BOOL CloseHandle(HANDLE handle);
 struct SECURITY_ATTRIBUTES;
 struct OVERLAPPED;
 
-/// Opens existing files for reading only.
+/// Supports only reading existing files.
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
                    DWORD flags, HANDLE templateFile);
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD readSize, OVERLAPPED* overlapped);
@@ -49,8 +49,8 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD readSize, OVERLAPP
 // Settings. corecrt_wstdlib.h has _wdupenv_s.
 BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
 
-// Files of sections and keys. A relative path counts from the current folder, not from that of Windows, and
-// neither call lists the sections or the keys when it is given null for one.
+// INI files. Relative paths refer to the current folder, not to the Windows folder. Neither call lists
+// sections or keys when one of them is null.
 UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR path);
 DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR buffer, DWORD units,
                                LPCWSTR path);
@@ -64,9 +64,9 @@ DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText
 
 DWORD GetCurrentThreadId();
 HANDLE GetCurrentThread();
-/// Waits for a thread to end.
+/// Supports thread handles only.
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
-/// Names the calling thread only. Linux keeps the first 15 bytes of the name.
+/// Supports the calling thread only. Linux keeps the first 15 bytes of the name.
 HRESULT SetThreadDescription(HANDLE thread, PCWSTR description);
 void Sleep(DWORD milliseconds);
 
@@ -74,7 +74,7 @@ inline void YieldProcessor() {
     __builtin_ia32_pause();
 }
 
-// Waiting on the value at an address. The value is 4 bytes wide.
+// Waiting for the value at an address to change. Values of 4 bytes only.
 BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds);
 void WakeByAddressSingle(void* address);
 void WakeByAddressAll(void* address);
@@ -86,7 +86,7 @@ void WakeByAddressAll(void* address);
 #define DLL_THREAD_DETACH 3U
 
 BOOL DisableThreadLibraryCalls(HMODULE module);
-/// Knows "kernel32.dll", which is this layer, and what is loaded.
+/// Finds loaded libraries, and "kernel32.dll", which is this layer.
 HMODULE GetModuleHandleW(LPCWSTR name);
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 /// Loads a shared object; a path may use "\" or "/".
@@ -101,13 +101,13 @@ DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
 
 HANDLE GetCurrentProcess();
 DWORD GetCurrentProcessId();
-/// Opens the calling process only.
+/// Supports the calling process only.
 HANDLE OpenProcess(DWORD access, BOOL inheritHandle, DWORD processId);
-/// Keeps the class for GetPriorityClass; Linux' own priorities stay as they are.
+/// Stores the class for GetPriorityClass; does not change the priority on Linux.
 BOOL SetPriorityClass(HANDLE process, DWORD priorityClass);
 DWORD GetPriorityClass(HANDLE process);
 
-/// Always FALSE: threads run on until the process is gone.
+/// Always FALSE: on Linux threads run until the process is gone.
 unsigned char RtlDllShutdownInProgress();
 
 void OutputDebugStringW(LPCWSTR text);

@@ -1,5 +1,5 @@
 /// @file
-/// Windows' basic types and constants. Widths are those of 64-bit Windows.
+/// Windows' basic types and constants, with the sizes of 64-bit Windows.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ using SIZE_T = std::size_t;
 using HRESULT = std::int32_t;
 
 using CHAR = char;
-using WCHAR = wchar_t;  // one UTF-16 unit in each element
+using WCHAR = wchar_t;  // holds one UTF-16 unit
 using LPSTR = char*;
 using LPCSTR = const char*;
 using PCSTR = const char*;

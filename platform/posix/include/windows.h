@@ -1,6 +1,6 @@
 /// @file
-/// The Windows interfaces that the libraries call, for Linux. One header per topic, under the names that
-/// Windows gives them; each call is implemented in ../src, in the file of that topic.
+/// The Windows interfaces that the libraries call, for Linux. One header per topic, with Windows' names; the
+/// implementations are in ../src, one file per topic.
 #pragma once
 
 #include "corecrt_wstdlib.h"

@@ -1,5 +1,5 @@
 /// @file
-/// Results of interface methods: negative when they failed.
+/// HRESULT codes; failures are negative.
 #pragma once
 
 #include "windef.h"

@@ -25,7 +25,7 @@ struct DEVMODEW;
 BOOL EnumDisplayDevicesW(LPCWSTR device, DWORD index, DISPLAY_DEVICEW* displayDevice, DWORD flags);
 HDC CreateDCW(LPCWSTR driver, LPCWSTR device, LPCWSTR port, const DEVMODEW* mode);
 BOOL DeleteDC(HDC context);
-/// Knows HORZRES and VERTRES.
+/// Supports HORZRES and VERTRES; 0 for others.
 int GetDeviceCaps(HDC context, int index);
 BOOL TextOutW(HDC context, int x, int y, LPCWSTR text, int units);
 

@@ -10,8 +10,8 @@ extern "C" {
 #define CP_OEMCP 1U
 #define CP_UTF8 65001U
 
-/// Both take no flags, and WideCharToMultiByte no default character. They know the code pages that iconv
-/// does. What is no character becomes U+FFFD, and what a code page lacks "?".
+/// Neither supports flags, and WideCharToMultiByte no default character. The code pages are those of iconv.
+/// Invalid input becomes U+FFFD; a character that the code page lacks becomes "?".
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits);
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,
                         LPCSTR defaultChar, LPBOOL usedDefault);

@@ -1,6 +1,6 @@
 /// @file
-/// Windows, timers and messages. A window is a handle with a class name and a text; a message loop delivers
-/// the timers of its thread's windows and the quit message.
+/// Windows, timers and messages. A window has only a class name and a text; a message loop delivers only
+/// timer messages of its thread's windows and the quit message.
 #pragma once
 
 #include "windef.h"
@@ -27,7 +27,7 @@ struct MSG {
     POINT pt;
 };
 
-/// Makes a window of the calling thread, of any class.
+/// Creates a window of the calling thread. Any class name is accepted.
 HWND CreateWindowExW(DWORD extendedStyle, LPCWSTR className, LPCWSTR text, DWORD style, int x, int y,
                      int width, int height, HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter);
 BOOL DestroyWindow(HWND window);
@@ -35,21 +35,20 @@ int GetClassNameW(HWND window, LPWSTR name, int size);
 BOOL SetWindowTextW(HWND window, LPCWSTR text);
 int GetWindowTextW(HWND window, LPWSTR text, int size);
 
-/// Sets a timer of a window. As on Windows, it is known by `timer`, also when that is 0; the result is
-/// then 1.
+/// Sets a window's timer. As on Windows its id is `timer`, even if that is 0; the result is then 1.
 UINT_PTR SetTimer(HWND window, UINT_PTR timer, UINT milliseconds, TIMERPROC function);
 BOOL KillTimer(HWND window, UINT_PTR timer);
 
-/// Gives messages of all windows of the calling thread.
+/// Returns messages of all windows of the calling thread.
 BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last);
-/// Takes the message, whatever `remove` says.
+/// Always removes the message.
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove);
-/// Calls the function of a timer, also when the timer has been killed since.
+/// Calls the timer's function, even if the timer has been killed meanwhile.
 LRESULT DispatchMessageW(const MSG* message);
 void PostQuitMessage(int exitCode);
 
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
-/// Loads nothing; gives a handle for any name.
+/// Loads nothing; returns a handle for any name.
 HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags);
 
 }  // extern "C"

@@ -55,7 +55,7 @@ HDC CreateDCW(LPCWSTR, LPCWSTR device, LPCWSTR, const DEVMODEW*) {
 }
 
 BOOL DeleteDC(HDC context) {
-    const bool fails = MustFail("DeleteDC");  // it is gone all the same
+    const bool fails = MustFail("DeleteDC");  // deletes the context even so
     if (context == nullptr) {
         return FALSE;
     }

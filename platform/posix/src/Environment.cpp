@@ -14,10 +14,10 @@ using namespace velm::posix;
 
 namespace {
 
-// Guards the environment among the calls of this file.
+// Guards the environment against the other calls in this file.
 std::mutex g_environmentMutex;
 
-/// The "NAME=VALUE" of a variable, or null.
+/// Returns a variable's "NAME=VALUE"; null when it is not set.
 char* FindVariable(const std::string& name) {
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         if (strncasecmp(*entry, name.c_str(), name.size()) == 0 && (*entry)[name.size()] == '=') {
@@ -45,7 +45,7 @@ BOOL SetEnvironmentVariableW(LPCWSTR wideName, LPCWSTR value) {
         }
         const std::lock_guard lock(g_environmentMutex);
         if (const char* const entry = FindVariable(name)) {
-            name.assign(entry, name.size());  // in its own case
+            name.assign(entry, name.size());  // keep the existing spelling
         }
         return (value != nullptr ? setenv(name.c_str(), Utf8(value).c_str(), 1) : unsetenv(name.c_str())) ==
                0;

@@ -21,7 +21,7 @@ void SetLastError(DWORD code) {
     t_lastError = code;
 }
 
-// What is closed is gone, also when the call is made to fail: a test leaves nothing behind.
+// Deletes the object even if the call is made to fail, so that tests do not leak.
 BOOL CloseHandle(HANDLE handle) {
     const bool fails = velm::posix::MustFail("CloseHandle");
     auto* object = velm::posix::FromHandle<velm::posix::Object>(handle);

@@ -1,5 +1,5 @@
 /// @file
-/// What a HANDLE points to.
+/// The object behind a HANDLE.
 #pragma once
 
 #include <windows.h>
@@ -22,7 +22,7 @@ private:
     static inline std::atomic<unsigned int> s_count{0};
 };
 
-/// The object behind a handle, or null when the handle is none or of another type.
+/// Returns the object behind a handle; null for an invalid handle or one of another type.
 template <typename T>
 T* FromHandle(HANDLE handle) {
     if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {

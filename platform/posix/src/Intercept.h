@@ -1,5 +1,5 @@
 /// @file
-/// What the stand-ins share: the check that lets a test make a call fail, and the state of the process.
+/// Shared by all implementations of Windows calls: failure injection for tests, and process-wide state.
 #pragma once
 
 #include <atomic>
@@ -12,8 +12,8 @@
 
 namespace velm::posix {
 
-/// State that the stand-ins share, held by one thread at a time. It is never destroyed: libraries and static
-/// objects of programs call in as the process ends.
+/// Locks access to process-wide state, which is never destroyed: libraries and static objects of programs
+/// still make calls while the process exits.
 template <typename State>
 class Locked {
 public:
@@ -33,7 +33,7 @@ private:
     State& m_state = TheState();
 };
 
-/// What tests set and ask for through Control.h.
+/// The state behind Control.h.
 struct Settings {
     struct Failure {
         DWORD lastError = 0;
@@ -50,7 +50,7 @@ struct Settings {
     std::vector<std::string> calls;
     std::vector<ShownCall> shown;
     std::vector<Display> displays;
-    std::wstring executablePath;  // empty for the true one
+    std::wstring executablePath;  // empty for the real one
     std::optional<Reading> clock;
     UINT oemCodePage = 437;
     DWORD priorityClass = NORMAL_PRIORITY_CLASS;
@@ -61,18 +61,18 @@ extern std::atomic<bool> g_watching;
 
 bool MustFailWatched(const char* name);
 
-/// How many stand-ins the thread is inside of.
+/// Nesting depth of WithinSystem on this thread.
 inline thread_local int t_withinSystem = 0;
 
-/// Every stand-in asks this first, with its own name, and fails when told to. The last error is then set
-/// already. The calls that stand-ins make themselves are not the library's: they are neither recorded nor
-/// failed.
+/// Every Windows call checks this first, with its own name, and fails if it returns true; the last error is
+/// then set. Calls made from within WithinSystem are not the library's own: they are neither recorded nor
+/// made to fail.
 inline bool MustFail(const char* name) {
     return g_watching.load(std::memory_order_relaxed) && t_withinSystem == 0 && MustFailWatched(name);
 }
 
-/// Runs the body of a stand-in that allocates or makes calls itself. Memory that runs out fails the call, as
-/// on Windows, instead of leaving it as an exception.
+/// Runs the body of a Windows call that allocates memory or makes further calls. Out of memory, the call
+/// fails as on Windows instead of throwing.
 template <typename Result, typename Body>
 Result WithinSystem(Result failure, Body body) {
     const struct Depth {
@@ -87,7 +87,7 @@ Result WithinSystem(Result failure, Body body) {
     }
 }
 
-/// Keeps what a call was handed, for ShownCalls, while calls are recorded.
+/// Stores a call's arguments for ShownCalls while recording.
 void RecordShown(ShownCall call);
 
 }  // namespace velm::posix

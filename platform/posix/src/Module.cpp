@@ -14,7 +14,7 @@ using namespace velm::posix;
 
 namespace {
 
-/// The file of kernel32's calls: this library itself.
+/// The file that implements kernel32's calls: this library itself.
 std::string KernelFile() {
     Dl_info info{};
     dladdr(reinterpret_cast<void*>(&GetModuleHandleW), &info);
@@ -58,7 +58,7 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
             SetLastError(ERROR_MOD_NOT_FOUND);
             return nullptr;
         }
-        dlclose(module);  // as on Windows, the handle given is not counted
+        dlclose(module);  // as on Windows, the returned handle holds no reference
         return static_cast<HMODULE>(module);
     });
 }
@@ -82,7 +82,7 @@ HMODULE LoadLibraryW(LPCWSTR path) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    // The library's own start makes calls too, and is not the system.
+    // dlopen runs outside WithinSystem: calls by the loaded library's initializers count.
     const std::string native = WithinSystem(std::string(), [&] { return NativePath(path); });
     void* const module = native.empty() ? nullptr : dlopen(native.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) {
@@ -110,6 +110,6 @@ DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
             return units;
         }
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
-        return size;  // the path was cut, and its NUL counts
+        return size;  // truncated: the count includes the NUL
     });
 }

@@ -10,16 +10,16 @@
 #include "Intercept.h"
 #include "Text.h"
 
-// A line ends at CR or LF; blanks around lines, names and values do not count; names are compared without
-// regard to case; the first section of a name and the first line of a key are the ones; there are no
-// comments, only keys that nobody asks for.
+// INI rules, as on Windows: a line ends at CR or LF; blanks around lines, names and values are ignored; names
+// are case-insensitive; the first section of a name and the first line of a key win; there are no comments,
+// only keys that nobody reads.
 
 using namespace velm::posix;
 
 namespace {
 
 std::wstring_view Trim(std::wstring_view text) {
-    constexpr std::wstring_view kBlanks = L" \t\v\f\x1A";  // 0x1A ends a file of DOS
+    constexpr std::wstring_view kBlanks = L" \t\v\f\x1A";  // 0x1A is the DOS end-of-file character
     text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
     return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
@@ -28,8 +28,8 @@ bool EqualNames(std::wstring_view left, std::wstring_view right) {
     return left.size() == right.size() && wcsncasecmp(left.data(), right.data(), left.size()) == 0;
 }
 
-/// The text of a file in the encoding that its mark says, or in the ANSI code page; empty when it cannot be
-/// read.
+/// Reads a file in the encoding given by its byte-order mark, or in the ANSI code page without one; "" when
+/// it cannot be read.
 std::wstring ReadText(LPCWSTR path) {
     std::ostringstream content;
     content << std::ifstream(NativePath(path), std::ios::binary).rdbuf();
@@ -46,7 +46,7 @@ std::wstring ReadText(LPCWSTR path) {
     return Wide(bytes, "CP1252");
 }
 
-/// Takes a line off the text.
+/// Removes the first line from the text and returns it.
 std::wstring_view TakeLine(std::wstring_view& text) {
     const std::size_t end = text.find_first_of(L"\r\n");
     const std::wstring_view line = text.substr(0, end);
@@ -54,7 +54,7 @@ std::wstring_view TakeLine(std::wstring_view& text) {
     return Trim(line);
 }
 
-/// The name in a line "[name]"; none for other lines.
+/// Returns the name in a line "[name]"; none for other lines.
 std::optional<std::wstring_view> SectionIn(std::wstring_view line) {
     const std::size_t end = line.rfind(L']');
     if (!line.starts_with(L'[') || end == line.npos) {
@@ -63,7 +63,7 @@ std::optional<std::wstring_view> SectionIn(std::wstring_view line) {
     return Trim(line.substr(1, end - 1));
 }
 
-/// The value of a key as the text has it. What stands before the first section belongs to one without a name.
+/// Finds the value of a key, unprocessed. Lines before the first section belong to the section "".
 std::optional<std::wstring_view> Find(std::wstring_view text, std::wstring_view section,
                                       std::wstring_view key) {
     bool inSection = section.empty();
@@ -90,7 +90,7 @@ std::wstring_view WithoutQuotes(std::wstring_view text) {
     return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-/// The value of a key in a file; the default when the file or the key is missing.
+/// Reads the value of a key from a file; the default when the file or the key is missing.
 std::wstring ReadValue(LPCWSTR section, LPCWSTR key, std::wstring_view defaultText, LPCWSTR path) {
     const std::wstring text = ReadText(path);
     const auto value = Find(text, Trim(section), Trim(key));
@@ -98,7 +98,7 @@ std::wstring ReadValue(LPCWSTR section, LPCWSTR key, std::wstring_view defaultTe
         WithoutQuotes(value ? *value : defaultText.substr(0, defaultText.find_last_not_of(L' ') + 1)));
 }
 
-/// The number that a text begins with, modulo 2^32: blanks, a sign, a prefix 0x, digits.
+/// Parses the number at the start of a text, modulo 2^32: blanks, a sign, a prefix 0x, digits.
 UINT ToNumber(const std::wstring& text) {
     const std::size_t digits = std::min(text.find_first_not_of(L" \t+-"), text.size());
     return static_cast<UINT>(

@@ -16,7 +16,7 @@ public:
     const DWORD m_thread = GetCurrentThreadId();
 };
 
-/// The registration, when it is one of the calling thread.
+/// Returns the registration if it belongs to the calling thread; otherwise null.
 Registration* OwnRegistration(HANDLE handle) {
     auto* registration = FromHandle<Registration>(handle);
     if (registration == nullptr || registration->m_thread != GetCurrentThreadId()) {
@@ -61,6 +61,6 @@ BOOL AvRevertMmThreadCharacteristics(HANDLE handle) {
         return FALSE;
     }
     delete registration;
-    SetLastError(ERROR_SUCCESS);  // as a call that succeeds may
+    SetLastError(ERROR_SUCCESS);  // successful calls may clear the last error
     return TRUE;
 }

@@ -15,19 +15,19 @@ namespace {
 
 constexpr std::size_t kPiece = 256;  // in units
 
-/// The converters of iconv by the encodings to and from. Opening one takes memory, so they are kept.
+/// iconv converters by target and source encoding. Opening one allocates memory, so they are cached.
 using Converters = std::map<std::pair<std::string, std::string>, iconv_t>;
 
-/// iconv's name of a code page.
+/// Returns iconv's name of a code page.
 std::string NameOf(UINT codePage) {
     constexpr UINT kAnsi = 1252;
     const UINT number = codePage == CP_ACP ? kAnsi : codePage == CP_OEMCP ? GetOEMCP() : codePage;
     return codePage == CP_UTF8 ? "UTF-8" : "CP" + std::to_string(number);
 }
 
-/// Converts a text piece by piece. A unit that iconv takes for no character becomes `replacement`.
-/// @param put  is handed the pieces of the result
-/// @return false when iconv does not know an encoding
+/// Converts a text in pieces. A unit that iconv rejects becomes `replacement`.
+/// @param put  called with each piece of the result
+/// @return false when iconv does not support an encoding
 template <typename To, typename From, typename Put>
 bool Convert(const std::string& to, const std::string& from, std::basic_string_view<From> in,
              std::basic_string_view<To> replacement, Put put) {
@@ -40,7 +40,7 @@ bool Convert(const std::string& to, const std::string& from, std::basic_string_v
         }
         converter = opened;
     }
-    auto* next = reinterpret_cast<char*>(const_cast<From*>(in.data()));  // iconv does not write there
+    auto* next = reinterpret_cast<char*>(const_cast<From*>(in.data()));  // iconv only reads it
     std::size_t left = in.size() * sizeof(From);
     while (left != 0) {
         To piece[kPiece];
@@ -73,7 +73,7 @@ bool ConvertFromWide(const std::string& to, std::wstring_view in, Put put) {
         char16_t units[kPiece];
         const std::size_t count = std::min(in.size(), kPiece);
         std::copy_n(in.begin(), count, units);
-        // A pair stays in one piece.
+        // Do not split a surrogate pair.
         const std::size_t taken = count == kPiece && isHigh(units[count - 1]) ? count - 1 : count;
         known = Convert<char>(to, "UTF-16LE", std::u16string_view(units, taken), replacement, put);
         in.remove_prefix(taken);
@@ -81,7 +81,7 @@ bool ConvertFromWide(const std::string& to, std::wstring_view in, Put put) {
     return known;
 }
 
-/// Writes into the buffer of a caller, or only counts when its size is 0.
+/// Writes to a caller's buffer, or only counts if its size is 0.
 template <typename Unit>
 class Output {
 public:
@@ -95,7 +95,7 @@ public:
         m_count += piece.size();
     }
 
-    /// What the call returns.
+    /// The return value of the Windows call.
     int Result(bool valid) const {
         if (!valid || (m_size != 0 && m_count > m_size) || m_count > INT_MAX) {
             SetLastError(valid ? ERROR_INSUFFICIENT_BUFFER : ERROR_INVALID_PARAMETER);
@@ -115,7 +115,7 @@ bool AreValid(const In* in, int inSize, const Out* out, int outSize, DWORD flags
     return in != nullptr && inSize != 0 && outSize >= 0 && (out != nullptr || outSize == 0) && flags == 0;
 }
 
-/// The text of a call: `size` units, or up to the NUL and with it.
+/// The text argument of a Windows call: `size` units, or up to and including the NUL for a negative size.
 template <typename Unit>
 std::basic_string_view<Unit> TextOf(const Unit* text, int size) {
     return {text, size >= 0 ? static_cast<std::size_t>(size) : std::char_traits<Unit>::length(text) + 1};

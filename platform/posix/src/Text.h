@@ -7,19 +7,20 @@
 
 namespace velm::posix {
 
-/// Text as UTF-16, one unit in each wchar_t.
-/// @param encoding  as iconv names it
+/// Converts text to UTF-16, one unit per wchar_t.
+/// @param encoding  iconv's name of the text's encoding
 std::wstring Wide(std::string_view text, const char* encoding = "UTF-8");
 
-/// UTF-16 as UTF-8.
+/// Converts UTF-16 to UTF-8.
 std::string Utf8(std::wstring_view text);
 
-/// A Windows path as a path of this system, in UTF-8. A path that names an existing file as it stands is left
-/// alone; otherwise every "\" in it counts as "/".
+/// Converts a Windows path to a native path in UTF-8. A path of an existing file is unchanged; otherwise
+/// every
+/// "\" becomes "/".
 std::string NativePath(LPCWSTR path);
 
-/// Copies a text as Windows does: cut to the buffer, NUL-terminated.
-/// @return the units copied, without the NUL
+/// Copies a string as Windows does: truncated to the buffer, NUL-terminated.
+/// @return units copied, without the NUL
 DWORD CopyText(std::wstring_view text, LPWSTR buffer, std::size_t units);
 
 }  // namespace velm::posix

@@ -21,7 +21,7 @@
 namespace velm::posix {
 namespace {
 
-/// What a thread and its handle share; it lives as long as either.
+/// State shared by a thread and its handle; lives as long as either.
 struct ThreadState {
     std::mutex mutex;
     std::condition_variable changed;
@@ -51,7 +51,7 @@ void* RunThread(void* parameter) {
         state->id = GetCurrentThreadId();
         state->changed.notify_all();
     }
-    // Also when pthread_exit unwinds the thread.
+    // A destructor, so that it also runs when pthread_exit unwinds the thread.
     const struct End {
         ~End() {
             const std::lock_guard lock(state.mutex);
@@ -94,7 +94,7 @@ UINT_PTR _beginthreadex(void*, unsigned int stackSize, unsigned int(WINAPI* func
         if (failed != 0) {
             return 0;
         }
-        static_cast<void>(holder.release());  // the thread has it now
+        static_cast<void>(holder.release());  // the thread owns it now
         std::unique_lock lock(state->mutex);
         state->changed.wait(lock, [&] { return state->id != 0; });
         if (threadId != nullptr) {
@@ -138,11 +138,11 @@ HRESULT SetThreadDescription(HANDLE thread, PCWSTR description) {
         return static_cast<HRESULT>(0x80004005U);
     }
     return WithinSystem(static_cast<HRESULT>(0x8007000EU), [&]() -> HRESULT {
-        constexpr std::size_t kMost = 15;
+        constexpr std::size_t kMaxNameBytes = 15;
         std::string name = Utf8(description);
-        std::size_t size = std::min(name.size(), kMost);
+        std::size_t size = std::min(name.size(), kMaxNameBytes);
         while (size < name.size() && (static_cast<unsigned char>(name[size]) & 0xC0U) == 0x80U) {
-            --size;  // a character is not cut
+            --size;  // do not split a UTF-8 sequence
         }
         name.resize(size);
         pthread_setname_np(pthread_self(), name.c_str());

@@ -34,7 +34,7 @@ struct Desktop {
     std::condition_variable changed;
     std::map<HWND, Window> windows;
     std::vector<Timer> timers;
-    std::map<DWORD, int> quitCodes;  // of threads that have a quit message
+    std::map<DWORD, int> quitCodes;  // by thread, for pending quit messages
     LONG_PTR lastHandle = 0;
 
     Window* Find(HWND handle) {
@@ -46,7 +46,7 @@ struct Desktop {
         return &found->second;
     }
 
-    /// The timer of a thread that comes first; null when it has none.
+    /// Returns the thread's timer that is due first; null when it has none.
     Timer* NextTimer(DWORD thread) {
         Timer* next = nullptr;
         for (Timer& timer : timers) {
@@ -57,7 +57,7 @@ struct Desktop {
         return next;
     }
 
-    /// The message that a thread finds now.
+    /// Removes and returns the calling thread's next message, if one is pending.
     std::optional<MSG> TakeMessage() {
         const DWORD thread = GetCurrentThreadId();
         MSG message{};
@@ -80,7 +80,7 @@ struct Desktop {
     }
 };
 
-/// @return the units copied, without the NUL
+/// @return units copied, without the NUL
 int GiveText(const std::wstring& text, LPWSTR buffer, int size) {
     if (buffer == nullptr || size <= 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);

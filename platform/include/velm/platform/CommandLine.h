@@ -5,18 +5,17 @@
 
 namespace velm::platform {
 
-/// The arguments of the process, its own name first, in UTF-8 whatever the system's code page, and a console
-/// that is set to show UTF-8. Called once, from main.
+/// Returns the arguments of the process, program name first, in UTF-8 whatever the system's code page, and
+/// sets the console to UTF-8. Call once, from main.
 std::vector<std::string> Utf8CommandLine(int argc, char** argv);
 
-/// A file's name as the C library's narrow calls take it; empty when they cannot.
+/// Converts a file name to the encoding that fopen expects; "" when it cannot be represented.
 std::string NarrowFileName(const std::string& utf8);
 
 /// Whether standard output goes to a terminal.
 bool OutputIsTerminal();
 
-/// Whether standard output goes to a terminal that shows colours, and the user has not turned them off with
-/// the environment variable NO_COLOR.
+/// Whether standard output goes to a terminal with colours and the environment variable NO_COLOR is not set.
 bool OutputTakesColors();
 
 }  // namespace velm::platform

@@ -8,7 +8,7 @@
 
 namespace velm::platform {
 
-/// Gives back the one reference that a pointer holds.
+/// Releases a pointer's reference.
 struct InterfaceReleaser {
     void operator()(IUnknown* object) const { object->Release(); }
 };
@@ -16,7 +16,7 @@ struct InterfaceReleaser {
 template <typename Interface>
 using InterfacePtr = std::unique_ptr<Interface, InterfaceReleaser>;
 
-/// The system's Direct3D 9; empty where it has none.
+/// Creates the system's Direct3D 9 object; null when there is none.
 InterfacePtr<IDirect3D9> CreateDirect3D9();
 
 struct WindowCloser {
@@ -25,13 +25,13 @@ struct WindowCloser {
 
 using WindowPtr = std::unique_ptr<std::remove_pointer_t<HWND>, WindowCloser>;
 
-/// A window to draw in; empty when there can be none. It belongs to the calling thread.
-/// @param title  in UTF-8
-/// @param width, height  of its inner area, in pixels
-/// @param visible  whether it is shown
+/// Creates a window to draw in, owned by the calling thread; null on failure.
+/// @param title  UTF-8
+/// @param width, height  of the client area, in pixels
+/// @param visible  whether the window is shown
 WindowPtr CreateDrawingWindow(const char* title, int width, int height, bool visible);
 
-/// Hands out the messages that wait for the calling thread's windows.
+/// Dispatches the pending messages of the calling thread's windows.
 void PumpMessages();
 
 }  // namespace velm::platform

@@ -4,16 +4,16 @@
 
 namespace velm::platform {
 
-/// The system under the libraries, with its version.
+/// Returns name and version of the operating system.
 std::string SystemName();
 
-/// A library of the process as the system loaded it; both are empty when it is not there or does not say.
+/// The file of a loaded library; a member is empty when it is unknown or the library is not loaded.
 struct LibraryFile {
     std::string path;  ///< UTF-8
     std::string version;
 };
 
-/// Looks a loaded library up by the name it was built under, such as "VelmUtil".
+/// Finds a loaded library by its target name, such as "VelmUtil".
 LibraryFile FindLibrary(const std::string& name);
 
 }  // namespace velm::platform

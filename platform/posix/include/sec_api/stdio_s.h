@@ -1,5 +1,5 @@
 /// @file
-/// What Windows' C runtime adds to <stdio.h>.
+/// Windows' additions to <stdio.h>.
 #pragma once
 
 #include <cstdarg>
@@ -8,10 +8,10 @@
 
 extern "C" {
 
-/// @return 0, or the error number; `*file` is then null
+/// @return 0; otherwise the error number, with `*file` null
 int fopen_s(std::FILE** file, const char* path, const char* mode);
 
-/// @return the characters written; negative when the buffer is too small
+/// @return characters written, without the NUL; negative when they do not fit
 int _vsnprintf(char* buffer, std::size_t size, const char* format, std::va_list arguments);
 
 }  // extern "C"

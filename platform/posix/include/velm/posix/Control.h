@@ -1,5 +1,6 @@
 /// @file
-/// How tests steer the Linux stand-ins for Windows' interfaces. Everything here may be used from any thread.
+/// Controls the Linux implementation of the Windows interfaces, for tests.
+/// Threads: any.
 #pragma once
 
 #include <windows.h>
@@ -9,32 +10,32 @@
 
 namespace velm::posix {
 
-/// Makes calls of one Windows function fail, in the way that function reports failure.
-/// @param name  the function's name, such as "CreateFileW"
-/// @param lastError  what GetLastError returns afterwards
-/// @param skip  how many calls succeed first
-/// @param count  how many calls fail then
+/// Makes calls of a Windows function fail the way that function reports failure.
+/// @param name  function name, such as "CreateFileW"
+/// @param lastError  result of GetLastError afterwards
+/// @param skip  number of calls that still succeed
+/// @param count  number of calls that then fail
 void FailCall(const char* name, DWORD lastError, unsigned int skip = 0, unsigned int count = 1);
 
-/// Starts a record of the calls made, failed ones included.
+/// Starts recording calls, including failed ones.
 void StartRecording();
 
-/// The names of the calls since StartRecording, in order.
+/// Returns the names of the calls since StartRecording, in order.
 std::vector<std::string> RecordedCalls();
 
-/// What a call that shows or writes something was handed: its texts, and its numbers without the handles,
-/// each in the order of the parameters.
+/// The arguments of a call that shows or writes something: its strings, and its numbers without the handles,
+/// in parameter order.
 struct ShownCall {
     std::string name;
     std::vector<std::wstring> texts;
     std::vector<long long> numbers;
 };
 
-/// The calls of MessageBoxW, SetWindowTextW, TextOutW, LoadImageW, OutputDebugStringW and
-/// AvSetMmThreadPriority that succeeded since StartRecording, in order.
+/// Returns the successful calls of MessageBoxW, SetWindowTextW, TextOutW, LoadImageW, OutputDebugStringW and
+/// AvSetMmThreadPriority since StartRecording, in order.
 std::vector<ShownCall> ShownCalls();
 
-/// A display device, as EnumDisplayDevicesW and a device context of its name give it.
+/// A display device, as reported by EnumDisplayDevicesW and GetDeviceCaps.
 struct Display {
     std::wstring name;
     DWORD stateFlags = 0;
@@ -42,25 +43,25 @@ struct Display {
     int height = 0;
 };
 
-/// Sets the display devices, none at first.
+/// Sets the display devices; none by default.
 void SetDisplays(std::vector<Display> displays);
 
-/// How many device contexts are open.
+/// Returns the number of open device contexts.
 unsigned int OpenDeviceContexts();
 
-/// How many handles are open.
+/// Returns the number of open handles.
 unsigned int OpenHandles();
 
-/// Sets the path of the process's executable.
+/// Overrides the path of the executable.
 void SetExecutablePath(const std::wstring& path);
 
-/// Gives the clock a fixed reading and frequency.
+/// Fixes the performance counter's reading and frequency.
 void SetPerformanceCounter(unsigned long long count, unsigned long long frequency);
 
-/// Sets the system's OEM code page, 437 at first.
+/// Sets the system's OEM code page; 437 by default.
 void SetOemCodePage(UINT codePage);
 
-/// Takes back everything above.
+/// Undoes everything above.
 void Reset();
 
 }  // namespace velm::posix
