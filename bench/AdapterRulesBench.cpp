@@ -49,9 +49,9 @@ void MeasureAdapterRules(Suite& suite) {
     constexpr std::size_t kRules[] = {10, 100, 1000, 10000};
     for (const std::size_t rules : kRules) {
         const std::string times = std::to_string(rules);
-        suite.Compare("Adapter rules", "check of " + times + " rules",
+        suite.Compare("Adapter rules", "checking " + times + " rules",
                       Check(times + " rules", rules, context, 1),
-                      {{Check("a check of one rule, " + times + " times", 1, context, rules), 0.9}});
+                      {{Check("checking one rule " + times + " times", 1, context, rules), 0.9}});
     }
     suite.Grow(
         "Adapter rules: a check", "rules", Growth::kWithSize, {1, 10, 100, 1000, 10000},

@@ -137,8 +137,7 @@ void MeasureGrowth(Suite& suite) {
     }
     constexpr unsigned int kSmallBlock = 64;
     suite.Grow(
-        "AudioStream: a block of 256 bytes through a ring, half full", "bytes of the ring", Growth::kNone,
-        sizes,
+        "AudioStream: a 256-byte block through a half-full ring", "bytes of the ring", Growth::kNone, sizes,
         [&](double size) -> std::vector<Contender> {
             const auto samples = static_cast<unsigned int>(size) / kSampleSize;
             const auto ring = std::make_shared<AudioStream>(samples, 2U, 16U);

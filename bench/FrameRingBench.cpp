@@ -107,7 +107,7 @@ Contender Through(std::string name, unsigned int threads, unsigned int cores, st
 
 void MeasureFrameRing(Suite& suite) {
     const std::size_t frames = suite.IsShort() ? 50 : 5000;
-    const char* const kSemaphores = "three semaphores of mutex and condition";
+    const char* const kSemaphores = "three mutex/condition-variable semaphores";
     {
         std::vector<Peer> peers{{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 2, frames), 5.0}};
         const char* const kQueue = "moodycamel::BlockingReaderWriterCircularBuffer";

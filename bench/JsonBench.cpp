@@ -42,7 +42,7 @@ void MeasureJson(Suite& suite) {
         picojson::parse(value, text.begin(), text.end(), &error);
         Keep(&value);
     });
-    suite.Compare("JSON", "10 MB, read from a file and parsed", ours, {{picojson, 0.9}});
+    suite.Compare("JSON", "10 MB read from a file and parsed", ours, {{picojson, 0.9}});
 }
 
 }  // namespace velm::bench

@@ -56,10 +56,10 @@ void MeasureLoading(Suite& suite) {
             return;
         }
     }
-    const std::string against = "an empty one of the same runtime";
+    const std::string against = "an empty DLL with the same runtime";
     suite.Limit("Libraries", "loading both into a new process", against, MedianOf(ours) / MedianOf(empty),
                 2.0, "times");
-    suite.Limit("Libraries", "loading two empty ones", against, MedianOf(twoEmpty) / MedianOf(empty), 0,
+    suite.Limit("Libraries", "loading two empty DLLs", against, MedianOf(twoEmpty) / MedianOf(empty), 0,
                 "times");
 }
 

@@ -62,13 +62,13 @@ Contender ReadLong(std::size_t size) {
 }  // namespace
 
 void MeasureLinks(Suite& suite) {
-    const Contender expressions = Repeat("std::regex, built for each link", [] {
+    const Contender expressions = Repeat("std::regex compiled per link", [] {
         for (const std::string& link : kLinks) {
             ReadByExpressions(link);
         }
     });
-    suite.Compare("UrlSchemeUtil", "read, a good link and a bad one", Repeat("UrlSchemeUtil::read", ReadBoth),
-                  {{expressions, 0.8}});
+    suite.Compare("UrlSchemeUtil", "read, one valid and one invalid link",
+                  Repeat("UrlSchemeUtil::read", ReadBoth), {{expressions, 0.8}});
     suite.Grow(
         "UrlSchemeUtil: read", "bytes of the link", Growth::kWithSize, {50, 100, 1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> { return {ReadLong(static_cast<std::size_t>(size))}; },

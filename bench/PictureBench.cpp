@@ -163,7 +163,7 @@ Peer Swscale(const SharedFrame& frame) {
 }
 
 Peer LoadStoreLimit(const SharedFrame& frame, double required) {
-    const std::string name = "load and store alone";
+    const std::string name = "loads and stores alone";
     static constexpr yuv::Kernel kLoadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStore};
     if (kLoadAndStore.needs > yuv::GetCpuLevel()) {
         return Missing(name, "a processor with AVX-512", required);

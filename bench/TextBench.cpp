@@ -38,7 +38,7 @@ Contender BareCalls(const std::string& text) {
 /// them.
 Contender BareCallsAndMemory(const std::string& text) {
     const int size = static_cast<int>(text.size());
-    return Repeat("the same calls into new memory", [=] {
+    return Repeat("the same calls into new buffers", [=] {
         const int units = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
         const std::unique_ptr<wchar_t[]> wide(new wchar_t[static_cast<std::size_t>(units)]);
         MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.get(), units);

@@ -57,7 +57,7 @@ Contender Ours(const std::string& url) {
 
 /// Builds the expression and matches it, as a parser without a scan of its own would. Splits no parameters.
 Contender Expression(const std::string& url) {
-    return Repeat("std::regex, built for each URL, without parameters", [url] {
+    return Repeat("std::regex compiled per URL, no parameters", [url] {
         const std::regex expression(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
         std::smatch match;
         Keep(std::regex_match(url, match, expression));
@@ -66,7 +66,7 @@ Contender Expression(const std::string& url) {
 }
 
 Peer Uriparser(const std::string& url, double required) {
-    const std::string name = "uriparser, with its list of parameters";
+    const std::string name = "uriparser, with parameters";
 #ifdef VELM_BENCH_URIPARSER
     return {Repeat(
                 name,
@@ -96,7 +96,7 @@ Peer Uriparser(const std::string& url, double required) {
 }
 
 Peer Curl(const std::string& url, double required) {
-    const std::string name = "libcurl, which splits no parameters";
+    const std::string name = "libcurl, no parameters";
 #ifdef VELM_BENCH_CURL
     return {Repeat(
                 name,

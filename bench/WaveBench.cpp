@@ -96,7 +96,7 @@ Peer Sndfile(const std::shared_ptr<WaveFile>& file, double required) {
 
 /// What the system takes to hand out the bytes, to a reader with a buffer as large as ours.
 Peer ReadAlone(const std::shared_ptr<WaveFile>& file) {
-    return {Repeat("read alone, 64 KB at once", [file] {
+    return {Repeat("read() alone, 64 KB at a time", [file] {
         const int descriptor = open(file->Name(), O_RDONLY);
         static char buffer[64 * 1024];
         while (read(descriptor, buffer, sizeof buffer) > 0) {
@@ -106,9 +106,9 @@ Peer ReadAlone(const std::shared_ptr<WaveFile>& file) {
     })};
 }
 
-/// What a reader without that copy would take: blocks out of a mapping of the file.
+/// What a reader without that copy would take: blocks from a memory-mapped file.
 Peer Mapping(const std::shared_ptr<WaveFile>& file) {
-    return {Repeat("blocks out of a mapping of the file", [file] {
+    return {Repeat("blocks from a memory-mapped file", [file] {
         const auto size = static_cast<std::size_t>(std::filesystem::file_size(file->Name()));
         const int descriptor = open(file->Name(), O_RDONLY);
         void* const mapping = mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor, 0);
@@ -141,7 +141,7 @@ void MeasureSkip(Suite& suite) {
         }
         std::fclose(stream);
     });
-    suite.Compare("WaveFileReadHelper", "skip of a chunk of 100 MB", ours, {{stdio, 1.0}});
+    suite.Compare("WaveFileReadHelper", "skipping a 100 MB chunk", ours, {{stdio, 1.0}});
 }
 
 }  // namespace
