@@ -1,4 +1,4 @@
-// A JSON file, read and parsed, against picojson on the same text in memory.
+// Reading and parsing a JSON file, against picojson on the same text in memory.
 #include <cstdio>
 #include <fstream>
 #include <memory>

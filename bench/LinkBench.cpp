@@ -1,5 +1,4 @@
-// UrlSchemeUtil::read with a link that is accepted and one that is not, against the standard library's
-// expressions.
+// UrlSchemeUtil::read with one accepted and one refused link, against std::regex.
 #include <iterator>
 #include <memory>
 #include <regex>
@@ -27,7 +26,7 @@ void ReadBoth() {
     }
 }
 
-/// The expressions of the links, and for a link that matches those of the services.
+/// Does the work of `read` with std::regex: the link patterns, then the service patterns if one matches.
 void ReadByExpressions(const std::string& link) {
     const auto expressionOf = [](std::string_view scrambled) { return std::regex(Unscramble(scrambled)); };
     std::vector<std::regex> expressions;
@@ -47,7 +46,7 @@ void ReadByExpressions(const std::string& link) {
     Keep(matches);
 }
 
-/// A link whose address grows.
+/// Reads a link of `size` bytes, most of them in the address.
 Contender ReadLong(std::size_t size) {
     std::string link = "velm://connect/play.velm.example/";
     link.append(size > link.size() ? size - link.size() : 0, 'a');
