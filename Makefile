@@ -1,34 +1,34 @@
-# Thin, over the presets of CMakePresets.json.
+# Shortcuts for the scripts and presets.
 .PHONY: demo demo-linux test bench fuzz mutants package docs lint setup clean
 
-demo: setup ## build for Windows and run a job of every family under Wine
+demo: setup ## build for Windows and run a job from every family under Wine
 	@scripts/demo windows
 
 demo-linux: setup ## the same, natively
 	@scripts/demo linux
 
-test: setup ## the tests of every preset, under the sanitizers and under Wine; each benchmark and fuzzer for a moment
+test: setup ## run the tests of every preset, including sanitizers and Wine; each benchmark and fuzz target briefly
 	@scripts/setup bench
 	@scripts/test
 
-bench: setup ## measure against other libraries, draw docs/performance.svg and fill in docs/performance.md
+bench: setup ## measure against other libraries; update docs/performance.md and its charts
 	@scripts/setup bench
 	@scripts/bench
 
-fuzz: setup ## each fuzz target for MINUTES, 1 unless given
+fuzz: setup ## run each fuzz target for MINUTES, 1 by default
 	@scripts/fuzz $$((60 * $(or $(MINUTES),1)))
 
-mutants: setup ## change src/ in COUNT places, 300 unless given, one at a time: do the tests notice?
+mutants: setup ## mutation testing with COUNT mutants, 300 by default
 	@scripts/mutants --count $(or $(COUNT),300)
 
-package: setup ## the release archives of both platforms, each used once from another folder
+package: setup ## build the release archives of both platforms, and try each out in another folder
 	@scripts/package
 
-docs: setup ## the reference and the guides as a site, build/docs/html/index.html
+docs: setup ## build the site of the reference and the guides, build/docs/html/index.html
 	@scripts/setup docs
 	@scripts/docs
 
-lint: setup ## formatting, clang-tidy, and warnings of the three compilers
+lint: setup ## check formatting, clang-tidy, and warnings of three compilers
 	@scripts/setup lint
 	@scripts/lint
 

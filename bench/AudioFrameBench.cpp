@@ -1,4 +1,4 @@
-// Writing an audio frame and reading it, against the copy and the stores that it takes.
+// Writing and reading an audio frame, against the bare copy and stores that this needs.
 #include <cstring>
 
 #include "Families.h"
@@ -28,11 +28,11 @@ void MeasureAudioFrame(Suite& suite) {
         kShort);
     unsigned char frame[kHeader + kSize];
     std::size_t size = kSize;
-    Keep(&size);  // of a constant the compiler would make a slower copy of its own
+    Keep(&size);  // for a constant size the compiler inlines a slower copy
     const Contender limit = Repeat(
         "one memcpy and 6 stores",
         [&] {
-            Keep(&frame);  // the header's bytes stay single stores
+            Keep(&frame);  // keeps the header's bytes as single stores
             auto* const header = static_cast<volatile unsigned char*>(frame);
             header[0] = kHeader;
             header[1] = 0;

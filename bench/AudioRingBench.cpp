@@ -1,4 +1,4 @@
-// AudioStream against other rings, and against the copies that no ring can do without.
+// AudioStream against other rings, and against the two copies that every ring needs.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -13,7 +13,7 @@
 #include <jack/ringbuffer.h>
 #endif
 #ifdef VELM_BENCH_PORTAUDIO
-// Debian's libportaudio.a holds the ring, its headers do not.
+// Debian's libportaudio.a contains the ring, but its headers do not declare it.
 extern "C" {
 long PaUtil_InitializeRingBuffer(void* ring, long elementSize, long elementCount, void* storage);
 long PaUtil_WriteRingBuffer(void* ring, const void* elements, long elementCount);
@@ -25,10 +25,10 @@ namespace velm::bench {
 namespace {
 
 constexpr unsigned int kSampleSize = 4;  // bytes: stereo, 16 bits
-constexpr unsigned int kSlots = 4096;    // some rings want a power of two
+constexpr unsigned int kSlots = 4096;    // some rings need a power of two
 constexpr unsigned int kBlock = 480;
 
-/// The samples that go in and those that come out.
+/// The samples pushed, and a buffer for those taken.
 struct Samples {
     alignas(64) unsigned char in[kBlock * kSampleSize];
     alignas(64) unsigned char out[kBlock * kSampleSize];
@@ -38,7 +38,7 @@ Peer PortAudio(Samples& data, unsigned int count, double required) {
     const std::string name = "PortAudio's ring";
 #ifdef VELM_BENCH_PORTAUDIO
     struct Ring {
-        alignas(64) unsigned char state[256];  // the library's own; it needs less
+        alignas(64) unsigned char state[256];  // opaque; the library needs less
         unsigned char storage[kSlots * kSampleSize];
     };
     const auto ring = std::make_shared<Ring>();
@@ -98,8 +98,8 @@ Peer Boost(Samples& data, unsigned int count, double required) {
 #endif
 }
 
-/// Through storage of the rings' size, block after block, all on whole cache lines.
-/// @param bytes  of a block; not a constant, which the compiler would take for a slower copy of its own
+/// Copies blocks through storage of the rings' size, each aligned to cache lines.
+/// @param bytes  the block size; not a constant, for which the compiler would inline a slower copy
 Contender TwoCopies(Samples& data, std::size_t bytes) {
     struct Storage {
         alignas(64) unsigned char bytes[kSlots * kSampleSize];
@@ -129,7 +129,7 @@ Contender Ours(AudioStream& ring, Samples& data, unsigned int count) {
         kShort);
 }
 
-/// A ring that is half full of samples, so that what goes through it passes all of its storage.
+/// Rings of growing size, kept half full so that the blocks pass through all of the storage.
 void MeasureGrowth(Suite& suite) {
     std::vector<double> sizes;
     for (double size = 1 << 10; size <= 1 << 26; size *= 4) {
@@ -137,8 +137,7 @@ void MeasureGrowth(Suite& suite) {
     }
     constexpr unsigned int kSmallBlock = 64;
     suite.Grow(
-        "AudioStream: a block of 256 bytes through a ring, half full", "bytes of the ring", Growth::kNone,
-        sizes,
+        "AudioStream: a 256-byte block through a half-full ring", "bytes of the ring", Growth::kNone, sizes,
         [&](double size) -> std::vector<Contender> {
             const auto samples = static_cast<unsigned int>(size) / kSampleSize;
             const auto ring = std::make_shared<AudioStream>(samples, 2U, 16U);

@@ -1,4 +1,4 @@
-// A library of the same runtime that does nothing: what loading any costs.
+// A DLL with the same runtime that does nothing: the minimum cost of loading one.
 #include <windows.h>
 
 #include <string>

@@ -11,7 +11,7 @@ struct Family {
     void (*run)(Suite& suite);
 };
 
-/// What can be measured on this system.
+/// The families that can be measured on this platform.
 std::span<const Family> GetFamilies();
 
 void MeasureAdapterRules(Suite& suite);

@@ -1,5 +1,5 @@
 /// @file
-/// The library's frame ring, one over other semaphores, and how frames pass through rings.
+/// Our frame ring, the same ring over other semaphores, and the code that passes frames through either.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ constexpr unsigned int kFrameSamples = 480;
 constexpr unsigned int kFrameBytes = 1920;
 constexpr unsigned int kFrames = 4;
 
-/// The library's own ring.
+/// AudioFrameStream itself.
 class OurRing {
 public:
     OurRing() { m_stream.Initialize(); }
@@ -25,7 +25,7 @@ private:
     AudioFrameStream m_stream{kFrameSamples, kFrames, 2, 16};
 };
 
-/// AudioFrameStream as it would be over semaphores of the kind `Sem`.
+/// AudioFrameStream's algorithm over semaphores of type `Sem`.
 template <typename Sem>
 class RingOver {
 public:
@@ -52,9 +52,9 @@ private:
     Sem m_lock{1};
 };
 
-/// Passes frames from half of the threads to the other half; this thread is the first. One thread alone
-/// pushes and takes by turns.
-/// @param place  called on every thread with its number, to put it on a processor
+/// Passes frames from half of the threads to the other half; the calling thread is number 0. A single thread
+/// alternates between push and take.
+/// @param place  called on every thread with its number, to pin it to a processor
 template <typename Ring, typename Place>
 void Pass(Ring& ring, std::size_t frames, unsigned int threads, Place place) {
     const auto push = [&ring](std::size_t count) {
@@ -78,7 +78,7 @@ void Pass(Ring& ring, std::size_t frames, unsigned int threads, Place place) {
         return;
     }
     const std::size_t pairs = threads / 2;
-    // The last of each side passes what does not divide.
+    // The last pair takes the remainder.
     const auto share = [&](std::size_t pair) {
         return frames / pairs + (pair + 1 == pairs ? frames % pairs : 0);
     };

@@ -1,5 +1,5 @@
-// AudioFrameStream between threads, against the same ring over semaphores of a mutex and a condition, and
-// against a queue that blocks.
+// AudioFrameStream between threads, against the same ring over semaphores built from a mutex and a condition
+// variable, and against a blocking queue.
 #include <pthread.h>
 #include <sched.h>
 
@@ -67,8 +67,8 @@ std::vector<int> Processors() {
     return processors;
 }
 
-/// While it lives, `Place` puts threads on the first `cores` processors in turn, and this thread moves with
-/// them.
+/// `Place` pins threads round-robin to the first `cores` processors. The destructor restores the affinity of
+/// the thread that created the object.
 class Placement {
 public:
     explicit Placement(unsigned int cores) : m_cores(cores) {
@@ -107,7 +107,7 @@ Contender Through(std::string name, unsigned int threads, unsigned int cores, st
 
 void MeasureFrameRing(Suite& suite) {
     const std::size_t frames = suite.IsShort() ? 50 : 5000;
-    const char* const kSemaphores = "three semaphores of mutex and condition";
+    const char* const kSemaphores = "three mutex/condition-variable semaphores";
     {
         std::vector<Peer> peers{{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 2, frames), 5.0}};
         const char* const kQueue = "moodycamel::BlockingReaderWriterCircularBuffer";

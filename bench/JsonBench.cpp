@@ -1,4 +1,4 @@
-// A JSON file, read and parsed, against picojson on the same text in memory.
+// Reading and parsing a JSON file, against picojson on the same text in memory.
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -42,7 +42,7 @@ void MeasureJson(Suite& suite) {
         picojson::parse(value, text.begin(), text.end(), &error);
         Keep(&value);
     });
-    suite.Compare("JSON", "10 MB, read from a file and parsed", ours, {{picojson, 0.9}});
+    suite.Compare("JSON", "10 MB read from a file and parsed", ours, {{picojson, 0.9}});
 }
 
 }  // namespace velm::bench

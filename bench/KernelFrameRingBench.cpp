@@ -1,4 +1,4 @@
-// AudioFrameStream between two threads, against the same ring over the semaphores of the Windows kernel.
+// AudioFrameStream between two threads, against the same ring over Windows kernel semaphores.
 #include <windows.h>
 
 #include <memory>

@@ -1,4 +1,4 @@
-// What the two libraries weigh, and what loading them into a new process costs.
+// The size of the two libraries, and the cost of loading them into a new process.
 #include <windows.h>
 
 #include <cstdio>
@@ -13,14 +13,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The folder of the stripped libraries and of the program that loads one.
+/// The folder that has the stripped libraries and the program that loads them.
 fs::path Folder() {
     wchar_t path[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     return fs::path(path).parent_path() / L"bench";
 }
 
-/// Seconds that a new process takes to load libraries; 0 when it cannot.
+/// Seconds that a new process takes to load the libraries; 0 if it cannot.
 double Load(std::initializer_list<const wchar_t*> libraries) {
     const fs::path folder = Folder();
     std::wstring command = L"\"" + (folder / L"load_library.exe").wstring() + L"\"";
@@ -56,10 +56,10 @@ void MeasureLoading(Suite& suite) {
             return;
         }
     }
-    const std::string against = "an empty one of the same runtime";
+    const std::string against = "an empty DLL with the same runtime";
     suite.Limit("Libraries", "loading both into a new process", against, MedianOf(ours) / MedianOf(empty),
                 2.0, "times");
-    suite.Limit("Libraries", "loading two empty ones", against, MedianOf(twoEmpty) / MedianOf(empty), 0,
+    suite.Limit("Libraries", "loading two empty DLLs", against, MedianOf(twoEmpty) / MedianOf(empty), 0,
                 "times");
 }
 

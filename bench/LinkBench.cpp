@@ -1,5 +1,4 @@
-// UrlSchemeUtil::read with a link that is accepted and one that is not, against the standard library's
-// expressions.
+// UrlSchemeUtil::read with one accepted and one refused link, against std::regex.
 #include <iterator>
 #include <memory>
 #include <regex>
@@ -27,7 +26,7 @@ void ReadBoth() {
     }
 }
 
-/// The expressions of the links, and for a link that matches those of the services.
+/// Does the work of `read` with std::regex: the link patterns, then the service patterns if one matches.
 void ReadByExpressions(const std::string& link) {
     const auto expressionOf = [](std::string_view scrambled) { return std::regex(Unscramble(scrambled)); };
     std::vector<std::regex> expressions;
@@ -47,7 +46,7 @@ void ReadByExpressions(const std::string& link) {
     Keep(matches);
 }
 
-/// A link whose address grows.
+/// Reads a link of `size` bytes, most of them in the address.
 Contender ReadLong(std::size_t size) {
     std::string link = "velm://connect/play.velm.example/";
     link.append(size > link.size() ? size - link.size() : 0, 'a');
@@ -62,13 +61,13 @@ Contender ReadLong(std::size_t size) {
 }  // namespace
 
 void MeasureLinks(Suite& suite) {
-    const Contender expressions = Repeat("std::regex, built for each link", [] {
+    const Contender expressions = Repeat("std::regex compiled per link", [] {
         for (const std::string& link : kLinks) {
             ReadByExpressions(link);
         }
     });
-    suite.Compare("UrlSchemeUtil", "read, a good link and a bad one", Repeat("UrlSchemeUtil::read", ReadBoth),
-                  {{expressions, 0.8}});
+    suite.Compare("UrlSchemeUtil", "read, one valid and one invalid link",
+                  Repeat("UrlSchemeUtil::read", ReadBoth), {{expressions, 0.8}});
     suite.Grow(
         "UrlSchemeUtil: read", "bytes of the link", Growth::kWithSize, {50, 100, 1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> { return {ReadLong(static_cast<std::size_t>(size))}; },

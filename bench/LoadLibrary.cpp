@@ -1,5 +1,5 @@
-// Loads a library into this new process: load_library PATH. Exits with the nanoseconds / 100 that it took; 0
-// when it cannot be loaded.
+// Loads libraries into this new process: load_library PATH ... The exit code is the time taken in units of
+// 100 ns, or 0 if one cannot be loaded.
 #include <windows.h>
 
 int wmain(int argc, wchar_t** argv) {

@@ -8,11 +8,12 @@ namespace velm::bench {
 namespace {
 
 int Usage() {
-    std::fprintf(stderr,
-                 "usage: velm_bench [--rounds N] [--family NAME] [--json FILE] [--short]\n"
-                 "Measures the libraries against what else does their work, in turns; the medians count.\n"
-                 "--short runs every case once, on little work; its figures mean nothing.\n"
-                 "Families:");
+    std::fprintf(
+        stderr,
+        "usage: velm_bench [--rounds N] [--family NAME] [--json FILE] [--short]\n"
+        "Measures the libraries against their peers, interleaved; each figure is the median of all rounds.\n"
+        "--short runs every case once on a small amount of work; its figures mean nothing.\n"
+        "Families:");
     for (const Family& family : GetFamilies()) {
         std::fprintf(stderr, " %s", family.name);
     }
@@ -54,7 +55,7 @@ int main(int argc, char** argv) {
         if (argument == "--short") {
             options.shortly = true;
             options.rounds = 1;
-            options.turnSeconds = 1e-6;
+            options.roundSeconds = 1e-6;
         } else if (argument == "--rounds" && value != nullptr && std::atoi(value) > 0) {
             options.rounds = std::atoi(argv[++i]);
         } else if (argument == "--family" && value != nullptr && IsFamily(value)) {

@@ -1,5 +1,5 @@
-// Google Benchmark finds out how often the work fits a turn, mixes the turns of all contenders and takes the
-// time.
+// Google Benchmark picks the number of iterations per round, interleaves the rounds of all contenders and
+// times them.
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -9,10 +9,10 @@
 namespace velm::bench {
 namespace {
 
-/// Keeps the times of the turns and prints nothing.
-class TurnReporter : public benchmark::BenchmarkReporter {
+/// Collects the time of every round; prints nothing.
+class RoundReporter : public benchmark::BenchmarkReporter {
 public:
-    explicit TurnReporter(Clock clock) : m_clock(clock) {}
+    explicit RoundReporter(Clock clock) : m_clock(clock) {}
 
     bool ReportContext(const Context&) override { return true; }
 
@@ -21,22 +21,22 @@ public:
             if (run.run_type == Run::RT_Iteration) {
                 const double seconds =
                     m_clock == Clock::kThread ? run.cpu_accumulated_time : run.real_accumulated_time;
-                m_turns[run.run_name.function_name].push_back(seconds / static_cast<double>(run.iterations));
+                m_rounds[run.run_name.function_name].push_back(seconds / static_cast<double>(run.iterations));
             }
         }
     }
 
-    double Median(const std::string& name) const { return MedianOf(m_turns.at(name)); }
+    double Median(const std::string& name) const { return MedianOf(m_rounds.at(name)); }
 
 private:
     Clock m_clock;
-    std::map<std::string, std::vector<double>> m_turns;
+    std::map<std::string, std::vector<double>> m_rounds;
 };
 
 void Configure(const Options& options) {
     std::vector<std::string> arguments{"velm_bench", "--benchmark_enable_random_interleaving=true",
                                        "--benchmark_repetitions=" + std::to_string(options.rounds),
-                                       "--benchmark_min_time=" + std::to_string(options.turnSeconds)};
+                                       "--benchmark_min_time=" + std::to_string(options.roundSeconds)};
     std::vector<char*> pointers;
     for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
@@ -53,7 +53,7 @@ std::vector<double> Measure(const std::vector<Contender>& contenders, const Opti
         auto* const entry =
             benchmark::RegisterBenchmark(contender.name.c_str(), [&contender](benchmark::State& state) {
                 contender.prepare();
-                contender.run(1);  // the caches are this contender's now
+                contender.run(1);  // warms the caches
                 while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(contender.batch))) {
                     contender.run(contender.batch);
                 }
@@ -62,7 +62,7 @@ std::vector<double> Measure(const std::vector<Contender>& contenders, const Opti
             entry->UseRealTime();
         }
     }
-    TurnReporter reporter(clock);
+    RoundReporter reporter(clock);
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::ClearRegisteredBenchmarks();
     std::vector<double> medians;

@@ -1,5 +1,5 @@
-// Debian has no Google Benchmark for Windows: what it does for the Linux rows is done here by hand, with the
-// performance counter.
+// Does with the performance counter what Google Benchmark does on Linux: Debian has no Google Benchmark for
+// Windows.
 #include <windows.h>
 
 #include <algorithm>
@@ -17,9 +17,9 @@ double Now() {
     return static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-double TimeTurn(const Contender& contender, std::size_t batches) {
+double TimeRound(const Contender& contender, std::size_t batches) {
     contender.prepare();
-    contender.run(1);  // the caches are this contender's now
+    contender.run(1);  // warms the caches
     const double start = Now();
     for (std::size_t i = 0; i < batches; ++i) {
         contender.run(contender.batch);
@@ -29,21 +29,21 @@ double TimeTurn(const Contender& contender, std::size_t batches) {
 
 }  // namespace
 
-// The threads' own times have a resolution of milliseconds at best, so both clocks are the wall's.
+// Thread times have a resolution of milliseconds at best, so both clocks are wall-clock time.
 std::vector<double> Measure(const std::vector<Contender>& contenders, const Options& options, Clock) {
     std::vector<std::size_t> batches;
     for (const Contender& contender : contenders) {
-        const double once = std::max(TimeTurn(contender, 1), 1e-9) * static_cast<double>(contender.batch);
-        batches.push_back(std::max<std::size_t>(1, static_cast<std::size_t>(options.turnSeconds / once)));
+        const double once = std::max(TimeRound(contender, 1), 1e-9) * static_cast<double>(contender.batch);
+        batches.push_back(std::max<std::size_t>(1, static_cast<std::size_t>(options.roundSeconds / once)));
     }
-    std::vector<std::vector<double>> turns(contenders.size());
+    std::vector<std::vector<double>> times(contenders.size());
     for (int round = 0; round < options.rounds; ++round) {
         for (std::size_t i = 0; i < contenders.size(); ++i) {
-            turns[i].push_back(TimeTurn(contenders[i], batches[i]));
+            times[i].push_back(TimeRound(contenders[i], batches[i]));
         }
     }
     std::vector<double> medians;
-    for (const std::vector<double>& own : turns) {
+    for (const std::vector<double>& own : times) {
         medians.push_back(MedianOf(own));
     }
     return medians;

@@ -1,5 +1,5 @@
-// The picture conversion against libyuv, swscale and the limit that memory sets, one thread, the frame
-// converted over and over.
+// Picture conversion against libyuv, swscale and the limit set by memory: one thread converts the same frame
+// over and over.
 #include <cmath>
 #include <cstdlib>
 #include <memory>
@@ -35,7 +35,7 @@ struct Size {
 
 constexpr Size kSizes[] = {{640, 360}, {1280, 720}, {1920, 1080}, {3840, 2160}};
 
-/// How many times as fast as libyuv's AVX2 path a kernel is to be.
+/// The target speed of a kernel relative to libyuv's AVX2 path.
 struct Required {
     std::string_view kernel;
     double inCache;
@@ -53,7 +53,7 @@ struct Free {
 
 using Block = std::unique_ptr<unsigned char[], Free>;
 
-/// Random bytes at an address that suits every kernel.
+/// Random bytes, page-aligned.
 Block AllocateRandom(std::size_t size) {
     constexpr std::size_t kPage = 4096;
     Block block(static_cast<unsigned char*>(std::aligned_alloc(kPage, (size + kPage - 1) / kPage * kPage)));
@@ -125,7 +125,7 @@ Contender Ours(const SharedFrame& frame) {
 
 enum class Level { kSsse3, kAvx2, kBest };
 
-/// libyuv with a choice of its paths, which is made before the time is taken.
+/// libyuv limited to one of its paths; the path is chosen before the timing starts.
 Peer Libyuv(const SharedFrame& frame, Level level, double required) {
     const std::string name = level == Level::kBest   ? "libyuv"
                              : level == Level::kAvx2 ? "libyuv, AVX2"
@@ -163,7 +163,7 @@ Peer Swscale(const SharedFrame& frame) {
 }
 
 Peer LoadStoreLimit(const SharedFrame& frame, double required) {
-    const std::string name = "load and store alone";
+    const std::string name = "loads and stores alone";
     static constexpr yuv::Kernel kLoadAndStore = {"load and store", yuv::CpuLevel::kAvx512Bw, LoadAndStore};
     if (kLoadAndStore.needs > yuv::GetCpuLevel()) {
         return Missing(name, "a processor with AVX-512", required);
@@ -171,7 +171,7 @@ Peer LoadStoreLimit(const SharedFrame& frame, double required) {
     return {Repeat(name, [frame] { frame->ConvertBy(kLoadAndStore); }), required};
 }
 
-/// Each kernel that this processor can run and that a figure is required of.
+/// Every kernel that has a target and that this processor can run.
 void MeasureKernels(Suite& suite, const SharedFrame& frame) {
     const bool inCache = frame->GetSize().FitsCache();
     for (const Required& required : kRequired) {
@@ -190,7 +190,7 @@ void MeasureKernels(Suite& suite, const SharedFrame& frame) {
     }
 }
 
-/// Pictures of 16 : 9 with these widths.
+/// The pixel counts of 16:9 pictures with these widths.
 std::vector<double> PixelsOf(std::vector<double> widths) {
     for (double& width : widths) {
         width *= width * 9 / 16;

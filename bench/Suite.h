@@ -1,5 +1,5 @@
 /// @file
-/// The rows and curves of the benchmarks, whatever measures them.
+/// The rows and curves of the benchmarks, independent of what measures them.
 #pragma once
 
 #include <picojson.h>
@@ -15,12 +15,12 @@ namespace velm::bench {
 /// One way to do a piece of work.
 struct Contender {
     std::string name;
-    std::function<void(std::size_t times)> run;  // does the work so many times
-    std::function<void()> prepare = [] {};       // before each turn, not timed
-    std::size_t batch = 1;                       // `run` is called for so many times at once
+    std::function<void(std::size_t times)> run;  // does the work `times` times
+    std::function<void()> prepare = [] {};       // before each round, not timed
+    std::size_t batch = 1;                       // the `times` of each call of `run`
 };
 
-/// The loop is part of what is called, so that a call costs short work nothing.
+/// The loop is inside the callable, so that short work does not pay for an indirect call each time.
 template <typename Work>
 Contender Repeat(std::string name, Work work, std::size_t batch = 1) {
     return {.name = std::move(name),
@@ -33,14 +33,14 @@ Contender Repeat(std::string name, Work work, std::size_t batch = 1) {
             .batch = batch};
 }
 
-/// A batch for work of nanoseconds.
+/// The batch for work that takes nanoseconds.
 constexpr std::size_t kShort = 256;
 
-/// What ours is held against.
+/// What ours is compared with.
 struct Peer {
-    Contender contender;  // without `run`: missing
-    double required = 0;  // how many times as fast ours is to be; 0: no figure is required
-    std::string lacks{};  // the package that a missing one comes with
+    Contender contender;  // without `run` if it is missing
+    double required = 0;  // the target ratio of the peer's time to ours; 0: no target
+    std::string lacks{};  // the package that provides a missing peer
 };
 
 inline Peer Missing(std::string name, std::string package, double required = 0) {
@@ -49,16 +49,16 @@ inline Peer Missing(std::string name, std::string package, double required = 0) 
             .lacks = std::move(package)};
 }
 
-/// Whose time counts: this thread's, or the wall's where several threads or the file system work.
+/// CPU time of this thread, or wall-clock time where other threads or the file system do part of the work.
 enum class Clock { kThread, kWall };
 
 enum class Growth { kWithSize, kNone };
 
 struct Options {
     int rounds = 25;
-    double turnSeconds = 0.01;
-    bool shortly = false;  // every case once, on little work: that it runs is all that is asked
-    std::string family;    // only this one, when not empty
+    double roundSeconds = 0.01;
+    bool shortly = false;  // every case once, on a small amount of work: only checks that it runs
+    std::string family;    // only this one, unless empty
 };
 
 class Suite {
@@ -68,27 +68,27 @@ public:
     bool IsShort() const { return m_options.shortly; }
     int Rounds() const { return m_options.rounds; }
 
-    /// Says that a case did not work; the program fails in the end.
+    /// Records that a case did not work, so that the program fails at the end.
     void Fail() { m_failed = true; }
     bool HasFailed() const { return m_failed; }
 
-    /// Measures ours and its peers in turns; prints, and keeps, a line for each peer.
+    /// Measures ours and its peers interleaved; prints and records a row per peer.
     void Compare(const std::string& family, const std::string& work, const Contender& ours,
                  const std::vector<Peer>& peers, Clock clock = Clock::kThread);
 
-    /// Keeps a figure that is no ratio of times, and is to be `most` at most.
+    /// Records a figure that is not a ratio of times; its target is at most `most`.
     void Limit(const std::string& family, const std::string& work, const std::string& against, double figure,
                double most, const std::string& unit);
 
-    /// Measures work of growing size, whose time is to grow with the size or, like that of a step on a larger
-    /// structure, not at all. `make` gives the contenders of a size, which live while that size is
-    /// measured. A short run stops at the first size of at least `enough`.
+    /// Measures work of growing size. Its time should grow in proportion to the size or, for a single
+    /// operation on a larger structure, not at all. `make` creates the contenders for a size, which live
+    /// while that size is measured. A short run stops at the first size of at least `enough`.
     void Grow(const std::string& curve, const std::string& unit, Growth growth,
               const std::vector<double>& sizes,
               const std::function<std::vector<Contender>(double size)>& make, double enough,
               Clock clock = Clock::kThread);
 
-    /// Everything kept, as JSON; false when it cannot be written.
+    /// Writes everything recorded as JSON; false if that fails.
     bool Write(const std::string& path) const;
 
 private:
@@ -98,13 +98,13 @@ private:
     picojson::object m_curves;
 };
 
-/// Lets the contenders take turns, interleaved.
-/// @return seconds of one run, for each the median of the rounds
+/// Measures the contenders, interleaved.
+/// @return seconds per run of each contender, as the median of the rounds
 std::vector<double> Measure(const std::vector<Contender>& contenders, const Options& options, Clock clock);
 
 double MedianOf(std::vector<double> values);
 
-/// Keeps the compiler from dropping what computes the value.
+/// Keeps the compiler from dropping the computation of the value.
 template <typename T>
 void Keep(const T& value) {
     asm volatile("" : : "r,m"(value) : "memory");

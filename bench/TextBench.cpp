@@ -1,4 +1,4 @@
-// UTF-8 to UTF-16 and back, against the calls of Windows that do it: one that measures, one that converts.
+// UTF-8 to UTF-16 and back, against the bare Windows calls: one to measure, one to convert.
 #include <windows.h>
 
 #include <memory>
@@ -10,7 +10,7 @@
 namespace velm::bench {
 namespace {
 
-/// Letters of one, two and three bytes.
+/// Text with characters of one, two and three bytes.
 std::string MakeText(std::size_t size) {
     const std::string word = "The quick brown fox \xC3\xA4\xC3\xB6\xC3\xBC \xE6\x97\xA5\xE6\x9C\xAC jumps. ";
     std::string text;
@@ -20,7 +20,7 @@ std::string MakeText(std::size_t size) {
     return text.append(size - text.size(), '.');
 }
 
-/// Into buffers that are there.
+/// Converts into existing buffers.
 Contender BareCalls(const std::string& text) {
     const int size = static_cast<int>(text.size());
     const auto wide = std::make_shared<std::wstring>(text.size() + 1, L'\0');
@@ -34,11 +34,10 @@ Contender BareCalls(const std::string& text) {
     });
 }
 
-/// Into buffers that are new each time, as a conversion that leaves its result alone when it fails needs
-/// them.
+/// Converts into new buffers each time, as it must if a failed conversion is to leave the result unchanged.
 Contender BareCallsAndMemory(const std::string& text) {
     const int size = static_cast<int>(text.size());
-    return Repeat("the same calls into new memory", [=] {
+    return Repeat("the same calls into new buffers", [=] {
         const int units = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
         const std::unique_ptr<wchar_t[]> wide(new wchar_t[static_cast<std::size_t>(units)]);
         MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.get(), units);

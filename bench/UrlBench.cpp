@@ -1,4 +1,4 @@
-// UrlParser::Parse, parameters included, against the expression of RFC 3986 in the standard library, against
+// UrlParser::Parse, including parameters, against the regular expression of RFC 3986 in std::regex, against
 // uriparser and against libcurl.
 #include <cstdint>
 #include <iterator>
@@ -18,7 +18,7 @@
 namespace velm::bench {
 namespace {
 
-/// A URL of `size` bytes, or a few less: names in no order, values of 4 to 31 characters.
+/// A URL of `size` bytes or a few less, with unsorted names and values of 4 to 31 characters.
 std::string MakeUrl(std::size_t size) {
     static const char* const names[] = {"title",  "ticket", "region", "codec",  "bitrate", "width",
                                         "height", "fps",    "audio",  "locale", "session", "client"};
@@ -55,9 +55,9 @@ Contender Ours(const std::string& url) {
         BatchFor(url.size()));
 }
 
-/// Builds the expression and matches it, as a parser without a scan of its own would. Splits no parameters.
+/// Compiles the expression and matches it, as a parser without its own scanner would. Splits no parameters.
 Contender Expression(const std::string& url) {
-    return Repeat("std::regex, built for each URL, without parameters", [url] {
+    return Repeat("std::regex compiled per URL, no parameters", [url] {
         const std::regex expression(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
         std::smatch match;
         Keep(std::regex_match(url, match, expression));
@@ -66,7 +66,7 @@ Contender Expression(const std::string& url) {
 }
 
 Peer Uriparser(const std::string& url, double required) {
-    const std::string name = "uriparser, with its list of parameters";
+    const std::string name = "uriparser, with parameters";
 #ifdef VELM_BENCH_URIPARSER
     return {Repeat(
                 name,
@@ -96,7 +96,7 @@ Peer Uriparser(const std::string& url, double required) {
 }
 
 Peer Curl(const std::string& url, double required) {
-    const std::string name = "libcurl, which splits no parameters";
+    const std::string name = "libcurl, no parameters";
 #ifdef VELM_BENCH_CURL
     return {Repeat(
                 name,

@@ -1,5 +1,5 @@
-// WAVE files that the page cache holds: blocks of sample data against libsndfile, the skipping of a chunk
-// against stdio's fastest way to read bytes.
+// WAVE files in the page cache: reading blocks of samples against libsndfile, and skipping a chunk against
+// stdio's fastest way to read bytes.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -25,14 +25,14 @@ namespace velm::bench {
 namespace {
 
 constexpr unsigned int kBlockMilliseconds = 20;
-constexpr unsigned int kBlockBytes = 1920;  // of 48 kHz and two channels, as GetWaveData counts
+constexpr unsigned int kBlockBytes = 1920;  // for 48 kHz and two channels, as GetWaveData counts bytes
 
-/// A chunk's header; the body follows.
+/// The header of a chunk.
 std::string ChunkHead(const std::string& tag, std::size_t size) {
     return tag + test::Le32(static_cast<unsigned int>(size));
 }
 
-/// A WAVE file of zero bytes: `skipped` in a chunk of another kind, then `data` of samples.
+/// A WAVE file of zeros: `skipped` bytes in an unknown chunk, then `data` bytes of samples.
 class WaveFile {
 public:
     WaveFile(std::size_t skipped, std::size_t data) : m_file("velm_bench.wav", "") {
@@ -59,7 +59,7 @@ private:
     test::TemporaryFile m_file;
 };
 
-/// Opens the file and reads it to its end.
+/// Opens the file and reads all of it.
 Contender Ours(const std::shared_ptr<WaveFile>& file) {
     return Repeat("WaveFileReadHelper", [file] {
         FileReader reader;
@@ -94,9 +94,9 @@ Peer Sndfile(const std::shared_ptr<WaveFile>& file, double required) {
 #endif
 }
 
-/// What the system takes to hand out the bytes, to a reader with a buffer as large as ours.
+/// The kernel's share: read() into a buffer of 64 KB.
 Peer ReadAlone(const std::shared_ptr<WaveFile>& file) {
-    return {Repeat("read alone, 64 KB at once", [file] {
+    return {Repeat("read() alone, 64 KB at a time", [file] {
         const int descriptor = open(file->Name(), O_RDONLY);
         static char buffer[64 * 1024];
         while (read(descriptor, buffer, sizeof buffer) > 0) {
@@ -106,9 +106,9 @@ Peer ReadAlone(const std::shared_ptr<WaveFile>& file) {
     })};
 }
 
-/// What a reader without that copy would take: blocks out of a mapping of the file.
+/// A reader without the kernel's copy: blocks from a memory-mapped file.
 Peer Mapping(const std::shared_ptr<WaveFile>& file) {
-    return {Repeat("blocks out of a mapping of the file", [file] {
+    return {Repeat("blocks from a memory-mapped file", [file] {
         const auto size = static_cast<std::size_t>(std::filesystem::file_size(file->Name()));
         const int descriptor = open(file->Name(), O_RDONLY);
         void* const mapping = mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor, 0);
@@ -141,7 +141,7 @@ void MeasureSkip(Suite& suite) {
         }
         std::fclose(stream);
     });
-    suite.Compare("WaveFileReadHelper", "skip of a chunk of 100 MB", ours, {{stdio, 1.0}});
+    suite.Compare("WaveFileReadHelper", "skipping a 100 MB chunk", ours, {{stdio, 1.0}});
 }
 
 }  // namespace

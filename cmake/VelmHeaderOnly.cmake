@@ -1,7 +1,7 @@
-# velm_header_only(<target> <header>): a header-only library of the system, as an imported target.
+# velm_header_only(<target> <header>): an imported target for a header-only library installed on the system.
 #
-# The system's include folder cannot be searched by a cross compiler, whose own C library it would hide. So the one
-# file or folder that is meant is linked into a folder of the build tree, and only that is searched.
+# A cross compiler must not search /usr/include, which would hide its own C library. So the one file or folder needed is
+# symlinked into the build tree, and only that is searched.
 function(velm_header_only target header)
     get_filename_component(top ${header} DIRECTORY)
     if(NOT top)

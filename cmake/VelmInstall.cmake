@@ -1,5 +1,5 @@
-# What `cmake --install` puts in place, and the package that find_package(VelmUtil CONFIG) finds there. Debug and
-# release builds may share a prefix: the Debug libraries carry a "d" after their names.
+# What `cmake --install` installs, including the package for find_package(VelmUtil CONFIG). Debug and release builds can
+# share a prefix: the names of Debug libraries end in "d".
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -8,13 +8,13 @@ install(TARGETS VelmCore VelmUtil EXPORT VelmUtilTargets)
 set_target_properties(VelmCore VelmUtil PROPERTIES INSTALL_RPATH $ORIGIN)
 if(TARGET velm_posix)
     install(TARGETS velm_posix)
-    # Windows' interfaces, which the public headers include under Windows' names.
+    # The Windows interfaces, which the public headers include under their Windows names.
     install(DIRECTORY platform/posix/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/posix)
     target_include_directories(VelmUtil INTERFACE
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/posix>)
 endif()
 
-# picojson comes along, because the library and its callers must be built with the same one.
+# picojson is installed too, because the library and its callers must be built with the same version.
 file(REAL_PATH ${picojson_INCLUDE_DIR}/picojson.h picojson_header)
 install(FILES ${picojson_header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/third-party)
 target_include_directories(VelmUtil INTERFACE

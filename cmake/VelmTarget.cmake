@@ -1,11 +1,11 @@
-# What every target of the project is built with.
+# Build settings common to all targets.
 
 add_library(velm_build_flags INTERFACE)
 target_compile_features(velm_build_flags INTERFACE cxx_std_20)
 
 if(MSVC)
     target_compile_options(velm_build_flags INTERFACE /W4 /permissive- /utf-8 /EHsc)
-    # C4251: a standard container as a private member of an exported class; both sides share one runtime.
+    # C4251: exported classes have standard containers as private members; both sides share one runtime.
     target_compile_options(velm_build_flags INTERFACE /wd4251)
     if(VELM_WARNINGS_AS_ERRORS)
         target_compile_options(velm_build_flags INTERFACE /WX)
@@ -18,25 +18,25 @@ else()
 endif()
 
 if(UNIX AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # A library with a "unique" symbol, one of a template's or of an inline variable's, cannot be unloaded.
+    # A library with "unique" symbols, from templates or inline variables, cannot be unloaded.
     target_compile_options(velm_build_flags INTERFACE -fno-gnu-unique)
-    # As on Windows, a library's calls to itself stay in it: a public class's own functions can be inlined.
+    # As on Windows, a library's calls to its own functions cannot be interposed, so they can be inlined.
     target_compile_options(velm_build_flags INTERFACE -fno-semantic-interposition)
 endif()
 
 if(MINGW)
-    # The runtime is linked in, so that the libraries import nothing but each other and Windows.
+    # Link the runtime statically, so that the libraries import only each other and Windows.
     target_link_options(velm_build_flags INTERFACE -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
 endif()
 
 if(VELM_SANITIZE)
     add_compile_options(-fsanitize=${VELM_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined -O1
-        -g1) # lines for the reports; more would only cost time
+        -g1) # line numbers for the reports; more would only cost time
     add_link_options(-fsanitize=${VELM_SANITIZE})
 endif()
 
-# velm_quick_to_compile(<target>): a program that is compiled more often than run, such as a test. Its sources are compiled
-# as one, and optimised a little.
+# velm_quick_to_compile(<target>): for programs that are compiled more often than run, such as tests: compiles their
+# sources as one unit, with little optimisation.
 function(velm_quick_to_compile target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0 LINK_DEPENDS_NO_SHARED ON)
     if(NOT MSVC)
@@ -44,7 +44,7 @@ function(velm_quick_to_compile target)
     endif()
 endfunction()
 
-# velm_version_resource(<target> <description>): gives a Windows library or program the version of the project.
+# velm_version_resource(<target> <description>): adds a version resource to a Windows library or program.
 function(velm_version_resource target description)
     if(NOT WIN32)
         return()
@@ -66,14 +66,14 @@ function(velm_version_resource target description)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
 endfunction()
 
-# velm_unloadable(<target>): a library that leaves nothing in the process when it is unloaded.
+# velm_unloadable(<target>): makes a library leave nothing behind in the process when it is unloaded.
 function(velm_unloadable target)
     if(MINGW)
         target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/EmergencyPool.cpp)
     endif()
 endfunction()
 
-# velm_silent(<target>): a library that shows nothing, and links nothing of the runtime that would.
+# velm_silent(<target>): keeps a library from printing, and from linking the parts of the runtime that would.
 function(velm_silent target)
     if(MINGW)
         target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/Terminate.cpp)
@@ -81,7 +81,7 @@ function(velm_silent target)
     endif()
 endfunction()
 
-# velm_library(<target> <description>): one of the shared libraries, with the settings that they have in common.
+# velm_library(<target> <description>): applies the settings common to the shared libraries.
 function(velm_library target description)
     set_target_properties(${target} PROPERTIES
         CXX_EXTENSIONS OFF

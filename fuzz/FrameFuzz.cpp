@@ -1,4 +1,5 @@
-// AudioFrame over any bytes: what it accepts lies inside them, and survives being written anew.
+// AudioFrame on arbitrary bytes: an accepted payload lies inside them, and writing it again gives the same
+// frame.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

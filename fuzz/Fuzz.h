@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// What a fuzz target demands: ends the process, with the place, when it does not hold.
+/// Aborts with file, line and condition if the condition does not hold.
 #define VELM_FUZZ_DEMAND(condition)                                              \
     do {                                                                         \
         if (!(condition)) {                                                      \

@@ -1,4 +1,4 @@
-// Reads an INI file that is the input: every key that the input's own lines suggest, and one of the usual.
+// Reads the input as an INI file: an ordinary key, and keys and sections taken from the input itself.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -15,7 +15,7 @@ void Read(const std::string& path, const std::string& section, const std::string
     reader.GetIfOk(path, section, key, "default", value);
     int number = 0;
     reader.GetIfOk(path, section, key, 7, number);
-    // What is handed out is UTF-8, of at most 1023 units of UTF-16.
+    // The value is valid UTF-8 of at most 1023 UTF-16 units.
     std::wstring wide;
     std::string back;
     if (velm::WindowsUtil::GetWstringFromUtf8String(value, wide).IsFailed() || wide.size() > 1023 ||

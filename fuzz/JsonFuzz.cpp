@@ -1,5 +1,4 @@
-// Reads the input as JSON text, and as a JSON file. Where picojson can take it, both must agree with
-// picojson.
+// Reads the input as JSON text and as a JSON file. Where picojson can parse the text safely, both must agree.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -25,7 +24,7 @@ void CompareWithPicojson(const std::string& text) {
     const bool ok = reader.getJsonValue(value, error);
     Require(ok == error.empty());
     if (std::count(text.begin(), text.end(), '{') > picojson::DEFAULT_MAX_DEPTHS) {
-        return;  // picojson might follow these as deep as there are
+        return;  // picojson does not limit the depth of objects
     }
     picojson::value expected;
     std::string expectedError;

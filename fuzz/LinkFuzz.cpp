@@ -1,4 +1,4 @@
-// UrlSchemeUtil::read on any link and address: the first line is the address, the rest the link.
+// UrlSchemeUtil::read on arbitrary input: the first line is the caller's address, the rest the link.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -13,7 +13,7 @@ std::string HostOf(const std::string& address) {
     return address.substr(begin, address.find_first_of(":/", begin) - begin);
 }
 
-bool IsHostOfOurs(const std::string& host) {
+bool IsAcceptedHost(const std::string& host) {
     return host == "localhost" || host == "127.0.0.1" || host == "play.velm.example" ||
            host == "stage.velm.example" || host.ends_with(".play.velm.example") ||
            host.ends_with(".stage.velm.example") || host.ends_with(".edge.velm.example");
@@ -34,8 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     VELM_FUZZ_DEMAND(velm::UrlSchemeUtil::checkPavix(address) == 0U);
     VELM_FUZZ_DEMAND(address.starts_with("http://") || address.starts_with("https://"));
     VELM_FUZZ_DEMAND(address.find_first_of(std::string("@?#;\\ \r\n\0", 9)) == address.npos);
-    VELM_FUZZ_DEMAND(IsHostOfOurs(HostOf(address)));
-    // The link is nothing but its parts.
+    VELM_FUZZ_DEMAND(IsAcceptedHost(HostOf(address)));
+    // The link consists of its parts and nothing else.
     const std::string body = address.substr(address.find("://") + 3);
     const std::string tail = "?title=" + title + "&ticket=" + ticket;
     const bool isResume = link == "velm://resume" + tail && address == before;

@@ -1,5 +1,5 @@
-// UrlSchemeUtil::checkDomain on any pattern and address: the first line is the address, the rest the pattern,
-// in plain form. Short ones are held against the standard library.
+// UrlSchemeUtil::checkDomain on arbitrary input: the first line is the address, the rest the pattern, not
+// scrambled. Short ones are compared with std::regex.
 #include <cstddef>
 #include <cstdint>
 #include <regex>
@@ -18,8 +18,8 @@ std::string Scrambled(std::string text) {
     return text;
 }
 
-/// Whether the standard library can be asked: it takes exponential time for quantifiers of quantifiers, the
-/// more so for counts of them, and its arithmetic on long numbers overflows.
+/// Whether std::regex can serve as the reference: it takes exponential time for nested quantifiers, even more
+/// for counted ones, and overflows on long numbers.
 bool IsTame(const std::string& address, const std::string& pattern) {
     std::size_t quantifiers = 0;
     for (std::size_t i = 1; i < pattern.size(); ++i) {

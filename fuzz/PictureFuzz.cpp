@@ -1,6 +1,5 @@
-// Pictures of any geometry, through every kernel that this processor runs: each gives the pixels of the
-// scalar one and touches no byte outside the picture, before its first row, after its last one or between
-// two.
+// Pictures of any geometry through every kernel that this processor can run: each produces the pixels of the
+// scalar kernel and touches no byte before, after or between the rows.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +17,7 @@ using velm::test::GuardedRows;
 using velm::yuv::Kernel;
 using velm::yuv::Picture;
 
-/// The input, byte by byte; zeros after its end.
+/// The input byte by byte; zeros after its end.
 class Bytes {
 public:
     Bytes(const std::uint8_t* data, std::size_t size) : m_data(data), m_end(data + size) {}
@@ -32,9 +31,9 @@ private:
 struct Geometry {
     std::size_t width;
     std::size_t height;
-    std::size_t yStride;  // rows may overlap in the planes that are read
+    std::size_t yStride;  // rows of the input planes may overlap
     std::size_t uvStride;
-    std::size_t gap;  // bytes between the rows that are written; a multiple of 4
+    std::size_t gap;  // bytes between output rows; a multiple of 4
     Guard guard;
 };
 

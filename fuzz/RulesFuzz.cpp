@@ -1,5 +1,5 @@
-// Reads the input as a rule file. Every rule that is accepted must be checkable, and a set must pass exactly
-// when each of its rules does.
+// Reads the input as a rule file. Every accepted rule must be checkable, and a set must pass exactly if each
+// of its rules does.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

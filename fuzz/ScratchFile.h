@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-/// A file of this process's own for inputs that have to be files; it goes when the process ends.
+/// A temporary file, for inputs that must be files; private to this process and removed when it ends.
 class ScratchFile {
 public:
     ScratchFile()
@@ -20,7 +20,7 @@ public:
     ScratchFile(const ScratchFile&) = delete;
     ScratchFile& operator=(const ScratchFile&) = delete;
 
-    /// Replaces what the file holds.
+    /// Replaces the contents.
     /// @return its path
     const std::string& Write(const std::string& bytes) {
         std::ofstream file(m_path, std::ios::binary | std::ios::trunc);

@@ -1,5 +1,5 @@
-// Converts the input between all encodings. Text that came out of a conversion is well formed: it survives
-// the way there and back.
+// Converts the input between all encodings. The result of a conversion is well formed: it survives a round
+// trip.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Require(Done(WindowsUtil::GetUtf8StringFromOemcpString(text, utf8)));
     Require(Done(WindowsUtil::GetOemcpStringFromUtf8String(utf8, oem)));
-    Require(oem == text.c_str());  // every byte of code page 437 has a character of its own
+    Require(oem == text.c_str());  // code page 437 maps every byte to a different character
 
     std::wstring units(size / 2, L'\0');
     for (std::size_t i = 0; i < units.size(); ++i) {

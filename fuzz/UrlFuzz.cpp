@@ -1,4 +1,5 @@
-// UrlParser on any text; short text is held against the expression of RFC 3986 and plain splitting.
+// UrlParser on arbitrary text; short text is compared with the regular expression of RFC 3986 and naive
+// splitting.
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -10,9 +11,9 @@
 
 namespace {
 
-constexpr std::size_t kMostForTheExpression = 200;  // it uses the stack for every character
+constexpr std::size_t kMaxRegexLength = 200;  // std::regex uses stack for every character
 
-/// The parameters; false when a piece of the query is none.
+/// Splits a query into parameters; false if a piece is not a parameter.
 bool SplitQuery(const std::string& query, std::map<std::string, std::string>& parameters) {
     for (std::size_t begin = 0; !query.empty() && begin <= query.size();) {
         const std::size_t end = std::min(query.find('&', begin), query.size());
@@ -27,7 +28,7 @@ bool SplitQuery(const std::string& query, std::map<std::string, std::string>& pa
     return true;
 }
 
-void HoldAgainstTheExpression(const std::string& url, velm::UrlParser& parser, bool parsed) {
+void CompareWithRegex(const std::string& url, velm::UrlParser& parser, bool parsed) {
     static const std::regex expression(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
     std::smatch match;
     std::map<std::string, std::string> parameters;
@@ -50,8 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     velm::UrlParser parser;
     const bool parsed = parser.Parse(url.c_str()) == 0U;
     VELM_FUZZ_DEMAND(parser.Url() == (parsed ? url : ""));
-    if (url.size() <= kMostForTheExpression) {
-        HoldAgainstTheExpression(url, parser, parsed);
+    if (url.size() <= kMaxRegexLength) {
+        CompareWithRegex(url, parser, parsed);
     }
     return 0;
 }

@@ -1,4 +1,4 @@
-// WaveFileReadHelper over a file of any bytes: it ends, and delivers no more than the file holds.
+// WaveFileReadHelper on a file of arbitrary bytes: it terminates, and returns no more than the file contains.
 #include <cstddef>
 #include <cstdint>
 #include <string>

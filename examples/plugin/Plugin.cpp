@@ -1,6 +1,6 @@
 /// @file
-/// A plug-in as LoadClassPointerFromDll expects it. It also counts, so that a test can see that each object
-/// that it gave was released once.
+/// A complete plug-in for LoadClassPointerFromDll. It counts its objects, so that tests can check that each
+/// is released exactly once.
 #include <atomic>
 #include <new>
 
@@ -11,7 +11,7 @@ namespace {
 std::atomic<int> g_allocated{0};
 std::atomic<int> g_released{0};
 
-/// What the plug-in offers. Both sides know the class; an application would use an interface.
+/// The object that the plug-in provides. Both sides know this class; a real plug-in would share an interface.
 struct Greeter {
     int answer = 42;
 };

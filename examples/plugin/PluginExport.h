@@ -2,5 +2,5 @@
 
 #include "velm/core/Export.h"
 
-/// What a plug-in exports goes by its plain name.
+/// Exports a function under its plain, unmangled name.
 #define VELM_PLUGIN_EXPORT extern "C" VELM_DLL_EXPORT

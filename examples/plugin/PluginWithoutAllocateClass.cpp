@@ -1,5 +1,5 @@
 /// @file
-/// A library that is no plug-in: it cannot allocate.
+/// Not a plug-in: it does not export AllocateClass.
 #include "PluginExport.h"
 
 VELM_PLUGIN_EXPORT void ReleaseClass(void**) {}

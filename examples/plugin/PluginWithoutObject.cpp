@@ -1,5 +1,5 @@
 /// @file
-/// A plug-in that never has an object to give.
+/// A plug-in whose AllocateClass never provides an object.
 #include "PluginExport.h"
 
 VELM_PLUGIN_EXPORT void AllocateClass(void** object) {

@@ -1,5 +1,5 @@
 /// @file
-/// A plug-in whose object needs no release.
+/// A plug-in without ReleaseClass: its object is static.
 #include "PluginExport.h"
 
 VELM_PLUGIN_EXPORT void AllocateClass(void** object) {
