@@ -38,7 +38,7 @@ public:
     /// @param value  receives the document; after a syntax error what was understood of it
     /// @param error  receives "syntax error at line N near: " and the rest of that line; the same for text
     ///               nested deeper than picojson's limit for arrays (100), of arrays and objects alike, which
-    ///               is not parsed at all, and for a number that no double holds
+    ///               leaves `value` as it was, and for a number that no double holds
     /// @return whether `error` is empty afterwards; it is not emptied before
     /// Throws std::bad_alloc when memory runs out; `value` then holds what was parsed so far.
     bool getJsonValue(picojson::value& value, std::string& error);
