@@ -2,11 +2,17 @@
 
 #include <windows.h>
 
+#include <new>
+
+#include "FirstUse.h"
+
 namespace velm {
 namespace {
 
 // The identifier that the timer is asked for.
 constexpr UINT_PTR kTimer = 0;
+
+constinit FirstUse<Watchdog> g_watchdog;
 
 /// Ends the watchdog's timer of a window. Such a timer goes by the identifier that was asked for; what the
 /// system calls it is never 0, so it may be another's, and is tried only when the first finds no timer.
@@ -36,8 +42,7 @@ Watchdog::~Watchdog() {
 }
 
 Watchdog* Watchdog::GetInstance() {
-    static Watchdog instance;
-    return &instance;
+    return g_watchdog.Get([](void* place) { return new (place) Watchdog; });
 }
 
 void Watchdog::SetElapse(unsigned int milliseconds) {
