@@ -81,6 +81,13 @@ function(velm_silent target)
     endif()
 endfunction()
 
+# velm_without_thread_library(<target>): a library that can throw without allocating and needs no thread notifications.
+function(velm_without_thread_library target)
+    if(MINGW)
+        target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/ThrowState.cpp)
+    endif()
+endfunction()
+
 # velm_library(<target> <description>): applies the settings common to the shared libraries.
 function(velm_library target description)
     set_target_properties(${target} PROPERTIES
@@ -99,5 +106,6 @@ function(velm_library target description)
     target_link_libraries(${target} PRIVATE velm_build_flags velm_windows_on_demand velm_platform)
     velm_unloadable(${target})
     velm_silent(${target})
+    velm_without_thread_library(${target})
     velm_version_resource(${target} "${description}")
 endfunction()

@@ -1,16 +1,13 @@
 #include "velm/JsonConfigReader.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <string_view>
 
-#include "JsonNesting.h"
+#include "config/JsonParser.h"
 
 namespace velm {
 namespace {
@@ -68,55 +65,6 @@ void JoinLines(std::string& text) {
     text.resize(static_cast<std::size_t>(out - text.data()));
 }
 
-/// What picojson says of an error that it meets after the byte at `where`.
-std::string SyntaxErrorAfter(const std::string& text, std::size_t where) {
-    const auto next = text.begin() + static_cast<std::ptrdiff_t>(where) + 1;
-    std::string error =
-        "syntax error at line " + std::to_string(1 + std::count(text.begin(), next, '\n')) + " near: ";
-    std::copy_if(next, std::find(next, text.end(), '\n'), std::back_inserter(error),
-                 [](char c) { return static_cast<unsigned char>(c) >= ' '; });
-    return error;
-}
-
-/// Parses without a result, up to an error or the first number that no double holds. picojson ignores what
-/// becomes of a number, so it is looked at where the number stands.
-struct UpToOverflow {
-    bool overflowed = false;
-
-    bool set_null() { return true; }
-    bool set_bool(bool) { return true; }
-    bool set_number(double number) {
-        overflowed = overflowed || !std::isfinite(number);
-        return true;
-    }
-    template <typename Iterator>
-    bool parse_string(picojson::input<Iterator>& in) {
-        std::string ignored;
-        return picojson::_parse_string(ignored, in);
-    }
-    bool parse_array_start() { return true; }
-    template <typename Iterator>
-    bool parse_array_item(picojson::input<Iterator>& in, std::size_t) {
-        return picojson::_parse(*this, in) && !overflowed;
-    }
-    bool parse_array_stop(std::size_t) { return true; }
-    bool parse_object_start() { return true; }
-    template <typename Iterator>
-    bool parse_object_item(picojson::input<Iterator>& in, const std::string&) {
-        return picojson::_parse(*this, in) && !overflowed;
-    }
-    bool parse_object_stop() { return true; }
-};
-
-/// The last byte that parsing the text's first `size` bytes takes: that of the first number that is too
-/// large, of an error or of what is there.
-std::size_t FindStop(const std::string& text, std::size_t size) {
-    UpToOverflow context;
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(size);
-    const auto stop = picojson::_parse(context, text.begin(), end, nullptr);
-    return static_cast<std::size_t>(stop - text.begin()) - 1;
-}
-
 }  // namespace
 
 JsonConfigReader::JsonConfigReader() = default;
@@ -147,17 +95,7 @@ int JsonConfigReader::Read(const std::string& json) {
 }
 
 bool JsonConfigReader::getJsonValue(picojson::value& value, std::string& error) {
-    // picojson recurses into both kinds of brackets but limits the depth of arrays only.
-    const std::size_t tooDeep = FindTooDeep(m_strJson, picojson::DEFAULT_MAX_DEPTHS);
-    if (tooDeep != m_strJson.npos) {
-        error = SyntaxErrorAfter(m_strJson, FindStop(m_strJson, tooDeep + 1));
-        return false;
-    }
-    try {
-        picojson::parse(value, m_strJson.cbegin(), m_strJson.cend(), &error);
-    } catch (const std::overflow_error&) {
-        error = SyntaxErrorAfter(m_strJson, FindStop(m_strJson, m_strJson.size()));
-    }
+    ParseJson(m_strJson, value, error);
     return error.empty();
 }
 

@@ -3,16 +3,21 @@
 #include <windows.h>
 #include <psapi.h>
 
+#include <new>
+
+#include "thread/FirstUse.h"
+
 namespace velm {
 namespace {
 
 constexpr unsigned int kProcessRefused = 0xFFFFFFFF;
 
+constinit FirstUse<MemoryInfo> g_memoryInfo;
+
 }  // namespace
 
 MemoryInfo* MemoryInfo::GetInstance() {
-    static MemoryInfo instance;
-    return &instance;
+    return g_memoryInfo.Get([](void* place) { return new (place) MemoryInfo; });
 }
 
 MemoryInfo::MemoryInfo() : mInitialized(0), mProcess(nullptr) {}

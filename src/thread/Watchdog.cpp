@@ -2,11 +2,17 @@
 
 #include <windows.h>
 
+#include <new>
+
+#include "thread/FirstUse.h"
+
 namespace velm {
 namespace {
 
 // The timer id requested from SetTimer.
 constexpr UINT_PTR kTimer = 0;
+
+constinit FirstUse<Watchdog> g_watchdog;
 
 /// Kills the watchdog's timer of a window. Window timers are known by the id that was requested. SetTimer's
 /// result, never 0, may be another timer's id, so it is tried only when the first finds no timer.
@@ -36,8 +42,7 @@ Watchdog::~Watchdog() {
 }
 
 Watchdog* Watchdog::GetInstance() {
-    static Watchdog instance;
-    return &instance;
+    return g_watchdog.Get([](void* place) { return new (place) Watchdog; });
 }
 
 void Watchdog::SetElapse(unsigned int milliseconds) {

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
 #include <random>
 #include <string>
 
@@ -78,6 +82,55 @@ TEST(JsonConfigReader, WhatFollowsIsIgnoredAndNoNumberIsInfinite) {
     }
 }
 
+/// The bits of the number that a text is read as.
+std::uint64_t ReadBits(const std::string& text) {
+    JsonConfigReader reader;
+    picojson::value value;
+    std::string error;
+    reader.Read(text);
+    EXPECT_TRUE(reader.getJsonValue(value, error)) << error;
+    return value.is<double>() ? std::bit_cast<std::uint64_t>(value.get<double>()) : ~std::uint64_t{0};
+}
+
+TEST(JsonConfigReader, LongNumbersAreExactAndTakeNoTime) {
+    const auto start = std::chrono::steady_clock::now();
+    const std::string zeros(100'000, '0');
+    const std::pair<std::string, double> rows[] = {{std::string(100'000, '9') + "e-100000", 1},
+                                                   {"-1" + zeros + "e-100000", -1},
+                                                   {"0." + zeros + "1e+100001", 1},
+                                                   {"0." + std::string(1'000'000, '1'), 0x1.c71c71c71c71cp-4},
+                                                   {"2.4703282292062327e-324", 0},
+                                                   {"2.4703282292062328e-324", 0x1p-1074},
+                                                   {"1.7976931348623158e308", 0x1.fffffffffffffp1023},
+                                                   {"-0." + zeros + "1e50000", -0.0},
+                                                   {"0.1e-99999999999999999999", 0},
+                                                   {"0e99999999999999999999", 0}};
+    for (const auto& [text, value] : rows) {
+        EXPECT_EQ(ReadBits(text), std::bit_cast<std::uint64_t>(value)) << text.substr(0, 30);
+    }
+    EXPECT_EQ(ParseText("[1" + zeros + "e-99000, 2]"), kError + ", 2]");
+    EXPECT_EQ(ParseText("[1e99999999999999999999]"), kError + "]");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << "43 s in quadratic time";
+}
+
+// A long double holds the middle between two doubles, which takes up to 767 digits to write.
+TEST(JsonConfigReader, NumbersAreTheNearestDouble) {
+    std::mt19937_64 random(test::SeededRandom()());
+    for (int i = 0; i < 2000; ++i) {
+        const std::uint64_t low = random() % 0x7FEFFFFFFFFFFFFF >> (i % 8 == 0 ? 12 : 0);
+        const auto middle = (static_cast<long double>(std::bit_cast<double>(low)) +
+                             static_cast<long double>(std::bit_cast<double>(low + 1))) /
+                            2;
+        char text[1000];
+        std::snprintf(text, sizeof text, "%.17g", std::bit_cast<double>(low));
+        ASSERT_EQ(ReadBits(text), low) << text;
+        std::snprintf(text, sizeof text, "%.800Le", middle);
+        ASSERT_EQ(ReadBits(text), low + low % 2) << text;
+        std::string above = text;
+        ASSERT_EQ(ReadBits(above.insert(above.find('e'), "1")), low + 1) << above;
+    }
+}
+
 TEST(JsonConfigReader, AnErrorOnEntryIsNeverASuccess) {
     JsonConfigReader reader;
     picojson::value value;
@@ -89,14 +142,14 @@ TEST(JsonConfigReader, AnErrorOnEntryIsNeverASuccess) {
     reader.Read(Repeat("[{\"a\":", 100));
     EXPECT_FALSE(reader.getJsonValue(value, error));
     EXPECT_EQ(error, kError + "{\"a\":" + Repeat("[{\"a\":", 49)) << "behind the bracket of level 101";
-    EXPECT_EQ(value.serialize(), "[1]") << "too deep a text is not parsed";
+    EXPECT_EQ(value.serialize(), "[1]") << "too deep a text changes nothing";
     EXPECT_EQ(ParseText("[1 2\n" + Repeat("[", 200)), kError + "2") << "an error ahead of that bracket";
 }
 
 TEST(JsonConfigReader, RandomTextsGetPicojsonsAnswer) {
     std::mt19937 random = test::SeededRandom();
-    const std::string any[] = {"[", "]", "{",  "}", "\"",     "\\",      ",",
-                               ":", "1", "\n", " ", "\"a\":", "\\u00e9", "null"};
+    const std::string any[] = {"[",  "]", "{",      "}",       "\"",   "\\", ",", ":",  "1",
+                               "\n", " ", "\"a\":", "\\u00e9", "null", ".",  "-", "e-", "+"};
     const std::string inString[] = {"[[[[", "{{{{", "]", "}", "\\\\", "\\\"", "x", "\\n"};
     for (int i = 0; i < 20000; ++i) {
         std::string text = "[";

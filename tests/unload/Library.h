@@ -52,6 +52,16 @@ public:
         EXPECT_EQ(Call<ErrorCode>(start, watchdog, window, checker), 0U);
     }
 
+    void ConvertPicture() const {
+        unsigned char plane = 0;
+        unsigned int argb = 0;
+        Call<void>("_ZN4velm22Yuv420ToArgb8888_BT601EPhS0_S0_jjiiPjj", &plane, &plane, &plane, 1U, 1U, 1, 1,
+                   &argb, 4U);
+    }
+
+    /// Whether the library is spared the notices of threads.
+    bool IsSparedThreads() const { return DisableThreadLibraryCalls(m_module) != FALSE; }
+
     void OpenMemoryInfo() const {
         void* const memory = Call<void*>("_ZN4velm10MemoryInfo11GetInstanceEv");
         EXPECT_EQ(Call<ErrorCode>("_ZN4velm10MemoryInfo10InitializeEPKc", memory, ""), 0U);

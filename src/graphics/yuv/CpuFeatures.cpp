@@ -6,6 +6,8 @@
 #include <cpuid.h>
 #endif
 
+#include <atomic>
+
 namespace velm::yuv {
 namespace {
 
@@ -84,9 +86,17 @@ CpuLevel LevelOf(const CpuReport& report) {
     return HasAll(report.leaf7Ecx, kLeaf7EcxAvx512Vbmi) ? CpuLevel::kAvx512Vbmi : CpuLevel::kAvx512Bw;
 }
 
+// Threads that come at the same time each ask, and all store the same answer. A function's static would make
+// them wait behind a guard instead, which takes memory in MinGW's runtime and does not look whether it got
+// any.
 CpuLevel GetCpuLevel() {
-    static const CpuLevel level = LevelOf(ReadCpuReport());
-    return level;
+    static constinit std::atomic<int> known{-1};
+    int level = known.load(std::memory_order_relaxed);
+    if (level < 0) {
+        level = static_cast<int>(LevelOf(ReadCpuReport()));
+        known.store(level, std::memory_order_relaxed);
+    }
+    return static_cast<CpuLevel>(level);
 }
 
 }  // namespace velm::yuv

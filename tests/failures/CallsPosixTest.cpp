@@ -1,0 +1,107 @@
+/// @file
+/// Fails each call of Windows that the libraries make, one at a time in every operation.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <map>
+
+#include <velm/VelmUtil.h>
+
+#include "Operation.h"
+#include "velm/core/CoreErrorCode.h"
+#include "velm/posix/Control.h"
+
+namespace velm::test {
+namespace {
+
+struct Failure {
+    std::string what;   ///< which operation
+    std::string calls;  ///< their names, with spaces between
+    long long outcome;
+    std::vector<DWORD> lastErrors{ERROR_GEN_FAILURE};
+};
+
+// Without its name a thread runs all the same; whether it waits depends on who comes first.
+constexpr char kHarmless[] =
+    "CloseHandle GetModuleHandleW GetProcAddress MultiByteToWideChar SetThreadDescription WaitOnAddress";
+
+/// Every call of every operation.
+const Failure kFailures[] = {
+    {"EnvConfigReader", "MultiByteToWideChar _wdupenv_s WideCharToMultiByte", kOld},
+    {"IniConfigReader", "MultiByteToWideChar WideCharToMultiByte", kOld},
+    {"IniConfigReader", "GetPrivateProfileStringW", kEmpty},
+    {"PathHelper", "MultiByteToWideChar", VELM_ERROR_CORE_INVALID_PARAM},
+    {"FileReader", "MultiByteToWideChar", VELM_ERROR_CORE_INVALID_PARAM},
+    {"FileReader", "CreateFileW", VELM_ERROR_CORE_NOT_EXIST, {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND}},
+    {"FileReader", "CreateFileW", VELM_ERROR_CORE_NOT_EXIST, {ERROR_INVALID_NAME}},
+    {"FileReader", "CreateFileW", VELM_ERROR_CORE_ACCESS_DENIED, {ERROR_ACCESS_DENIED}},
+    {"FileReader", "CreateFileW", VELM_ERROR_CORE_ACCESS_DENIED, {ERROR_SHARING_VIOLATION}},
+    {"FileReader", "CreateFileW", VELM_ERROR_CORE_UNKNOWN},
+    {"FileReader", "CloseHandle", 0},
+    {"FileReader", "ReadFile", VELM_ERROR_CORE_READ_FAILED},
+    {"Thread", "_beginthreadex WaitForSingleObject", VELM_ERROR_CORE_UNKNOWN},
+    {"Thread", kHarmless, 0},
+    {"GetUtf8StringFromOemcpString", "MultiByteToWideChar", VELM_ERROR_CORE_INVALID_PARAM},
+    {"GetUtf8StringFromOemcpString", "WideCharToMultiByte", VELM_ERROR_UTIL_INVALID_PARAM},
+    {"GetFullPath", "GetModuleFileNameW WideCharToMultiByte", VELM_ERROR_UTIL_INVALID_PARAM},
+    {"FileStdio", "fopen_s", 0},
+    {"LoadClassPointerFromDll", "MultiByteToWideChar LoadLibraryW", 1},
+    {"LoadClassPointerFromDll", "GetProcAddress", 2},
+    {"ThreadCaller", "_beginthreadex", 1},
+    {"ThreadCaller", "WaitForSingleObject", -1},
+    {"ThreadCaller", kHarmless, 65535},
+    {"SchedulingThread", "AvSetMmThreadCharacteristicsW AvSetMmThreadPriority", 0},
+    {"Watchdog", "SetTimer", VELM_ERROR_UTIL_UNKNOWN},
+    {"MemoryInfo", "OpenProcess", 0xFFFFFFFF},
+    {"MemoryInfo", "GetProcessMemoryInfo CloseHandle", 0},
+};
+
+/// Runs an operation in which a call fails, after `skip` others of its name.
+/// @param calls  out: what was called
+long long RunWith(const Operation& operation, const std::string& call, DWORD lastError, unsigned int skip,
+                  std::vector<std::string>& calls) {
+    const auto begin = [&] {
+        posix::FailCall(call.c_str(), lastError, skip);
+        posix::StartRecording();
+    };
+    const auto end = [&] {
+        calls = posix::RecordedCalls();
+        posix::Reset();
+    };
+    return RunOne(operation, {begin, end});
+}
+
+/// Fails the call of that number, in each way that the table has for it.
+int FailOne(const Operation& operation, const std::string& call, unsigned int number) {
+    int cases = 0;
+    std::vector<std::string> ignored;
+    for (const Failure& failure : kFailures) {
+        const bool listed = (' ' + failure.calls + ' ').find(' ' + call + ' ') != std::string::npos;
+        for (const DWORD error : failure.lastErrors) {
+            if (failure.what == operation.what && listed) {
+                const long long outcome = RunWith(operation, call, error, number, ignored);
+                EXPECT_EQ(outcome, failure.outcome) << call << " number " << number;
+                ++cases;
+            }
+        }
+    }
+    EXPECT_NE(cases, 0) << call << " number " << number << " is not in the table";
+    return cases;
+}
+
+TEST(Failures, ACallThatFailsGivesTheDocumentedOutcome) {
+    int cases = 0;
+    for (const Operation& operation : AllOperations()) {
+        SCOPED_TRACE(operation.what);
+        std::vector<std::string> calls;
+        EXPECT_EQ(RunWith(operation, "", 0, 0, calls), operation.outcome);
+        std::map<std::string, unsigned int> times;
+        for (const std::string& call : calls) {
+            cases += FailOne(operation, call, times[call]++);
+        }
+    }
+    std::printf("%d failed calls in %zu operations\n", cases, AllOperations().size());
+}
+
+}  // namespace
+}  // namespace velm::test

@@ -1,0 +1,49 @@
+/// @file
+/// Memory that runs out in the libraries. MemoryPosix.cpp and MemoryWindows.cpp replace what allocates.
+#pragma once
+
+#include <atomic>
+
+namespace velm::test {
+
+/// Which allocations fail: all from the one of this number on, or that one only.
+struct Shortage {
+    long long from = 0;
+    bool once = false;
+};
+
+struct Memory {
+    Shortage shortage;
+    std::atomic<bool> isShort{false};
+    std::atomic<bool> didFail{false};
+    std::atomic<long long> count{0};
+    std::atomic<long long> blocks{0};  ///< in use; only differences matter
+};
+inline constinit Memory g_memory;
+
+inline bool MayAllocate() {
+    if (!g_memory.isShort) {
+        return true;
+    }
+    const long long number = g_memory.count++;
+    const Shortage& shortage = g_memory.shortage;
+    if (shortage.once ? number != shortage.from : number < shortage.from) {
+        return true;
+    }
+    g_memory.didFail = true;
+    return false;
+}
+
+/// Counts a block that was allocated, unless it is null.
+inline void* CountBlock(void* block) {
+    g_memory.blocks += block != nullptr;
+    return block;
+}
+
+/// Begins to count blocks and to fail allocations in the libraries.
+void ReplaceAllocator();
+
+/// The handles and the like that the process has open.
+long long CountOpen();
+
+}  // namespace velm::test
