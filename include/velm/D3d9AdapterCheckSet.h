@@ -14,7 +14,7 @@ namespace velm {
 /// @param context  the facts, valid during the call
 /// @param item  the rule
 typedef void (*NotifyErrorFunc)(void* user, D3d9AdapterContext* context,
-                                std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
+                                Tr1SharedPtr<D3d9AdapterCheckItem> item);
 
 /// An ordered list of rules that an adapter must satisfy, all of them. An empty set accepts every adapter. A
 /// copy shares the items. Copying and AddItem throw std::bad_alloc when memory runs out; the set is then as
@@ -33,7 +33,7 @@ public:
 
     /// Appends a rule, which the set then shares. Duplicates count. An empty pointer is kept as a rule that
     /// no adapter can be checked against.
-    void AddItem(std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
+    void AddItem(Tr1SharedPtr<D3d9AdapterCheckItem> item);
 
 #if !VELM_TR1_SHARED_PTR_IS_STD
     /// The same for a std::shared_ptr: the set holds it as long as it holds the rule.
@@ -43,7 +43,7 @@ public:
             void operator()(D3d9AdapterCheckItem*) { item.reset(); }
         };
         D3d9AdapterCheckItem* const rule = item.get();
-        AddItem(std::tr1::shared_ptr<D3d9AdapterCheckItem>(rule, Holder{std::move(item)}));
+        AddItem(Tr1SharedPtr<D3d9AdapterCheckItem>(rule, Holder{std::move(item)}));
     }
 #endif
 
@@ -76,9 +76,9 @@ public:
 
 private:
     ErrorCode CheckCommand(bool* passed, D3d9AdapterContext* context,
-                           std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
+                           Tr1SharedPtr<D3d9AdapterCheckItem> item);
 
-    std::vector<std::tr1::shared_ptr<D3d9AdapterCheckItem>> m_items;
+    std::vector<Tr1SharedPtr<D3d9AdapterCheckItem>> m_items;
     NotifyErrorFunc m_pNotifyError;
     void* m_pNotifyUser;
 };
