@@ -3,6 +3,12 @@
 add_library(velm_build_flags INTERFACE)
 target_compile_features(velm_build_flags INTERFACE cxx_std_20)
 
+# What clang-cl wants in front of an option of clang.
+set(VELM_CLANG_CL "")
+if(MSVC AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    set(VELM_CLANG_CL /clang:)
+endif()
+
 if(MSVC)
     target_compile_options(velm_build_flags INTERFACE /W4 /permissive- /utf-8 /EHsc)
     # C4251: a standard container as a private member of an exported class; both sides share one runtime.
