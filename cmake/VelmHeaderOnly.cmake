@@ -1,17 +1,15 @@
-# velm_header_only(<target> <header>): a header-only library of the system, as an imported target.
+# velm_header_only(<target> <header> [<folder>]): a header-only library of the system, as an imported target.
 #
-# The system's include folder cannot be searched by a cross compiler, whose own C library it would hide. So the one
-# file or folder that is meant is linked into a folder of the build tree, and only that is searched.
+# The system's include folder cannot be searched by a cross compiler, whose own C library it would hide. So what is
+# meant, the header or the top folder of its path, is copied into a folder of the build tree, and only that is searched.
+# Sources may ask for a header in <folder>, whether the system has it there (Debian) or at the top (vcpkg).
 function(velm_header_only target header)
-    get_filename_component(top ${header} DIRECTORY)
-    if(NOT top)
-        set(top ${header})
-    endif()
-    find_path(${target}_INCLUDE_DIR ${header} REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include
-        PATH_SUFFIXES ${target})
+    find_path(${target}_HEADER_DIR ${header} REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include
+        PATH_SUFFIXES ${target} ${ARGN})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${${target}_HEADER_DIR}/${header})
+    string(REGEX MATCH "^[^/]+" top ${header})
     set(folder ${PROJECT_BINARY_DIR}/header-only/${target})
-    file(MAKE_DIRECTORY ${folder})
-    file(CREATE_LINK ${${target}_INCLUDE_DIR}/${top} ${folder}/${top} SYMBOLIC COPY_ON_ERROR)
+    file(COPY ${${target}_HEADER_DIR}/${top} DESTINATION ${folder}/${ARGN})
     add_library(${target} INTERFACE IMPORTED GLOBAL)
     target_include_directories(${target} SYSTEM INTERFACE ${folder})
 endfunction()
