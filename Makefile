@@ -28,7 +28,7 @@ docs: setup ## the reference and the guides as a site, build/docs/html/index.htm
 	@scripts/setup docs
 	@scripts/docs
 
-lint: setup ## formatting, clang-tidy, and warnings of the three compilers
+lint: setup ## formatting, clang-tidy, and warnings of g++ and clang for both systems
 	@scripts/setup lint
 	@scripts/lint
 
