@@ -28,7 +28,7 @@ docs: setup ## build the site of the reference and the guides, build/docs/html/i
 	@scripts/setup docs
 	@scripts/docs
 
-lint: setup ## check formatting, clang-tidy, and warnings of three compilers
+lint: setup ## check formatting, clang-tidy, and warnings of g++ and clang for both systems
 	@scripts/setup lint
 	@scripts/lint
 

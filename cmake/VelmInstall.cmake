@@ -14,8 +14,13 @@ if(TARGET velm_posix)
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/posix>)
 endif()
 
+if(MSVC)
+    install(FILES $<TARGET_PDB_FILE:VelmCore> $<TARGET_PDB_FILE:VelmUtil> DESTINATION ${CMAKE_INSTALL_BINDIR}
+        OPTIONAL) # a build without debug information has none
+endif()
+
 # picojson is installed too, because the library and its callers must be built with the same version.
-file(REAL_PATH ${picojson_INCLUDE_DIR}/picojson.h picojson_header)
+file(REAL_PATH ${picojson_HEADER_DIR}/picojson.h picojson_header)
 install(FILES ${picojson_header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/third-party)
 target_include_directories(VelmUtil INTERFACE
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/VelmUtil/third-party>)

@@ -3,10 +3,18 @@
 add_library(velm_build_flags INTERFACE)
 target_compile_features(velm_build_flags INTERFACE cxx_std_20)
 
+# What clang-cl wants in front of an option of clang.
+set(VELM_CLANG_CL "")
+if(MSVC AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    set(VELM_CLANG_CL /clang:)
+endif()
+
 if(MSVC)
     target_compile_options(velm_build_flags INTERFACE /W4 /permissive- /utf-8 /EHsc)
     # C4251: exported classes have standard containers as private members; both sides share one runtime.
     target_compile_options(velm_build_flags INTERFACE /wd4251)
+    # C4996, for std::fopen and _vsnprintf: their "secure" variants are in no other runtime.
+    target_compile_definitions(velm_build_flags INTERFACE _CRT_SECURE_NO_WARNINGS)
     if(VELM_WARNINGS_AS_ERRORS)
         target_compile_options(velm_build_flags INTERFACE /WX)
     endif()
@@ -27,6 +35,8 @@ endif()
 if(MINGW)
     # Link the runtime statically, so that the libraries import only each other and Windows.
     target_link_options(velm_build_flags INTERFACE -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+    # The fake devices of the tests: their interfaces are declared "nothrow".
+    target_compile_options(velm_build_flags INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wno-microsoft-exception-spec>)
 endif()
 
 if(VELM_SANITIZE)
@@ -53,17 +63,18 @@ function(velm_version_resource target description)
     if(type STREQUAL "EXECUTABLE")
         set(VELM_RC_FILE_TYPE VFT_APP)
         set(VELM_RC_FILE_NAME ${target}.exe)
+        set(VELM_RC_DEBUG_FILE_NAME ${target}.exe)
     else()
         set(VELM_RC_FILE_TYPE VFT_DLL)
         set(VELM_RC_FILE_NAME ${target}.dll)
-        if(CMAKE_BUILD_TYPE STREQUAL "Debug")
-            set(VELM_RC_FILE_NAME ${target}${CMAKE_DEBUG_POSTFIX}.dll)
-        endif()
+        set(VELM_RC_DEBUG_FILE_NAME ${target}${CMAKE_DEBUG_POSTFIX}.dll)
     endif()
     set(VELM_RC_NAME ${target})
     set(VELM_RC_DESCRIPTION ${description})
     configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
     target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}.rc PROPERTIES
+        COMPILE_DEFINITIONS $<$<CONFIG:Debug>:VELM_DEBUG>)
 endfunction()
 
 # velm_unloadable(<target>): makes a library leave nothing behind in the process when it is unloaded.

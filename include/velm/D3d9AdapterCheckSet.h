@@ -14,7 +14,7 @@ namespace velm {
 /// @param context  the facts; valid only during the call
 /// @param item  the rule
 typedef void (*NotifyErrorFunc)(void* user, D3d9AdapterContext* context,
-                                std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
+                                Tr1SharedPtr<D3d9AdapterCheckItem> item);
 
 /// An ordered list of rules that an adapter must all satisfy; an empty set accepts every adapter. A copy
 /// shares the items. Copying and AddItem throw std::bad_alloc when out of memory and then change nothing.
@@ -32,7 +32,7 @@ public:
 
     /// Appends a rule and shares its ownership. Duplicates are kept. A null item is kept too and makes Check
     /// return VELM_ERROR_UTIL_INVALID_PARAM.
-    void AddItem(std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
+    void AddItem(Tr1SharedPtr<D3d9AdapterCheckItem> item);
 
 #if !VELM_TR1_SHARED_PTR_IS_STD
     /// The same for a std::shared_ptr, which the set keeps as long as the rule.
@@ -42,7 +42,7 @@ public:
             void operator()(D3d9AdapterCheckItem*) { item.reset(); }
         };
         D3d9AdapterCheckItem* const rule = item.get();
-        AddItem(std::tr1::shared_ptr<D3d9AdapterCheckItem>(rule, Holder{std::move(item)}));
+        AddItem(Tr1SharedPtr<D3d9AdapterCheckItem>(rule, Holder{std::move(item)}));
     }
 #endif
 
@@ -76,9 +76,9 @@ public:
 
 private:
     ErrorCode CheckCommand(bool* passed, D3d9AdapterContext* context,
-                           std::tr1::shared_ptr<D3d9AdapterCheckItem> item);
+                           Tr1SharedPtr<D3d9AdapterCheckItem> item);
 
-    std::vector<std::tr1::shared_ptr<D3d9AdapterCheckItem>> m_items;
+    std::vector<Tr1SharedPtr<D3d9AdapterCheckItem>> m_items;
     NotifyErrorFunc m_pNotifyError;
     void* m_pNotifyUser;
 };

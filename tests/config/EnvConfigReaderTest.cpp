@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 namespace velm {
@@ -15,11 +16,14 @@ std::string Read(const std::string& name, std::string value = "old") {
 }
 
 TEST(EnvConfigReader, VariablesAreNotTakenForOneAnother) {
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST", L"a=b \x20AC\xD83D\xDE00"));
+    ASSERT_EQ(_wputenv(L"VELM_TEST=a=b \x20AC\xD83D\xDE00"), 0);
+    ASSERT_EQ(_wputenv(L"VELM_TEST_GONE=x"), 0);
+    ASSERT_EQ(_wputenv(L"VELM_TEST_GONE="), 0);
+    ASSERT_EQ(_wputenv(L"VELM_TEST_\xE9=accent"), 0);
+#if !defined(_MSC_VER)  // its runtime has an environment of its own, where nothing can be set but empty
     ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_EMPTY", L""));
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_GONE", L"x"));
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_GONE", nullptr));
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_\xE9", L"accent"));
+    EXPECT_EQ(Read("VELM_TEST_EMPTY"), "");
+#endif
     const struct {
         std::string name;
         std::string value;
@@ -27,7 +31,6 @@ TEST(EnvConfigReader, VariablesAreNotTakenForOneAnother) {
         {"VELM_TEST", "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
         {"velm_Test", "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
         {std::string("VELM_TEST\0x", 11), "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
-        {"VELM_TEST_EMPTY", ""},  // set but empty is not missing
         {"VELM_TEST_GONE", "old"},
         {"VELM_TEST=a", "old"},
         {"VELM_TEST_\x82", "accent"},   // the letter in code page 437
@@ -39,12 +42,12 @@ TEST(EnvConfigReader, VariablesAreNotTakenForOneAnother) {
 }
 
 TEST(EnvConfigReader, AValueThatChangesIsReadWhole) {
-    const std::wstring longValue(5000, L'l');
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_RACE", L"short"));
+    const std::wstring longEntry = L"VELM_TEST_RACE=" + std::wstring(5000, L'l');
+    ASSERT_EQ(_wputenv(L"VELM_TEST_RACE=short"), 0);
     std::atomic<bool> stop{false};
     std::thread writer([&] {
         for (int i = 0; !stop; ++i) {
-            SetEnvironmentVariableW(L"VELM_TEST_RACE", i % 2 == 0 ? longValue.c_str() : L"short");
+            _wputenv(i % 2 == 0 ? longEntry.c_str() : L"VELM_TEST_RACE=short");
         }
     });
     for (int i = 0; i < 2000; ++i) {

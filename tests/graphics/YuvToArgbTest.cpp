@@ -188,23 +188,33 @@ TEST(YuvKernels, FindsNoKernelThatIsUnknown) {
     EXPECT_EQ(yuv::FindKernel(yuv::BestKernel().name), &yuv::BestKernel());
 }
 
-TEST(CpuFeatures, TrustsNoExtensionWhoseRegistersTheSystemDoesNotSave) {
+TEST(CpuFeatures, OneMissingPartRulesALevelOut) {
     using yuv::CpuLevel;
-    constexpr unsigned int kOsxsaveAvx = 0x18000000;
-    constexpr unsigned int kAvx2 = 0x20;
-    constexpr unsigned int kAvx512 = 0x40010020;
-    const std::pair<yuv::CpuReport, CpuLevel> cases[] = {
-        {{7, kOsxsaveAvx, kAvx512, 0x2, 0xE7}, CpuLevel::kAvx512Vbmi},
-        {{7, kOsxsaveAvx, kAvx512, 0x0, 0xE7}, CpuLevel::kAvx512Bw},
-        {{7, kOsxsaveAvx, 0x00010020, 0x2, 0xE7}, CpuLevel::kAvx2},  // AVX-512F without BW
-        {{7, kOsxsaveAvx, kAvx512, 0x2, 0x07}, CpuLevel::kAvx2},     // no 512-bit state
-        {{7, kOsxsaveAvx, kAvx512, 0x2, 0x67}, CpuLevel::kAvx2},     // part of it
-        {{7, kOsxsaveAvx, kAvx2, 0x0, 0x03}, CpuLevel::kBaseline},   // no 256-bit state
-        {{7, 0x10000000, kAvx2, 0x0, 0x00}, CpuLevel::kBaseline},    // XGETBV not enabled
-        {{1, kOsxsaveAvx, kAvx2, 0x0, 0x07}, CpuLevel::kBaseline},   // no leaf 7
+    constexpr unsigned int kLeaf1 = 0x18001000;   // OSXSAVE, AVX, FMA
+    constexpr unsigned int kAvx2 = 0x00000128;    // AVX2, BMI1, BMI2
+    constexpr unsigned int kAvx512 = 0xD0030128;  // and AVX-512 F, BW, CD, DQ, VL
+    struct Case {
+        yuv::CpuReport report;
+        CpuLevel level;
     };
+    std::vector<Case> cases = {
+        {{7, kLeaf1, kAvx512, 0x2, 0xE7}, CpuLevel::kAvx512Vbmi},
+        {{7, kLeaf1, kAvx512, 0x0, 0xE7}, CpuLevel::kAvx512Bw},
+        {{7, kLeaf1, kAvx2, 0x2, 0xE7}, CpuLevel::kAvx2},
+        {{7, kLeaf1, kAvx512, 0x2, 0x07}, CpuLevel::kAvx2},    // no 512-bit state
+        {{7, kLeaf1, kAvx512, 0x2, 0x67}, CpuLevel::kAvx2},    // part of it
+        {{7, kLeaf1, kAvx2, 0x0, 0x03}, CpuLevel::kBaseline},  // no 256-bit state
+        {{1, kLeaf1, kAvx2, 0x0, 0x07}, CpuLevel::kBaseline},  // no leaf 7
+    };
+    for (const unsigned int bit : {12U, 27U, 28U}) {
+        cases.push_back({{7, kLeaf1 & ~(1U << bit), kAvx512, 0x2, 0xE7}, CpuLevel::kBaseline});
+    }
+    for (const unsigned int bit : {3U, 5U, 8U, 16U, 17U, 28U, 30U, 31U}) {
+        cases.push_back({{7, kLeaf1, kAvx512 & ~(1U << bit), 0x2, 0xE7},
+                         bit < 16 ? CpuLevel::kBaseline : CpuLevel::kAvx2});
+    }
     for (const auto& at : cases) {
-        EXPECT_EQ(yuv::LevelOf(at.first), at.second) << "case " << &at - cases;
+        EXPECT_EQ(yuv::LevelOf(at.report), at.level) << "case " << &at - cases.data();
     }
 }
 

@@ -39,7 +39,8 @@ struct Conversion {
     decltype(&velm::Yuv420ToArgb8888_BT601) function;
 };
 
-constexpr Conversion kConversionTable[] = {
+// Not constexpr: for Visual C++ the address of an imported function is no constant expression.
+const Conversion kConversionTable[] = {
     {&velm::yuv::kBt601, velm::Yuv420ToArgb8888_BT601},
     {&velm::yuv::kBt709, velm::Yuv420ToArgb8888_BT709},
 };

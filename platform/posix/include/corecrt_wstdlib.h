@@ -10,7 +10,9 @@ extern "C" {
 /// @param value  out: the copy, which the caller frees with free
 int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* name);
 
-/// An empty value removes the variable.
-int _wputenv_s(const wchar_t* name, const wchar_t* value);
+/// Sets a variable.
+/// @param entry  NAME=VALUE; an empty value removes the variable
+/// @return 0, or -1
+int _wputenv(const wchar_t* entry);
 
 }  // extern "C"

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cwchar>
 #include <mutex>
 #include <string>
 
@@ -84,6 +85,11 @@ int _wdupenv_s(wchar_t** value, SIZE_T* units, const wchar_t* wideName) {
     });
 }
 
-int _wputenv_s(const wchar_t* name, const wchar_t* value) {
-    return SetEnvironmentVariableW(name, *value != L'\0' ? value : nullptr) ? 0 : EINVAL;
+int _wputenv(const wchar_t* entry) {
+    const wchar_t* const equals = std::wcschr(entry, L'=');
+    if (equals == nullptr) {
+        return -1;
+    }
+    const wchar_t* const value = equals[1] != L'\0' ? equals + 1 : nullptr;
+    return SetEnvironmentVariableW(std::wstring(entry, equals).c_str(), value) ? 0 : -1;
 }

@@ -7,18 +7,38 @@
 #endif
 
 #include <atomic>
+#include <initializer_list>
 
 namespace velm::yuv {
 namespace {
 
 constexpr unsigned int kLeaf1EcxOsxsave = 1U << 27;
-constexpr unsigned int kLeaf1EcxAvx = 1U << 28;
-constexpr unsigned int kLeaf7EbxAvx2 = 1U << 5;
-constexpr unsigned int kLeaf7EbxAvx512F = 1U << 16;
-constexpr unsigned int kLeaf7EbxAvx512Bw = 1U << 30;
-constexpr unsigned int kLeaf7EcxAvx512Vbmi = 1U << 1;
-constexpr unsigned long long kYmmState = 0x06;  // SSE and the upper halves of the 256-bit registers
-constexpr unsigned long long kZmmState = 0xE6;  // and mask registers, upper halves, registers 16 to 31
+
+constexpr unsigned int MaskOf(std::initializer_list<int> bits) {
+    unsigned int mask = 0;
+    for (const int bit : bits) {
+        mask |= 1U << bit;
+    }
+    return mask;
+}
+
+/// What a level asks of the processor beyond the levels before it. That is more than the kernels name:
+/// /arch:AVX2 also lets Visual C++ emit FMA, BMI1 and BMI2, and /arch:AVX512 the extensions CD, DQ and VL.
+struct Requirement {
+    CpuLevel level;
+    unsigned int leaf1Ecx;
+    unsigned int leaf7Ebx;
+    unsigned int leaf7Ecx;
+    unsigned long long xcr0;
+};
+
+constexpr Requirement kRequirements[] = {
+    // OSXSAVE, AVX, FMA; AVX2, BMI1, BMI2; SSE and the upper halves of the 256-bit registers
+    {CpuLevel::kAvx2, MaskOf({27, 28, 12}), MaskOf({5, 3, 8}), 0, 0x06},
+    // AVX-512 F, BW, CD, DQ, VL; and mask registers, upper halves, registers 16 to 31
+    {CpuLevel::kAvx512Bw, 0, MaskOf({16, 30, 28, 17, 31}), 0, 0xE6},
+    {CpuLevel::kAvx512Vbmi, 0, 0, MaskOf({1}), 0},
+};
 
 struct CpuidResult {
     unsigned int eax = 0;
@@ -76,14 +96,16 @@ CpuReport ReadCpuReport() {
 }
 
 CpuLevel LevelOf(const CpuReport& report) {
-    if (report.highestLeaf < 7 || !HasAll(report.leaf1Ecx, kLeaf1EcxOsxsave | kLeaf1EcxAvx) ||
-        !HasAll(report.leaf7Ebx, kLeaf7EbxAvx2) || !HasAll(report.xcr0, kYmmState)) {
-        return CpuLevel::kBaseline;
+    CpuLevel level = CpuLevel::kBaseline;
+    for (const Requirement& next : kRequirements) {
+        if (report.highestLeaf < 7 || !HasAll(report.leaf1Ecx, next.leaf1Ecx) ||
+            !HasAll(report.leaf7Ebx, next.leaf7Ebx) || !HasAll(report.leaf7Ecx, next.leaf7Ecx) ||
+            !HasAll(report.xcr0, next.xcr0)) {
+            break;
+        }
+        level = next.level;
     }
-    if (!HasAll(report.leaf7Ebx, kLeaf7EbxAvx512F | kLeaf7EbxAvx512Bw) || !HasAll(report.xcr0, kZmmState)) {
-        return CpuLevel::kAvx2;
-    }
-    return HasAll(report.leaf7Ecx, kLeaf7EcxAvx512Vbmi) ? CpuLevel::kAvx512Vbmi : CpuLevel::kAvx512Bw;
+    return level;
 }
 
 // Threads that come at the same time each ask, and all store the same answer. A function's static would make
