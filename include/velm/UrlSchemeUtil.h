@@ -7,24 +7,32 @@
 namespace velm {
 
 /// Reads links that are handed to the client, and decides which addresses it accepts. Links and addresses are
-/// matched, in full and as bytes, against regular expressions (ECMAScript) that are kept scrambled.
+/// matched, in full and as bytes, against regular expressions that are kept scrambled.
 ///
-/// Every text may come from a stranger, patterns included: whatever they are, matching uses no stack per
-/// character and takes well under 100 ms. What would take more is refused, as if it did not match:
-/// - a pattern of more than 16,384 bytes, or of more than 65,536 instructions once its counted repetitions
-///   are written out, or that nests look-ahead more than 16 deep, or whose parts repeat each other so often
-///   that compiling it would take millions of moves;
-/// - a match of more than 8,388,608 steps, or with more than 524,288 ways left open. Most patterns take
-///   one to seven steps for a byte of the address and leave nothing open, so an address of a megabyte is
-///   matched. Patterns that leave a way open at every byte, such as "(a+)+b", and those with look-ahead or
-///   back-references suit shorter ones;
-/// - a match that leaves a way open, when the pattern's branches (its alternatives, and its repetitions once
+/// Patterns have the ECMAScript grammar of std::regex with its default flags, in the "C" locale. In detail:
+/// - `^`, `\b` and `\B` in a look-ahead see the text before it, as ECMAScript has it. `\cX` takes a letter
+/// and
+///   is that control character. `\u` above 00FF is invalid: text is bytes. (libstdc++ differs in all three.)
+/// - As in std::regex, a back-reference is invalid before the end of its group and fails if the group has no
+///   text. As in libstdc++, a group keeps its text when a loop enters it again and when matching backtracks
+///   to before the look-ahead that set it, unless that is part of a look-ahead that fails.
+///
+/// All text is untrusted, patterns included. Matching uses no stack per character, and a call takes well
+/// under 100 ms. What would take more is refused as if it did not match:
+/// - a pattern of more than 16,384 bytes, of more than 65,536 instructions once its counted repetitions are
+///   written out, with look-ahead nested more than 16 deep, or with so many nested repetitions that compiling
+///   it would move millions of instructions;
+/// - a call of more than 4,194,304 steps. Bytes that leave one way to go on cost a quarter of a step in most
+///   patterns, so a link or an address of a megabyte is matched. A byte at which two ways are open costs
+///   about five. Patterns like "(a+)+b", where that is every byte, and those with look-ahead or
+///   back-references suit shorter text;
+/// - a match that has two ways open anywhere, if the pattern's branches (alternatives, and repetitions once
 ///   the counted ones are written out) times the bytes of the address are more than 67,108,864.
 ///
 /// Threads: any number at once, each with output strings of its own.
 class VELM_UTIL_API UrlSchemeUtil {
 public:
-    /// There is nothing in an object to copy.
+    /// Does nothing: an object has no state.
     UrlSchemeUtil& operator=(const UrlSchemeUtil& other);
 
     /// Reads a link and checks the address that it leads to. Three forms are read:
@@ -34,24 +42,24 @@ public:
     ///     velm://resume?title=TITLE&ticket=TICKET          for the caller's own address
     ///
     /// @param source  the link
-    /// @param url  on entry, its beginning chooses the scheme of the address: "http:" or "https". It receives
-    ///             the scheme, "://" and BODY; a resume link leaves it as it is
+    /// @param url  on entry, starts with "http:" or "https", which selects the scheme of the address. It
+    ///             receives the scheme, "://" and BODY; a resume link leaves it unchanged
     /// @param param1, param2  receive TITLE and TICKET
-    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for another beginning of `url` or another form of link, all
-    ///         outputs unchanged, and for an address that checkPavix refuses, the outputs being set
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM if `url` starts otherwise or the link has another form, with
+    ///         all outputs unchanged, or if checkPavix would refuse the address, with the outputs set
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode read(const std::string& source, std::string& url, std::string& param1,
                           std::string& param2);
 
-    /// Whether a pattern of the caller's covers the whole of an address.
-    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. It ends
-    ///                 at its first NUL
-    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when it does not, and for a pattern that is not valid
+    /// Whether a pattern matches the whole of an address.
+    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. Ends at
+    ///                 its first NUL
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM if it does not match or is invalid
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode checkDomain(const std::string& url, const std::string& pattern);
 
     /// Whether the client accepts an address.
-    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when it does not
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM if not
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode checkPavix(const std::string& url);
 

@@ -1,15 +1,15 @@
 /// @file
-/// The expressions that decide which links and addresses are accepted. They are readable here and nowhere
-/// else: compiling scrambles them, and no binary holds the plain text.
+/// The expressions that decide which links and addresses are accepted. The compiler scrambles them, so no
+/// binary holds the plain text.
 #pragma once
 
 #include <string_view>
 
 #include "url/Scramble.h"
 
-// A host in lower case, labels joined by dots; a port; a path without ";", "?", "#", ":" and "@". Each
-// repetition ends where a character comes that it cannot take, so matching hardly ever goes back. No group
-// can hold a NUL.
+// A lower-case host of labels joined by dots, a port, a path without ";", "?", "#", ":" and "@". Each
+// repetition ends at a character that it cannot match, so matching hardly ever backtracks. No group can hold
+// a NUL.
 #define VELM_LABEL "[a-z0-9]+(?:-+[a-z0-9]+)*"
 #define VELM_PORT "(?::[0-9]{1,5})?"
 #define VELM_PLAIN "[A-Za-z0-9._~!$&'()*+,=/-]*"
@@ -25,7 +25,7 @@
 
 namespace velm {
 
-// A constant array each, so that the text is scrambled before any code is made from it.
+// Constant arrays, so that the text is scrambled at compile time.
 namespace scrambled {
 
 inline constexpr auto kConnectLink =
@@ -55,8 +55,8 @@ inline constexpr LinkPattern kLinkPatterns[] = {
     {scrambled::kResumeLink.data(), false},
 };
 
-/// An address that is accepted matches exactly two: the shape, which leaves out user names, queries and
-/// fragments, and one service.
+/// An accepted address matches exactly two: the shape, which excludes user names, queries and fragments, and
+/// one service.
 inline constexpr std::string_view kServicePatterns[] = {
     scrambled::kShape.data(), scrambled::kProduction.data(), scrambled::kStaging.data(),
     scrambled::kEdge.data(),  scrambled::kLoopback.data(),

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "url/PatternCompiler.h"
-#include "url/PatternMatcher.h"
+#include "url/pattern/PatternCompiler.h"
+#include "url/pattern/PatternMatcher.h"
 #include "url/Scramble.h"
 #include "url/StoredPatterns.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMatchesOfAnAcceptedAddress = 2;
 
-/// "http://" or "https://", as the first five bytes of an address ask for; empty for neither.
+/// "http://" or "https://", whichever the first five bytes of an address select; empty for neither.
 std::string_view PrefixFor(std::string_view address) {
     const std::string_view beginning = address.substr(0, 5);
     if (beginning == "http:") {
@@ -28,25 +28,13 @@ std::optional<PatternProgram> CompileScrambled(std::string_view pattern) {
     return PatternCompiler::Compile(Unscramble(pattern));
 }
 
-bool Matches(std::string_view text, std::string_view scrambledPattern) {
+bool Matches(std::string_view text, std::string_view scrambledPattern, std::size_t& stepsLeft) {
     const auto program = CompileScrambled(scrambledPattern);
-    return program && PatternMatcher::Match(*program, text);
+    return program && PatternMatcher::Match(*program, text, stepsLeft);
 }
 
-}  // namespace
-
-UrlSchemeUtil& UrlSchemeUtil::operator=(const UrlSchemeUtil&) {
-    return *this;
-}
-
-ErrorCode UrlSchemeUtil::read(const std::string& source, std::string& url, std::string& param1,
-                              std::string& param2) {
-    const ErrorCode result = readLocal(source, url, param1, param2);
-    return result.IsFailed() ? result : checkPavix(url);
-}
-
-ErrorCode UrlSchemeUtil::readLocal(const std::string& source, std::string& url, std::string& param1,
-                                   std::string& param2) {
+ErrorCode Read(const std::string& source, std::string& url, std::string& param1, std::string& param2,
+               std::size_t& stepsLeft) {
     const std::string_view prefix = PrefixFor(url);
     if (prefix.empty()) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
@@ -61,7 +49,7 @@ ErrorCode UrlSchemeUtil::readLocal(const std::string& source, std::string& url, 
     }
     PatternMatcher::Groups groups;
     std::size_t form = 0;
-    while (form < programs.size() && !PatternMatcher::Match(programs[form], source, &groups)) {
+    while (form < programs.size() && !PatternMatcher::Match(programs[form], source, stepsLeft, &groups)) {
         ++form;
     }
     const bool hasBody = form < programs.size() && kLinkPatterns[form].hasBody;
@@ -79,16 +67,41 @@ ErrorCode UrlSchemeUtil::readLocal(const std::string& source, std::string& url, 
     return 0;
 }
 
+ErrorCode CheckServices(const std::string& url, std::size_t& stepsLeft) {
+    int matches = 0;
+    for (const std::string_view pattern : kServicePatterns) {
+        matches += Matches(url, pattern, stepsLeft) ? 1 : 0;
+    }
+    return matches == kMatchesOfAnAcceptedAddress ? ErrorCode(0) : ErrorCode(VELM_ERROR_UTIL_INVALID_PARAM);
+}
+
+}  // namespace
+
+UrlSchemeUtil& UrlSchemeUtil::operator=(const UrlSchemeUtil&) {
+    return *this;
+}
+
+ErrorCode UrlSchemeUtil::read(const std::string& source, std::string& url, std::string& param1,
+                              std::string& param2) {
+    std::size_t stepsLeft = PatternLimits::kSteps;  // for both halves
+    const ErrorCode result = Read(source, url, param1, param2, stepsLeft);
+    return result.IsFailed() ? result : CheckServices(url, stepsLeft);
+}
+
+ErrorCode UrlSchemeUtil::readLocal(const std::string& source, std::string& url, std::string& param1,
+                                   std::string& param2) {
+    std::size_t stepsLeft = PatternLimits::kSteps;
+    return Read(source, url, param1, param2, stepsLeft);
+}
+
 ErrorCode UrlSchemeUtil::checkDomain(const std::string& url, const std::string& pattern) {
-    return Matches(url, pattern) ? ErrorCode(0) : ErrorCode(VELM_ERROR_UTIL_INVALID_PARAM);
+    std::size_t stepsLeft = PatternLimits::kSteps;
+    return Matches(url, pattern, stepsLeft) ? ErrorCode(0) : ErrorCode(VELM_ERROR_UTIL_INVALID_PARAM);
 }
 
 ErrorCode UrlSchemeUtil::checkPavix(const std::string& url) {
-    int matches = 0;
-    for (const std::string_view pattern : kServicePatterns) {
-        matches += Matches(url, pattern) ? 1 : 0;
-    }
-    return matches == kMatchesOfAnAcceptedAddress ? ErrorCode(0) : ErrorCode(VELM_ERROR_UTIL_INVALID_PARAM);
+    std::size_t stepsLeft = PatternLimits::kSteps;
+    return CheckServices(url, stepsLeft);
 }
 
 }  // namespace velm

@@ -1,4 +1,4 @@
-#include "url/PatternMatcher.h"
+#include "url/pattern/PatternMatcher.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,8 +6,17 @@
 namespace velm {
 namespace {
 
-constexpr std::size_t kStepsToSave = 2;  // saving and going back take longer than a step
-constexpr std::uint8_t kMostTurnsAtAPosition = 2;
+constexpr std::size_t kStepsToSave = 2;   // saving and backtracking take longer than a step
+constexpr std::size_t kBytesPerStep = 4;  // where nothing but bytes is compared
+constexpr std::uint8_t kMostIterationsAtAPosition = 2;
+
+// The transitions of one program: 128 KB at most, and only for text that repays clearing them.
+constexpr std::size_t kMostInstructionsWithTransitions = 256;
+constexpr std::size_t kLeastTextWithTransitions = 4096;
+constexpr std::size_t kBytes = 256;
+constexpr std::uint16_t kUnknown = 0;
+constexpr std::uint16_t kNone = 1;   // the byte alone decides nothing here
+constexpr std::uint16_t kFirst = 2;  // leads to instruction 0
 
 std::uint32_t Target(std::uint32_t from, const PatternInstruction& instruction) {
     return from + static_cast<std::uint32_t>(instruction.offset);
@@ -15,11 +24,13 @@ std::uint32_t Target(std::uint32_t from, const PatternInstruction& instruction) 
 
 }  // namespace
 
-bool PatternMatcher::Match(const PatternProgram& program, std::string_view text, Groups* groups) {
-    if (text.size() > PatternLimits::kSteps) {  // a match takes a step for each character
+bool PatternMatcher::Match(const PatternProgram& program, std::string_view text, std::size_t& stepsLeft,
+                           Groups* groups) {
+    if (text.size() / kBytesPerStep > stepsLeft) {
+        stepsLeft = 0;
         return false;
     }
-    PatternMatcher matcher(program, text, groups != nullptr || program.hasBackReference);
+    PatternMatcher matcher(program, text, stepsLeft, groups != nullptr || program.hasBackReference);
     if (!matcher.Run({0, 0}, true)) {
         return false;
     }
@@ -35,18 +46,27 @@ bool PatternMatcher::Match(const PatternProgram& program, std::string_view text,
     return true;
 }
 
-PatternMatcher::PatternMatcher(const PatternProgram& program, std::string_view text, bool tracksGroups)
+PatternMatcher::PatternMatcher(const PatternProgram& program, std::string_view text, std::size_t& stepsLeft,
+                               bool tracksGroups)
     : m_program(program),
       m_text(text),
+      m_stepsLeft(stepsLeft),
       m_tracksGroups(tracksGroups),
       m_groups(program.groups),
-      m_turns(program.IsRegular() ? 0 : program.branches) {}
+      m_iterations(program.IsRegular() ? 0 : program.branches) {
+    const std::size_t instructions = program.instructions.size();
+    if (!program.next.empty() && instructions <= kMostInstructionsWithTransitions &&
+        text.size() >= kLeastTextWithTransitions) {
+        m_transitions.resize(instructions * kBytes, kUnknown);
+    }
+}
 
-/// Runs from the cursor to kAccept, at the end of the text when the `whole` is to match.
+/// Runs from the cursor to kAccept, at the end of the text if the `whole` is to match.
 bool PatternMatcher::Run(Cursor cursor, bool whole) {
     const std::size_t base = m_saved.size();
     for (;;) {
-        if (++m_steps > PatternLimits::kSteps) {
+        FollowTransitions(cursor);
+        if (!Spend(1)) {
             return false;
         }
         const Operation operation = m_program.instructions[cursor.next].operation;
@@ -60,7 +80,80 @@ bool PatternMatcher::Run(Cursor cursor, bool whole) {
     }
 }
 
-/// Runs one instruction; false when it does not match.
+/// Consumes bytes for as long as each of them decides where to go on.
+inline void PatternMatcher::FollowTransitions(Cursor& cursor) {
+    if (m_transitions.empty()) {
+        return;
+    }
+    const auto* const text = reinterpret_cast<const unsigned char*>(m_text.data());
+    const auto* const end = text + m_text.size();
+    const auto* at = text + cursor.position;
+    while (at != end) {
+        std::uint16_t* const row = &m_transitions[cursor.next * kBytes];
+        const std::uint32_t same = kFirst + cursor.next;
+        while (at != end && row[*at] == same) {  // a loop over one set, without waiting for its own loads
+            ++at;
+        }
+        if (at == end) {
+            break;
+        }
+        if (row[*at] == kUnknown) {
+            row[*at] = FindTransition(cursor.next, *at);
+        }
+        if (row[*at] == kNone) {
+            break;
+        }
+        cursor.next = row[*at++] - std::uint32_t{kFirst};
+    }
+    const auto position = static_cast<std::uint32_t>(at - text);
+    Spend((position - std::exchange(cursor.position, position)) / kBytesPerStep);
+}
+
+/// Where a match goes on that is at an instruction and consumes a byte: kFirst + the instruction. kNone if it
+/// fails, if more than one way is open, or if more than the byte has a say.
+std::uint16_t PatternMatcher::FindTransition(std::uint32_t instruction, unsigned char byte) const {
+    // A loop around an empty part leads back to itself.
+    for (std::size_t hops = 0; hops < m_program.instructions.size(); ++hops) {
+        const PatternInstruction& at = m_program.instructions[instruction];
+        const std::uint32_t target = Target(instruction, at);
+        switch (at.operation) {
+            case Operation::kCharacter:
+            case Operation::kSet: {
+                const PatternInstruction& next = m_program.instructions[instruction + 1];
+                const std::uint32_t after =
+                    next.operation == Operation::kJump ? Target(instruction + 1, next) : instruction + 1;
+                return m_program.next[instruction].bytes[byte] ? static_cast<std::uint16_t>(kFirst + after)
+                                                               : kNone;
+            }
+            case Operation::kJump:
+                instruction = target;
+                break;
+            case Operation::kAlternative:
+            case Operation::kRepeat:
+            case Operation::kRepeatSet:
+            case Operation::kRepeatLazily: {
+                const bool next = m_program.next[instruction + 1].bytes[byte];
+                if (next == m_program.next[target].bytes[byte]) {
+                    return kNone;
+                }
+                instruction = next ? instruction + 1 : target;
+                break;
+            }
+            case Operation::kGroupBegin:
+            case Operation::kGroupEnd:
+                if (m_tracksGroups) {
+                    return kNone;
+                }
+                ++instruction;
+                break;
+            default:
+                return kNone;
+        }
+    }
+    return kNone;
+}
+
+/// Runs one instruction; false if it does not match.
 inline bool PatternMatcher::Step(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     switch (instruction.operation) {
@@ -91,7 +184,7 @@ inline bool PatternMatcher::Step(Cursor& cursor) {
         case Operation::kBackReference:
             return StepBackReference(cursor);
         case Operation::kLookAhead:
-        case Operation::kNoLookAhead:
+        case Operation::kNegativeLookAhead:
             return StepLookAhead(cursor);
         default:
             if (!Holds(instruction, cursor.position)) {
@@ -103,7 +196,7 @@ inline bool PatternMatcher::Step(Cursor& cursor) {
     return true;
 }
 
-/// Takes the first way of a branch and saves the second, as far as they can go on.
+/// Takes the preferred way of a branch and saves the other, unless the next byte rules one out.
 inline bool PatternMatcher::StepBranch(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     std::uint32_t first = cursor.next + 1;
@@ -125,7 +218,7 @@ inline bool PatternMatcher::StepBranch(Cursor& cursor) {
     }
     const std::size_t visits = (m_text.size() + 1) * m_program.branches;
     if (visits > PatternLimits::kVisits) {
-        return GiveUp();
+        return LimitExceeded();
     }
     m_visits.resize(visits);
     auto visited = m_visits[std::size_t{cursor.position} * m_program.branches + instruction.argument];
@@ -137,7 +230,7 @@ inline bool PatternMatcher::StepBranch(Cursor& cursor) {
     return Save(Saved::Kind::kBranch, second, cursor.position);
 }
 
-/// Takes bytes of a set for as long as taking them is the only way.
+/// Consumes bytes of a set for as long as that is the only way.
 inline void PatternMatcher::TakeBytes(std::uint32_t set, std::uint32_t otherWay, Cursor& cursor) {
     const auto& bytes = m_program.sets[set];
     const auto& otherBytes = m_program.next[otherWay].bytes;
@@ -149,41 +242,41 @@ inline void PatternMatcher::TakeBytes(std::uint32_t set, std::uint32_t otherWay,
         }
         ++cursor.position;
     }
-    m_steps += cursor.position - begin;
+    Spend((cursor.position - begin) / kBytesPerStep);
 }
 
-/// The same in a program that is not regular: every way counts, but a quantifier's turns are bounded.
+/// A branch of a program that is not regular: all ways count, but the iterations at a position are bounded.
 bool PatternMatcher::StepCountedBranch(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     const std::uint32_t behind = Target(cursor.next, instruction);
     if (instruction.operation == Operation::kRepeatLazily) {
         const std::uint32_t repeat = std::exchange(cursor.next, behind);
-        return Save(Saved::Kind::kTurn, repeat, cursor.position);
+        return Save(Saved::Kind::kIteration, repeat, cursor.position);
     }
     if (!Save(Saved::Kind::kBranch, behind, cursor.position)) {
         return false;
     }
     if (instruction.operation != Operation::kAlternative) {
-        return BeginTurn(cursor);
+        return BeginIteration(cursor);
     }
     ++cursor.next;
     return true;
 }
 
-/// Begins one more turn of the quantifier that the cursor is at, unless it would change nothing.
-bool PatternMatcher::BeginTurn(Cursor& cursor) {
+/// Begins one more iteration of the quantifier at the cursor, unless it would change nothing.
+bool PatternMatcher::BeginIteration(Cursor& cursor) {
     const std::uint32_t branch = m_program.instructions[cursor.next].argument;
-    Turns& turns = m_turns[branch];
-    const Turns before = turns;
+    Iterations& iterations = m_iterations[branch];
+    const Iterations before = iterations;
     if (before.position != cursor.position || before.count == 0) {
-        turns = {cursor.position, 1};
-    } else if (before.count < kMostTurnsAtAPosition) {
-        ++turns.count;
+        iterations = {cursor.position, 1};
+    } else if (before.count < kMostIterationsAtAPosition) {
+        ++iterations.count;
     } else {
         return false;
     }
     ++cursor.next;
-    return Save(Saved::Kind::kTurns, branch, before.position, before.count);
+    return Save(Saved::Kind::kUndoIterations, branch, before.position, before.count);
 }
 
 bool PatternMatcher::StepGroup(Cursor& cursor) {
@@ -194,10 +287,10 @@ bool PatternMatcher::StepGroup(Cursor& cursor) {
     Group& group = m_groups[instruction.argument];
     if (instruction.operation == Operation::kGroupBegin) {
         const std::uint32_t before = std::exchange(group.begin, cursor.position);
-        return Save(Saved::Kind::kGroupBegin, instruction.argument, before);
+        return Save(Saved::Kind::kUndoGroupBegin, instruction.argument, before);
     }
     const std::uint32_t before = std::exchange(group.end, cursor.position);
-    return Save(Saved::Kind::kGroupEnd, instruction.argument, before);
+    return Save(Saved::Kind::kUndoGroupEnd, instruction.argument, before);
 }
 
 bool PatternMatcher::StepBackReference(Cursor& cursor) {
@@ -206,8 +299,7 @@ bool PatternMatcher::StepBackReference(Cursor& cursor) {
         return false;
     }
     const std::string_view expected = m_text.substr(group.begin, group.end - group.begin);
-    m_steps += expected.size();
-    if (!m_text.substr(cursor.position).starts_with(expected)) {
+    if (!Spend(expected.size() / kBytesPerStep) || !m_text.substr(cursor.position).starts_with(expected)) {
         return false;
     }
     cursor.position += static_cast<std::uint32_t>(expected.size());
@@ -215,42 +307,48 @@ bool PatternMatcher::StepBackReference(Cursor& cursor) {
     return true;
 }
 
-/// The compiler bounds the depth of this recursion. Groups keep what a look-ahead put into them, also when
-/// the matcher goes back behind it: that is how libstdc++ has it.
+/// The compiler bounds the depth of this recursion. As in libstdc++, the groups of a look-ahead that matched
+/// outlive backtracking to before it. So they have no undo entries, and one that fails restores all groups.
 bool PatternMatcher::StepLookAhead(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
-    const std::uint32_t begin = std::exchange(m_begin, cursor.position);
+    std::vector<Group> groups;
+    if (m_tracksGroups) {
+        if (!Spend(m_groups.size())) {
+            return false;
+        }
+        groups = m_groups;
+    }
     const bool matches = Run({cursor.next + 1, cursor.position}, false);
-    m_begin = begin;
+    if (!matches && m_tracksGroups) {
+        m_groups = std::move(groups);
+    }
     cursor.next = Target(cursor.next, instruction);
     return matches == (instruction.operation == Operation::kLookAhead);
 }
 
-/// Forgets the ways that a look-ahead which matched has left, but not its groups.
+/// Drops the backtracking points of a look-ahead that matched; its groups stay.
 void PatternMatcher::LeaveLookAhead(std::size_t base) {
     for (; m_saved.size() > base; m_saved.pop_back()) {
         const Saved& saved = m_saved.back();
-        if (saved.kind == Saved::Kind::kTurns) {
-            m_turns[saved.index] = {saved.position, saved.count};
+        if (saved.kind == Saved::Kind::kUndoIterations) {
+            m_iterations[saved.index] = {saved.position, saved.count};
         }
     }
 }
 
-/// Whether an assertion holds at a position.
 bool PatternMatcher::Holds(const PatternInstruction& assertion, std::uint32_t position) const {
     if (assertion.operation == Operation::kTextBegin) {
-        return position == m_begin;
+        return position == 0;
     }
     if (assertion.operation == Operation::kTextEnd) {
         return position == m_text.size();
     }
-    const bool before = position != m_begin && IsInSet(assertion.argument, position - 1);
+    const bool before = position != 0 && IsInSet(assertion.argument, position - 1);
     const bool after = IsInSet(assertion.argument, position);
     return (before != after) == (assertion.operation == Operation::kWordBoundary);
 }
 
-/// Puts back what was changed since the last way that is left, and goes there; false when there is none above
-/// `base`.
+/// Rolls back to the latest backtracking point; false if there is none above `base`.
 inline bool PatternMatcher::Backtrack(std::size_t base, Cursor& cursor) {
     while (m_saved.size() > base) {
         const Saved saved = m_saved.back();
@@ -259,19 +357,19 @@ inline bool PatternMatcher::Backtrack(std::size_t base, Cursor& cursor) {
             case Saved::Kind::kBranch:
                 cursor = {saved.index, saved.position};
                 return true;
-            case Saved::Kind::kTurn:
+            case Saved::Kind::kIteration:
                 cursor = {saved.index, saved.position};
-                if (BeginTurn(cursor)) {
+                if (BeginIteration(cursor)) {
                     return true;
                 }
                 break;
-            case Saved::Kind::kTurns:
-                m_turns[saved.index] = {saved.position, saved.count};
+            case Saved::Kind::kUndoIterations:
+                m_iterations[saved.index] = {saved.position, saved.count};
                 break;
-            case Saved::Kind::kGroupBegin:
+            case Saved::Kind::kUndoGroupBegin:
                 m_groups[saved.index].begin = saved.position;
                 break;
-            case Saved::Kind::kGroupEnd:
+            case Saved::Kind::kUndoGroupEnd:
                 m_groups[saved.index].end = saved.position;
                 break;
         }
@@ -279,27 +377,31 @@ inline bool PatternMatcher::Backtrack(std::size_t base, Cursor& cursor) {
     return false;
 }
 
-/// Leaves no steps, so that no other way is tried.
-bool PatternMatcher::GiveUp() {
-    m_steps = PatternLimits::kSteps;
-    return false;
-}
-
-/// false when there is no room for more: the match is given up.
 inline bool PatternMatcher::Save(Saved::Kind kind, std::uint32_t index, std::uint32_t position,
                                  std::uint8_t count) {
-    if (m_saved.empty()) {  // room for what most programs need; growing would copy
-        m_saved.reserve(std::min(PatternLimits::kSaved, 2 * m_text.size() + 16));
+    if (m_saved.empty()) {  // enough for most programs; growing would copy
+        m_saved.reserve(std::min(PatternLimits::kSteps / kStepsToSave, 2 * m_text.size() + 16));
     }
-    if (m_saved.size() == PatternLimits::kSaved) {
-        return GiveUp();
-    }
-    m_steps += kStepsToSave;
     m_saved.push_back({kind, count, static_cast<std::uint16_t>(index), position});
+    return Spend(kStepsToSave);
+}
+
+/// false once the budget is used up.
+inline bool PatternMatcher::Spend(std::size_t steps) {
+    if (steps >= m_stepsLeft) {
+        return LimitExceeded();
+    }
+    m_stepsLeft -= steps;
     return true;
 }
 
-/// Whether a match can go on at an instruction, by the next byte of the text.
+/// Ends the match, and with it the call that it is part of: no steps are left.
+bool PatternMatcher::LimitExceeded() {
+    m_stepsLeft = 0;
+    return false;
+}
+
+/// Whether the next byte of the text is in the FIRST set of an instruction.
 inline bool PatternMatcher::CanGoOn(std::uint32_t instruction, std::uint32_t position) const {
     if (m_program.next.empty()) {
         return true;

@@ -1,4 +1,4 @@
-#include "url/PatternCompiler.h"
+#include "url/pattern/PatternCompiler.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,15 +10,7 @@ constexpr std::size_t kUnlimited = static_cast<std::size_t>(-1);
 constexpr std::int32_t kNoJump = -1;
 constexpr int kMostSweeps = 16;
 
-unsigned char Byte(char c) {
-    return static_cast<unsigned char>(c);
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-/// A distance in a program; kInstructions bounds it.
+/// The distance between two instructions.
 std::int32_t Offset(std::size_t from, std::size_t to) {
     return static_cast<std::int32_t>(to) - static_cast<std::int32_t>(from);
 }
@@ -41,12 +33,12 @@ std::optional<PatternProgram> PatternCompiler::Compile(std::string_view expressi
 }
 
 PatternCompiler::PatternCompiler(std::string_view expression)
-    : m_rest(expression), m_characters(m_rest), m_open(1) {
+    : m_cursor(expression), m_characters(m_cursor), m_open(1) {
     m_program.instructions.reserve(expression.size() + 16);
 }
 
 bool PatternCompiler::CompileAll() {
-    while (!AtEnd()) {
+    while (!m_cursor.AtEnd()) {
         if (!CompileNext()) {
             return false;
         }
@@ -55,7 +47,7 @@ bool PatternCompiler::CompileAll() {
 }
 
 bool PatternCompiler::CompileNext() {
-    const char c = Take();
+    const char c = m_cursor.Take();
     switch (c) {
         case '|':
             return EndAlternative();
@@ -73,8 +65,8 @@ bool PatternCompiler::CompileNext() {
             m_atom = kNone;
             return Append({c == '^' ? Operation::kTextBegin : Operation::kTextEnd});
         case '.': {
-            PatternCharacters::Set set;
-            set.set().reset(Byte('\n')).reset(Byte('\r'));
+            PatternSet set;
+            set.set().reset('\n').reset('\r');
             return AppendSetAtom(set);
         }
         case '[':
@@ -82,39 +74,38 @@ bool PatternCompiler::CompileNext() {
         case '\\':
             return CompileEscape();
         default:
-            return AppendAtom({Operation::kCharacter, Byte(c)});
+            return AppendAtom({Operation::kCharacter, PatternCharacters::Byte(c)});
     }
 }
 
 bool PatternCompiler::BeginGroup() {
     Group group;
     group.first = m_program.instructions.size();
-    if (!Accept('?')) {
-        group.begin = Operation::kGroupBegin;
+    bool appended = true;
+    if (!m_cursor.Accept('?')) {
+        group.kind = GroupKind::kCapturing;
         group.number = m_program.groups++;
-    } else if (Accept('=')) {
-        group.begin = Operation::kLookAhead;
-    } else if (Accept('!')) {
-        group.begin = Operation::kNoLookAhead;
-    } else if (!Accept(':')) {
+        appended = Append({Operation::kGroupBegin, group.number});
+    } else if (m_cursor.Accept('=')) {
+        group.kind = GroupKind::kLookAhead;
+        appended = Append({Operation::kLookAhead});
+    } else if (m_cursor.Accept('!')) {
+        group.kind = GroupKind::kNegativeLookAhead;
+        appended = Append({Operation::kNegativeLookAhead});
+    } else if (!m_cursor.Accept(':')) {
         return false;
     }
-    if (group.begin == Operation::kLookAhead || group.begin == Operation::kNoLookAhead) {
+    if (group.IsLookAhead()) {
         m_program.hasLookAhead = true;
-        if (++m_lookAheadDepth > PatternLimits::kLookAheadDepth) {
-            return false;
-        }
-    }
-    if (group.begin != Operation::kJump && !Append({group.begin, group.number})) {
-        return false;
+        ++m_lookAheadDepth;
     }
     group.alternative = m_program.instructions.size();
     m_open.push_back(group);
     m_atom = kNone;
-    return true;
+    return appended && m_lookAheadDepth <= PatternLimits::kLookAheadDepth;
 }
 
-/// Lets the alternatives of the innermost group meet here, and closes it.
+/// Closes the innermost group: its alternatives end here.
 bool PatternCompiler::EndGroup() {
     const Group group = m_open.back();
     m_open.pop_back();
@@ -124,15 +115,14 @@ bool PatternCompiler::EndGroup() {
             std::exchange(instructions[jump].offset, Offset(jump, instructions.size()));
         jump = before == kNoJump ? kNone : static_cast<std::size_t>(before);
     }
-    m_atom = group.first;
-    if (group.begin == Operation::kGroupBegin) {
+    m_atom = group.IsLookAhead() ? kNone : group.first;  // an assertion cannot be repeated
+    if (group.kind == GroupKind::kCapturing) {
         return Append({Operation::kGroupEnd, group.number});
     }
-    if (group.begin == Operation::kJump) {
+    if (!group.IsLookAhead()) {
         return true;
     }
     --m_lookAheadDepth;
-    m_atom = kNone;
     if (!Append({Operation::kAccept})) {
         return false;
     }
@@ -160,42 +150,33 @@ bool PatternCompiler::CompileBracket() {
 }
 
 bool PatternCompiler::CompileEscape() {
-    if (AtEnd()) {
+    if (m_cursor.AtEnd()) {
         return false;
     }
-    const char letter = Take();
-    switch (letter) {
-        case 'b':
-        case 'B':
-            m_atom = kNone;
-            return AppendSet(letter == 'b' ? Operation::kWordBoundary : Operation::kNoWordBoundary,
-                             *m_characters.FindClass("w"));
-        case 'd':
-        case 's':
-        case 'w':
-            return AppendSetAtom(*m_characters.FindClass(std::string_view(&letter, 1)));
-        case 'D':
-        case 'S':
-        case 'W':
-            return AppendSetAtom(~*m_characters.FindClass(std::string_view(&letter, 1)));
-        default:
-            break;
+    const char letter = m_cursor.Take();
+    if (letter == 'b' || letter == 'B') {
+        m_atom = kNone;
+        return AppendSet(letter == 'b' ? Operation::kWordBoundary : Operation::kNoWordBoundary,
+                         *PatternCharacters::FindEscapedClass('w'));
     }
-    if (letter != '0' && IsDigit(letter)) {
-        return CompileBackReference(letter);
+    if (const auto set = PatternCharacters::FindEscapedClass(letter)) {
+        return AppendSetAtom(*set);
+    }
+    if (letter >= '1' && letter <= '9') {
+        return CompileBackReference(static_cast<std::uint32_t>(letter - '0'));
     }
     const auto character = m_characters.ReadEscape(letter);
-    return character && AppendAtom({Operation::kCharacter, Byte(*character)});
+    return character && AppendAtom({Operation::kCharacter, PatternCharacters::Byte(*character)});
 }
 
 /// Only a group that is complete can be referred to.
-bool PatternCompiler::CompileBackReference(char firstDigit) {
-    std::uint32_t number = static_cast<std::uint32_t>(firstDigit - '0');
-    while (!AtEnd() && IsDigit(m_rest.front())) {
-        number = std::min(number * 10 + static_cast<std::uint32_t>(Take() - '0'), m_program.groups);
+/// @param number  the first digit of it; the cursor is at the second
+bool PatternCompiler::CompileBackReference(std::uint32_t number) {
+    while (const auto digit = m_cursor.AcceptDigit()) {
+        number = std::min(number * 10 + *digit, m_program.groups);
     }
     const bool open = std::any_of(m_open.begin(), m_open.end(), [number](const Group& group) {
-        return group.begin == Operation::kGroupBegin && group.number == number;
+        return group.kind == GroupKind::kCapturing && group.number == number;
     });
     if (number >= m_program.groups || open) {
         return false;
@@ -211,7 +192,7 @@ bool PatternCompiler::CompileQuantifier(char c) {
     if (c == '{') {
         return CompileInterval();
     }
-    const Operation operation = Accept('?') ? Operation::kRepeatLazily : Operation::kRepeat;
+    const Operation operation = m_cursor.Accept('?') ? Operation::kRepeatLazily : Operation::kRepeat;
     auto& instructions = m_program.instructions;
     if (c == '+' && instructions.size() == m_atom + 1) {
         return RepeatAtom(1, kUnlimited, operation);
@@ -230,40 +211,29 @@ bool PatternCompiler::CompileQuantifier(char c) {
     return true;
 }
 
-/// "{least}", "{least,}" or "{least,most}", from behind its "{".
+/// "{least}", "{least,}" or "{least,most}", after its "{".
 bool PatternCompiler::CompileInterval() {
-    std::size_t least = 0;
-    if (!ReadCount(least)) {
+    const auto least = ReadCount();
+    if (!least) {
         return false;
     }
-    std::size_t most = least;
-    if (Accept(',')) {
-        most = kUnlimited;
-        if (!AtEnd() && IsDigit(m_rest.front()) && !ReadCount(most)) {
-            return false;
-        }
-    }
-    if (!Accept('}') || most < least) {
+    const std::size_t most = m_cursor.Accept(',') ? ReadCount().value_or(kUnlimited) : *least;
+    if (!m_cursor.Accept('}') || most < *least) {
         return false;
     }
-    return RepeatAtom(least, most, Accept('?') ? Operation::kRepeatLazily : Operation::kRepeat);
+    return RepeatAtom(*least, most, m_cursor.Accept('?') ? Operation::kRepeatLazily : Operation::kRepeat);
 }
 
-bool PatternCompiler::ReadCount(std::size_t& count) {
-    if (AtEnd() || !IsDigit(m_rest.front())) {
-        return false;
+/// A number, at most one more than any program can hold; empty if none follows.
+std::optional<std::size_t> PatternCompiler::ReadCount() {
+    std::optional<std::size_t> count;
+    while (const auto digit = m_cursor.AcceptDigit()) {
+        count = std::min(count.value_or(0) * 10 + *digit, PatternLimits::kInstructions + 1);
     }
-    count = 0;
-    while (!AtEnd() && IsDigit(m_rest.front())) {
-        count = count * 10 + static_cast<std::size_t>(Take() - '0');
-        if (count > PatternLimits::kInstructions) {
-            return false;
-        }
-    }
-    return true;
+    return count;
 }
 
-/// Writes a repetition out: the atom `least` times, then once more in a loop or `most - least` times at will.
+/// Writes out a repetition: `least` times the atom, then a loop of it or `most - least` optional ones.
 bool PatternCompiler::RepeatAtom(std::size_t least, std::size_t most, Operation operation) {
     auto& instructions = m_program.instructions;
     const std::vector<PatternInstruction> atom(instructions.begin() + static_cast<std::ptrdiff_t>(m_atom),
@@ -299,7 +269,7 @@ bool PatternCompiler::RepeatAtom(std::size_t least, std::size_t most, Operation 
     return true;
 }
 
-/// Numbers the branches and lets jumps that meet another jump lead to where that one does.
+/// Numbers the branches, finds loops over one set, and threads jumps to jumps.
 void PatternCompiler::Link() {
     auto& instructions = m_program.instructions;
     for (std::size_t i = instructions.size(); i-- > 0;) {
@@ -327,9 +297,8 @@ void PatternCompiler::Link() {
     }
 }
 
-/// Finds what each instruction can go on with. Sweeps from the end to the beginning are repeated until
-/// nothing changes: quantifiers jump backwards, so each may need one more. Where they nest too deep, nothing
-/// is known.
+/// Computes the FIRST sets, sweeping backwards until nothing changes: each level of nested loops may take one
+/// more sweep. Programs that need too many get none.
 void PatternCompiler::PredictNext() {
     m_program.next.resize(m_program.instructions.size());
     for (int sweep = 0; sweep < kMostSweeps; ++sweep) {
@@ -346,7 +315,7 @@ void PatternCompiler::PredictNext() {
     m_program.next.clear();
 }
 
-/// What an instruction can go on with, going by what is known of those that follow it.
+/// The FIRST set of an instruction, from those of its successors so far.
 PatternNext PatternCompiler::NextOf(std::size_t instruction) const {
     const PatternInstruction& at = m_program.instructions[instruction];
     const std::size_t target = instruction + static_cast<std::size_t>(at.offset);
@@ -371,26 +340,14 @@ PatternNext PatternCompiler::NextOf(std::size_t instruction) const {
             next.bytes |= m_program.next[target].bytes;
             next.end = next.end || m_program.next[target].end;
             return next;
-        default:  // groups and assertions take nothing
+        default:  // groups and assertions consume nothing
             return m_program.next[instruction + 1];
     }
 }
 
-bool PatternCompiler::Accept(char c) {
-    const bool accepted = m_rest.starts_with(c);
-    m_rest.remove_prefix(accepted ? 1 : 0);
-    return accepted;
-}
-
-char PatternCompiler::Take() {
-    const char c = m_rest.front();
-    m_rest.remove_prefix(1);
-    return c;
-}
-
 bool PatternCompiler::Work(std::size_t amount) {
     m_work += amount;
-    return m_work + m_characters.Work() <= PatternLimits::kCompileWork;
+    return m_work <= PatternLimits::kCompileWork;
 }
 
 bool PatternCompiler::Append(PatternInstruction instruction) {
@@ -402,12 +359,12 @@ bool PatternCompiler::AppendAtom(PatternInstruction instruction) {
     return Append(instruction);
 }
 
-bool PatternCompiler::AppendSet(Operation operation, const PatternCharacters::Set& set) {
+bool PatternCompiler::AppendSet(Operation operation, const PatternSet& set) {
     m_program.sets.push_back(set);
     return Append({operation, static_cast<std::uint32_t>(m_program.sets.size() - 1)});
 }
 
-bool PatternCompiler::AppendSetAtom(const PatternCharacters::Set& set) {
+bool PatternCompiler::AppendSetAtom(const PatternSet& set) {
     m_atom = m_program.instructions.size();
     return AppendSet(Operation::kSet, set);
 }
