@@ -9,7 +9,8 @@
 namespace velm {
 namespace {
 
-std::string Read(const std::string& name, std::string value = "old") {
+std::string Read(const std::string& name) {
+    std::string value = "old";
     EnvConfigReader().GetIfOk(name, value);
     return value;
 }
@@ -17,24 +18,16 @@ std::string Read(const std::string& name, std::string value = "old") {
 TEST(EnvConfigReader, VariablesAreNotTakenForOneAnother) {
     ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST", L"a=b \x20AC\xD83D\xDE00"));
     ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_EMPTY", L""));
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_GONE", L"x"));
-    ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_GONE", nullptr));
     ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_\xE9", L"accent"));
-    const struct {
-        std::string name;
-        std::string value;
-    } rows[] = {
-        {"VELM_TEST", "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
-        {"velm_Test", "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
-        {std::string("VELM_TEST\0x", 11), "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
+    const std::pair<std::string, std::string> rows[] = {
+        {std::string("velm_Test\0x", 11), "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
         {"VELM_TEST_EMPTY", ""},  // set but empty is not missing
-        {"VELM_TEST_GONE", "old"},
-        {"VELM_TEST=a", "old"},
+        {"VELM_TEST_NONE", "old"},
         {"VELM_TEST_\x82", "accent"},   // the letter in code page 437
         {"VELM_TEST_\xC3\xA9", "old"},  // and in UTF-8, which is not that of names
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Read(row.name), row.value) << row.name;
+    for (const auto& [name, value] : rows) {
+        EXPECT_EQ(Read(name), value) << name;
     }
 }
 

@@ -10,6 +10,8 @@
 namespace velm {
 namespace {
 
+using namespace test;
+
 // Memory that the runtime sets aside for each load would add up: MinGW's thread library keeps 2 KiB of it,
 // but the 72 KiB for exceptions must come back.
 TEST(Unload, ManyLoadsLeaveNothingBehindAndNotOneTickReachesUnloadedCode) {
