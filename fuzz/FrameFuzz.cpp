@@ -1,6 +1,4 @@
 // AudioFrame over any bytes: what it accepts lies inside them, and survives being written anew.
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <vector>
 
