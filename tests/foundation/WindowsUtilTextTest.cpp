@@ -58,7 +58,7 @@ TEST(WindowsUtilText, EveryEncodingGoesThereAndBack) {
         ExpectDecoded(row);
         ExpectEncoded(row);
     }
-    for (const std::size_t size : {0, 511, 512, 1 << 20}) {  // 511 and the NUL fit on the stack
+    for (const std::size_t size : {0U, 511U, 512U, 1U << 20}) {  // 511 and the NUL fit on the stack
         ExpectDecoded({kUtf8, std::string(size, 'x'), std::wstring(size, L'x')});
         ExpectEncoded({kUtf8, std::string(size, 'x'), std::wstring(size, L'x')});
     }
