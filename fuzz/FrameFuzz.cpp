@@ -1,7 +1,5 @@
 // AudioFrame on arbitrary bytes: an accepted payload lies inside them, and writing it again gives the same
 // frame.
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <vector>
 

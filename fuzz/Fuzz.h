@@ -1,7 +1,14 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include "TemporaryFile.h"
 
 /// Aborts with file, line and condition if the condition does not hold.
 #define VELM_FUZZ_DEMAND(condition)                                              \
@@ -11,3 +18,15 @@
             std::abort();                                                        \
         }                                                                        \
     } while (false)
+
+inline std::string TextOf(const std::uint8_t* data, std::size_t size) {
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+/// A file of this process's own.
+inline velm::test::TemporaryFile FileOf(const std::string& content) {
+    static const std::string path =
+        (std::filesystem::temp_directory_path() / ("fuzz-" + std::to_string(std::random_device()())))
+            .string();
+    return {path, content};
+}

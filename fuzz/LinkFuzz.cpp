@@ -1,8 +1,4 @@
 // UrlSchemeUtil::read on arbitrary input: the first line is the caller's address, the rest the link.
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
 #include "Fuzz.h"
 #include "velm/UrlSchemeUtil.h"
 
@@ -22,7 +18,7 @@ bool IsAcceptedHost(const std::string& host) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::string input = TextOf(data, size);
     const std::string before = input.substr(0, input.find('\n'));
     const std::string link = before.size() < input.size() ? input.substr(before.size() + 1) : "";
     std::string address = before;

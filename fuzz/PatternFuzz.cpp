@@ -1,9 +1,6 @@
 // UrlSchemeUtil::checkDomain on arbitrary input: the first line is the address, the rest the pattern, not
 // scrambled. Short ones are compared with std::regex.
-#include <cstddef>
-#include <cstdint>
 #include <regex>
-#include <string>
 #include <string_view>
 
 #include "Fuzz.h"
@@ -29,7 +26,7 @@ bool IsTame(const std::string& address, const std::string& pattern) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::string input = TextOf(data, size);
     const std::string address = input.substr(0, input.find('\n'));
     const std::string rest = address.size() < input.size() ? input.substr(address.size() + 1) : "";
     const std::string pattern(rest.c_str());

@@ -129,11 +129,6 @@ public:
     void Dump();
 
 private:
-    void Set(D3d9AdapterCheckCommand command, D3d9AdapterParamType type, D3d9AdapterParamCompare compare);
-
-    D3d9AdapterCheckCommand m_eCommand;
-    D3d9AdapterParamType m_eType;
-    D3d9AdapterParamCompare m_eCompare;
     union Value {
         char text[128];
         int int32;
@@ -143,7 +138,15 @@ private:
         float float32;
         double float64;
         GUID guid;
-    } m_value;
+    };
+
+    /// @return the value, to be set
+    Value& Set(D3d9AdapterCheckCommand command, D3d9AdapterParamType type, D3d9AdapterParamCompare compare);
+
+    D3d9AdapterCheckCommand m_eCommand;
+    D3d9AdapterParamType m_eType;
+    D3d9AdapterParamCompare m_eCompare;
+    Value m_value;
 };
 
 }  // namespace velm

@@ -64,51 +64,46 @@ void D3d9AdapterCheckItem::SetAsString(D3d9AdapterCheckCommand command, D3d9Adap
 
 void D3d9AdapterCheckItem::SetAsInt32(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                       int value) {
-    Set(command, D3D9_ADAPTER_PARAM_INT32, compare);
-    m_value.int32 = value;
+    Set(command, D3D9_ADAPTER_PARAM_INT32, compare).int32 = value;
 }
 
 void D3d9AdapterCheckItem::SetAsDWORD(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                       DWORD value) {
-    Set(command, D3D9_ADAPTER_PARAM_DWORD, compare);
-    m_value.dword = value;
+    Set(command, D3D9_ADAPTER_PARAM_DWORD, compare).dword = value;
 }
 
 void D3d9AdapterCheckItem::SetAsUINT(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                      unsigned int value) {
-    Set(command, D3D9_ADAPTER_PARAM_UINT, compare);
-    m_value.uint = value;
+    Set(command, D3D9_ADAPTER_PARAM_UINT, compare).uint = value;
 }
 
 void D3d9AdapterCheckItem::SetAsInt64(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                       long long value) {
-    Set(command, D3D9_ADAPTER_PARAM_INT64, compare);
-    m_value.int64 = value;
+    Set(command, D3D9_ADAPTER_PARAM_INT64, compare).int64 = value;
 }
 
 void D3d9AdapterCheckItem::SetAsFloat(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                       float value) {
-    Set(command, D3D9_ADAPTER_PARAM_FLOAT, compare);
-    m_value.float32 = value;
+    Set(command, D3D9_ADAPTER_PARAM_FLOAT, compare).float32 = value;
 }
 
 void D3d9AdapterCheckItem::SetAsDouble(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                        double value) {
-    Set(command, D3D9_ADAPTER_PARAM_DOUBLE, compare);
-    m_value.float64 = value;
+    Set(command, D3D9_ADAPTER_PARAM_DOUBLE, compare).float64 = value;
 }
 
 void D3d9AdapterCheckItem::SetAsGUID(D3d9AdapterCheckCommand command, D3d9AdapterParamCompare compare,
                                      GUID value) {
-    Set(command, D3D9_ADAPTER_PARAM_GUID, compare);
-    m_value.guid = value;
+    Set(command, D3D9_ADAPTER_PARAM_GUID, compare).guid = value;
 }
 
-void D3d9AdapterCheckItem::Set(D3d9AdapterCheckCommand command, D3d9AdapterParamType type,
-                               D3d9AdapterParamCompare compare) {
+D3d9AdapterCheckItem::Value& D3d9AdapterCheckItem::Set(D3d9AdapterCheckCommand command,
+                                                       D3d9AdapterParamType type,
+                                                       D3d9AdapterParamCompare compare) {
     m_eCommand = command;
     m_eType = type;
     m_eCompare = compare;
+    return m_value;
 }
 
 D3d9AdapterCheckCommand D3d9AdapterCheckItem::GetCommand() {

@@ -20,6 +20,8 @@
 namespace velm {
 namespace {
 
+using namespace test;
+
 struct Cycle {
     const char* name;
     std::function<void()> run;

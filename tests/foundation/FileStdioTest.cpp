@@ -21,11 +21,13 @@ std::string Content(const char* path) {
 TEST(FileStdio, OpenClosesTheEarlierStreamEvenWhenItFails) {
     FileStdio file;
     EXPECT_EQ(file.Get(), nullptr);
-    for (const auto& [path, mode] : {std::pair<const char*, const char*>{"no such folder/file", "wb"},
-                                     {nullptr, "rb"},
-                                     {"refused", nullptr},
-                                     {"refused", ""},
-                                     {"refused", "x"}}) {
+    const char* const refused[][2] = {{"no such folder/file", "wb"},
+                                      {nullptr, "rb"},
+                                      {"refused", nullptr},
+                                      {"refused", ""},
+                                      {"refused", "x"}};
+    for (const auto& [path, mode] : refused) {
+        SCOPED_TRACE(mode != nullptr ? mode : "no mode");
         ASSERT_NE(file.Open("stdio", "wb"), nullptr);
         std::fputs("first", file.Get());
         EXPECT_EQ(file.Open(path, mode), nullptr);
@@ -48,14 +50,13 @@ TEST(FileStdio, AStreamIsClosedOnceByItsOwner) {
         copy.Close();
         EXPECT_EQ(copy.Get(), nullptr);
         *source = assigned;
-        FileStdio other;
-        ASSERT_NE(other.Open("stdio-other", "wb"), nullptr);
-        std::fputs("other", other.Get());
-        other.Close(source->Get());  // closes its own, not what it is given
+        ASSERT_NE(copy.Open("stdio-other", "wb"), nullptr);
+        std::fputs("other", copy.Get());
+        copy.Close(source->Get());  // closes its own, not what it is given
         EXPECT_EQ(Content("stdio-other"), "other");
     }
     EXPECT_GE(std::fputs("written after the copies went", source->Get()), 0);
-    FileStdio outlives(*source);
+    const FileStdio outlives(*source);
     source.reset();
     EXPECT_EQ(Content("stdio-copied"), "written after the copies went");
 }

@@ -13,15 +13,14 @@ namespace {
 TEST(UtilErrorCode, LoadRegistersTheTenCodesInOrder) {
     const AudioFrame keepsTheLibraryLoaded;
     const auto codes = GetRegisteredErrorCodes();
-    ASSERT_GE(codes.size(), 10U);
-    unsigned int i = 0;
-    for (const std::string name :
-         {"UNKNOWN", "NOT_ENOUGH_MEMORY", "INVALID_PARAM", "ILLEGAL_CALL", "NOT_INITIALIZED", "ALREADY_EXIST",
-          "NOT_EXIST", "DATA_LENGTH", "D3D9_FAILED", "DATA_BROKEN"}) {
+    const char* const names[] = {"UNKNOWN",         "NOT_ENOUGH_MEMORY", "INVALID_PARAM", "ILLEGAL_CALL",
+                                 "NOT_INITIALIZED", "ALREADY_EXIST",     "NOT_EXIST",     "DATA_LENGTH",
+                                 "D3D9_FAILED",     "DATA_BROKEN"};
+    ASSERT_GE(codes.size(), std::size(names));
+    for (unsigned int i = 0; i < std::size(names); ++i) {
         EXPECT_EQ(codes[i].code, 0x8149AC01U + i);
         EXPECT_STREQ(codes[i].facility, "VELM_FACILITY_UTIL");
-        EXPECT_EQ(codes[i].name, "VELM_ERROR_UTIL_" + name);
-        ++i;
+        EXPECT_EQ(codes[i].name, std::string("VELM_ERROR_UTIL_") + names[i]);
     }
 }
 

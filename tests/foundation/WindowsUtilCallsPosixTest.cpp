@@ -1,7 +1,7 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <cstring>
 #include <new>
 #include <string>
 #include <utility>
@@ -10,12 +10,6 @@
 #include "MessageLoop.h"
 #include "velm/posix/Control.h"
 #include "velm/WindowsUtil.h"
-
-namespace {
-
-thread_local bool t_freeSetsError = false;
-
-}  // namespace
 
 // A heap that leaves an error behind as it frees, as Windows' may.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
@@ -26,9 +20,7 @@ void* operator new[](std::size_t size) {
 }
 void operator delete[](void* block) noexcept {
     operator delete(block);
-    if (t_freeSetsError) {
-        SetLastError(12345);
-    }
+    SetLastError(12345);
 }
 void operator delete[](void* block, std::size_t) noexcept {
     operator delete[](block);
@@ -40,33 +32,28 @@ namespace {
 class WindowsUtilPosixTest : public testing::Test {
 protected:
     void SetUp() override { posix::StartRecording(); }
-    void TearDown() override {
-        t_freeSetsError = false;
-        posix::Reset();
-    }
+    void TearDown() override { posix::Reset(); }
 };
 
 TEST_F(WindowsUtilPosixTest, TheLastErrorOfTheCallSurvivesTheCleanUp) {
-    const UniqueWindow window = MakeWindow();
-    char buffer[40];
-    const auto setText = [&] { return WindowsUtil::CallSetWindowText(window.get(), "text"); };
-    const auto getClassName = [&] { return WindowsUtil::CallGetClassName(window.get(), buffer, 40); };
-    const std::pair<const char*, std::function<int()>> wrappers[] = {
-        {"SetWindowTextW", setText}, {"GetClassNameW", getClassName}, {"WideCharToMultiByte", getClassName}};
-    for (const auto& [call, wrapper] : wrappers) {
+    const test::UniqueWindow window = test::MakeWindow();
+    for (const char* const call : {"SetWindowTextW", "GetClassNameW", "WideCharToMultiByte"}) {
         posix::FailCall(call, ERROR_ACCESS_DENIED);
-        t_freeSetsError = true;
-        EXPECT_EQ(wrapper(), 0);
-        t_freeSetsError = false;
+        char buffer[40];
+        EXPECT_EQ(std::strcmp(call, "SetWindowTextW") == 0
+                      ? WindowsUtil::CallSetWindowText(window.get(), "text")
+                      : WindowsUtil::CallGetClassName(window.get(), buffer, 40),
+                  0);
         EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED) << call;
     }
 }
 
 TEST_F(WindowsUtilPosixTest, ArgumentsArriveInTheirPlaces) {
-    const UniqueWindow window = MakeWindow();
+    const test::UniqueWindow window = test::MakeWindow();
     WindowsUtil::CallLoadImage(nullptr, "image", 1, 2, 3, 4);
     WindowsUtil::CallOutputDebugString("text");
     WindowsUtil::CallMessageBox(window.get(), "text", "caption", 5);
+    EXPECT_EQ(WindowsUtil::CallMessageBox(window.get(), "text", nullptr, 5), 0) << "without a text";
     WindowsUtil::CallSetWindowText(window.get(), "text");
     // Two UTF-16 units in place of four bytes: the count goes through as it is.
     WindowsUtil::CallTextOut(nullptr, -1, -2, "\xF0\x9F\x98\x80x", 2);
@@ -89,20 +76,17 @@ TEST_F(WindowsUtilPosixTest, ArgumentsArriveInTheirPlaces) {
               L"TextOutW \xD83D\xDE00 -1 -2\n");
 }
 
-TEST_F(WindowsUtilPosixTest, ClassNamesOutsideAsciiCountInBytes) {
-    const UniqueWindow window = MakeWindow(L"\u00E4\u20AC");
+TEST_F(WindowsUtilPosixTest, NamesThatDoNotFitOrFailLeaveTheBuffer) {
+    const test::UniqueWindow window = test::MakeWindow(L"\u00E4\u20AC");
     char buffer[7] = "??????";
     EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, 5), 5);
     EXPECT_STREQ(buffer, "\xC3\xA4\xE2\x82\xAC?");
     EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, 4), 0);
-}
-
-TEST_F(WindowsUtilPosixTest, AModuleFileNameThatFailsLeavesTheBuffer) {
     for (const char* const call : {"GetModuleFileNameW", "WideCharToMultiByte"}) {
         posix::FailCall(call, ERROR_ACCESS_DENIED);
-        char buffer[500] = "old";
-        EXPECT_EQ(WindowsUtil::CallGetModuleFileName(nullptr, buffer, sizeof buffer), 0U) << call;
-        EXPECT_STREQ(buffer, "old") << call;
+        char path[500] = "old";
+        EXPECT_EQ(WindowsUtil::CallGetModuleFileName(nullptr, path, sizeof path), 0U) << call;
+        EXPECT_STREQ(path, "old") << call;
     }
 }
 
@@ -111,20 +95,18 @@ TEST_F(WindowsUtilPosixTest, PathsNearTheLimitOf260) {
     const auto executable = [](std::size_t units, wchar_t letter) {
         return L"D:\\" + std::wstring(units - 9, letter) + L"\\a.exe";
     };
-    const std::pair<std::wstring, std::string> cases[] = {
-        // of executables and their folders
-        {executable(259, L'x'), "D:\\" + std::string(250, 'x')},
-        // Cut by the system, where the folder is still whole, and within it.
-        {executable(260, L'x'), "D:\\" + std::string(251, 'x')},
-        {executable(400, L'x'), "D:"},
-        // In bytes: 259, and too many.
-        {executable(256, L'x') + L"\u20AC", "D:\\" + std::string(247, 'x')},
-        {executable(200, L'\u00FC'), ""},
-        {executable(10, L'\u00FC'), "D:\\\xC3\xBC"},
-        {L"a.exe", "."},
+    const struct {
+        const char* what;
+        std::wstring file;
+        std::string folder;  // none: refused
+    } rows[] = {
+        {"cut by the system behind the folder", executable(260, L'x'), "D:\\" + std::string(251, 'x')},
+        {"259 bytes", executable(256, L'x') + L"\u20AC", "D:\\" + std::string(247, 'x')},
+        {"too many bytes", executable(200, L'\u00FC'), ""},
+        {"no folder", L"a.exe", "."},
     };
-    for (const auto& [file, folder] : cases) {
-        SCOPED_TRACE(file.size());
+    for (const auto& [what, file, folder] : rows) {
+        SCOPED_TRACE(what);
         posix::SetExecutablePath(file);
         std::string path = "unchanged";
         const ErrorCode result = WindowsUtil::GetFullPathForResourcesDirFile(path, "b");
@@ -147,21 +129,11 @@ TEST_F(WindowsUtilPosixTest, ScreensCountAsFarAsTheyMatch) {
     EXPECT_EQ(maxScreenSize(0), std::pair(1920, 1440)) << "of all that are attached";
     EXPECT_EQ(maxScreenSize(DISPLAY_DEVICE_PRIMARY_DEVICE), std::pair(1280, 1440));
     EXPECT_EQ(maxScreenSize(DISPLAY_DEVICE_PRIMARY_DEVICE | 0x8), std::pair(0, 0)) << "one of two flags";
-    std::vector<posix::Display> seventeen;
-    for (int i = 0; i < 17; ++i) {
-        seventeen.push_back(screen(100 + i, 200 + i));
-    }
+    std::vector<posix::Display> seventeen(15, screen(1, 1));
+    seventeen.push_back(screen(115, 215));
+    seventeen.push_back(screen(116, 216));
     posix::SetDisplays(seventeen);
     EXPECT_EQ(maxScreenSize(0), std::pair(115, 215)) << "sixteen are looked at";
-}
-
-TEST_F(WindowsUtilPosixTest, OemTextFollowsTheSystemsCodePage) {
-    posix::SetOemCodePage(932);
-    std::string out;
-    EXPECT_EQ(WindowsUtil::GetUtf8StringFromOemcpString("\x82\xA0\xB1", out), 0U);
-    EXPECT_EQ(out, "\xE3\x81\x82\xEF\xBD\xB1");
-    EXPECT_EQ(WindowsUtil::GetOemcpStringFromUtf8String(out, out), 0U);
-    EXPECT_EQ(out, "\x82\xA0\xB1");
 }
 
 }  // namespace

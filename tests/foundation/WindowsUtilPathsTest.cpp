@@ -11,17 +11,14 @@ TEST(WindowsUtilPaths, FilesLieBesideTheExecutable) {
     char executable[1000];
     ASSERT_NE(WindowsUtil::CallGetModuleFileName(nullptr, executable, sizeof executable), 0U);
     std::string folder(executable);
-    folder.erase(folder.find_last_of("\\/"));
+    folder.replace(folder.find_last_of("\\/"), std::string::npos, "\\");
     std::string path = "b.png";
     EXPECT_EQ(WindowsUtil::GetFullPathForResourcesDirFile(path, path), 0U);
-    EXPECT_EQ(path, folder + "\\resources\\b.png");
-    EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(path, ""), 0U);
-    EXPECT_EQ(path, folder + "\\");
-}
-
-TEST(WindowsUtilPaths, TheBufferFormNeverWritesPastItsSize) {
-    std::string path;
-    ASSERT_EQ(WindowsUtil::GetFullPathForExecDirFile(path, "a.txt"), 0U);
+    EXPECT_EQ(path, folder + "resources\\b.png");
+    EXPECT_EQ(WindowsUtil::GetFullPathForResourcesDir(path), 0U);
+    EXPECT_EQ(path, folder + "resources\\");
+    EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(path, "a.txt"), 0U);
+    EXPECT_EQ(path, folder + "a.txt");
     for (const std::size_t size : {std::size_t{1}, path.size(), path.size() + 1}) {
         SCOPED_TRACE(size);
         const bool fits = size > path.size();

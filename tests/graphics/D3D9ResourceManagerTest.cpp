@@ -13,14 +13,15 @@
 namespace velm {
 namespace {
 
-/// A resource that writes down what it is told.
+/// A resource that writes down what it is told: "L" of a loss, "R" of a recovery; in lower case, its
+/// callbacks.
 class Probe final : public D3D9ResourceBase {
 public:
     explicit Probe(std::string* log) : m_log(log) {}
 
     using D3D9ResourceBase::Register;
 
-    void WriteCalls() {
+    void WriteCallbacks() {
         SetUserCallback(
             m_log, [](D3D9ResourceBase*, void* log) { *static_cast<std::string*>(log) += "l"; },
             [](D3D9ResourceBase*, void* log, IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) {
@@ -28,9 +29,16 @@ public:
             });
     }
 
+    const D3DPRESENT_PARAMETERS* seen = nullptr;
+
 protected:
     void OnLostImpl() override { *m_log += "L"; }
-    void OnRecoverLostImpl(IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) override { *m_log += "R"; }
+    void OnRecoverLostImpl(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters) override {
+        EXPECT_EQ(device, reinterpret_cast<IDirect3DDevice9*>(16));
+        EXPECT_EQ(parameters.BackBufferWidth, 640U);
+        seen = &parameters;
+        *m_log += "R";
+    }
 
 private:
     std::string* m_log;
@@ -38,30 +46,20 @@ private:
 
 class D3D9ResourceManagerTest : public testing::Test {
 protected:
+    D3D9ResourceManagerTest() { m_parameters.BackBufferWidth = 640; }
     ~D3D9ResourceManagerTest() override { D3D9ResourceManager::Finalize(); }
 
-    /// What a loss and a recovery made the probes write.
+    /// What a loss and a recovery make the probes write.
     std::string Broadcast() {
         m_log.clear();
         D3D9ResourceManager::OnLost();
-        D3D9ResourceManager::OnRecoverLost(nullptr, D3DPRESENT_PARAMETERS{});
+        D3D9ResourceManager::OnRecoverLost(reinterpret_cast<IDirect3DDevice9*>(16), m_parameters);
         return m_log;
     }
 
+    D3DPRESENT_PARAMETERS m_parameters{};
     std::string m_log;
 };
-
-TEST_F(D3D9ResourceManagerTest, CallbacksStandAroundTheResourcesOwnWork) {
-    D3D9ResourceManager::Initialize();
-    Probe probe(&m_log);
-    probe.Register();
-    EXPECT_EQ(Broadcast(), "LR");
-    probe.WriteCalls();
-    probe.Register();  // a second time is no second entry
-    EXPECT_EQ(Broadcast(), "lLRr");
-    probe.UnsetUserCallback();
-    EXPECT_EQ(Broadcast(), "LR");
-}
 
 TEST_F(D3D9ResourceManagerTest, OnlyALivingManagerReachesResources) {
     auto probe = std::make_unique<Probe>(&m_log);
@@ -90,40 +88,23 @@ TEST_F(D3D9ResourceManagerTest, EveryCopyHasAnEntryOfItsOwn) {
     Probe probe(&m_log);
     const Probe ofUnregistered(probe);
     EXPECT_EQ(Broadcast(), "");
-    probe.WriteCalls();
+    probe.WriteCallbacks();
     probe.Register();
+    probe.Register();
+    EXPECT_EQ(Broadcast(), "lLRr") << "twice, or the callbacks are not around the resource's own work";
     {
         Probe constructed(probe);
         Probe assigned(&m_log);
-        assigned = probe;
-        EXPECT_EQ(Broadcast(), "lLlLlLRrRrRr");
-        assigned = constructed;
-        EXPECT_EQ(Broadcast(), "lLlLlLRrRrRr");
+        for (const Probe* const source : {&probe, &constructed}) {
+            assigned = *source;
+            EXPECT_EQ(Broadcast(), "lLlLlLRrRrRr");
+        }
+        EXPECT_EQ(constructed.seen, assigned.seen) << "a broadcast shows every resource the same copy";
+        EXPECT_NE(constructed.seen, &m_parameters);
     }
     EXPECT_EQ(Broadcast(), "lLRr") << "the end of a copy took the source's entry";
     probe = ofUnregistered;
-    EXPECT_EQ(Broadcast(), "LR") << "an assignment took the object's own entry";
-}
-
-TEST_F(D3D9ResourceManagerTest, ABroadcastShowsEveryResourceTheSameCopy) {
-    D3D9ResourceManager::Initialize();
-    D3DPRESENT_PARAMETERS given{};
-    given.BackBufferWidth = 640;
-    std::vector<const D3DPRESENT_PARAMETERS*> seen;
-    const auto see = [](D3D9ResourceBase*, void* user, IDirect3DDevice9* device,
-                        const D3DPRESENT_PARAMETERS& parameters) {
-        EXPECT_EQ(device, reinterpret_cast<IDirect3DDevice9*>(16));
-        EXPECT_EQ(parameters.BackBufferWidth, 640U);
-        static_cast<decltype(seen)*>(user)->push_back(&parameters);
-    };
-    Probe first(&m_log);
-    first.Register();
-    first.SetUserCallback(&seen, nullptr, see);
-    const Probe second(first);
-    D3D9ResourceManager::OnRecoverLost(reinterpret_cast<IDirect3DDevice9*>(16), given);
-    ASSERT_EQ(seen.size(), 2U);
-    EXPECT_NE(seen[0], &given);
-    EXPECT_EQ(seen[0], seen[1]);
+    EXPECT_EQ(Broadcast(), "LR") << "an assignment took the object's own entry, or left the callbacks";
 }
 
 TEST_F(D3D9ResourceManagerTest, ThreadsRegisterAndLeaveAtOnce) {

@@ -6,14 +6,9 @@
 namespace {
 
 thread_local unsigned int t_allocations = 0;
-thread_local unsigned int t_left = ~0U;
 
 void* Allocate(std::size_t size) {
     ++t_allocations;
-    if (t_left == 0) {
-        return nullptr;
-    }
-    --t_left;
     return std::malloc(size);
 }
 
@@ -25,18 +20,10 @@ unsigned int Allocations() {
     return t_allocations;
 }
 
-Shortage::Shortage(unsigned int left) {
-    t_left = left;
-}
-
-Shortage::~Shortage() {
-    t_left = ~0U;
-}
-
 }  // namespace velm::test
 
-// Linux lets a program replace these for the libraries that it uses, too. Inlined, the pairs of malloc and
-// free would look mismatched to the compiler.
+// On Linux a program may replace these for the libraries that it uses, too. If they were inlined, the
+// compiler would warn of mismatched pairs of malloc and delete.
 [[gnu::noinline]] void* operator new(std::size_t size) {
     if (void* const memory = Allocate(size)) {
         return memory;

@@ -5,6 +5,8 @@
 
 #include <set>
 
+namespace velm::test {
+
 class FakeDevice9;
 
 /// A surface that counts its references and tells its device when the last is gone.
@@ -115,3 +117,5 @@ inline ULONG WINAPI FakeSurface9::Release() {
     }
     return left;
 }
+
+}  // namespace velm::test

@@ -3,6 +3,8 @@
 #include <windows.h>
 #include <d3d9.h>
 
+namespace velm::test {
+
 /// Direct3D with made-up adapters: each query answers what was set, or fails from `failFrom` on.
 class FakeDirect3D9 final : public IDirect3D9 {
 public:
@@ -68,3 +70,5 @@ private:
         return D3D_OK;
     }
 };
+
+}  // namespace velm::test

@@ -9,32 +9,29 @@
 #include <windows.h>
 #else
 #include <sys/mman.h>
-#include <unistd.h>
 #endif
 
 namespace velm::test {
 
+constexpr std::size_t kPageSize = 4096;  // of every x86-64 system
+
 /// Address space that cannot be accessed until parts of it are opened.
 class Reservation {
 public:
-    explicit Reservation(std::size_t size) : m_size(size) {
 #if defined(_WIN32)
-        m_base = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
-#else
-        m_base = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        m_base = m_base != MAP_FAILED ? m_base : nullptr;
-#endif
-        if (m_base == nullptr) {
-            throw std::bad_alloc();
-        }
-    }
+    explicit Reservation(std::size_t size)
+        : m_base(VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS)), m_size(size) {}
     ~Reservation() {
-#if defined(_WIN32)
         VirtualFree(m_base, 0, MEM_RELEASE);
-#else
-        munmap(m_base, m_size);
-#endif
     }
+#else
+    explicit Reservation(std::size_t size)
+        : m_base(mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)),
+          m_size(size) {}
+    ~Reservation() {
+        munmap(m_base, m_size);
+    }
+#endif
     Reservation(const Reservation&) = delete;
     Reservation& operator=(const Reservation&) = delete;
 
@@ -42,31 +39,23 @@ public:
         return static_cast<unsigned char*>(m_base);
     }
 
-    /// Makes the pages that hold some bytes readable and writable; what they hold stays.
+    /// Makes the pages that hold some bytes readable and writable; their content stays, zeros at first.
     void Open(std::size_t offset, std::size_t size) {
-        const std::size_t begin = offset / PageSize() * PageSize();
+        unsigned char* const begin = Base() + offset / kPageSize * kPageSize;
+        const auto length = static_cast<std::size_t>(Base() + offset + size - begin);
 #if defined(_WIN32)
-        const bool opened =
-            VirtualAlloc(Base() + begin, offset + size - begin, MEM_COMMIT, PAGE_READWRITE) != nullptr;
+        const bool opened = VirtualAlloc(begin, length, MEM_COMMIT, PAGE_READWRITE) != nullptr;
 #else
-        const bool opened = mprotect(Base() + begin, offset + size - begin, PROT_READ | PROT_WRITE) == 0;
+        const bool opened = mprotect(begin, length, PROT_READ | PROT_WRITE) == 0;
 #endif
         if (!opened) {
             throw std::bad_alloc();
         }
     }
 
-    static std::size_t PageSize() {
-#if defined(_WIN32)
-        return 4096;
-#else
-        return static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-#endif
-    }
-
 private:
-    [[maybe_unused]] std::size_t m_size;  // Windows frees by the address alone
     void* m_base;
+    [[maybe_unused]] std::size_t m_size;  // Windows frees by the address alone
 };
 
 /// Which end of its bytes lies against a page that cannot be touched; the rows then have no alignment.
@@ -90,12 +79,10 @@ public:
 private:
     GuardedRows(std::size_t span, std::size_t stride, Guard guard)
         : m_stride(stride),
-          m_reservation(RoundUp(span) + 2 * Reservation::PageSize()),
-          m_offset(Reservation::PageSize() + (guard == Guard::kAfter ? RoundUp(span) - span : 0)) {}
+          m_reservation(RoundUp(span) + 2 * kPageSize),
+          m_offset(kPageSize + (guard == Guard::kAfter ? RoundUp(span) - span : 0)) {}
 
-    static std::size_t RoundUp(std::size_t size) {
-        return (size + Reservation::PageSize() - 1) / Reservation::PageSize() * Reservation::PageSize();
-    }
+    static std::size_t RoundUp(std::size_t size) { return (size + kPageSize - 1) / kPageSize * kPageSize; }
 
     std::size_t m_stride;
     Reservation m_reservation;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <type_traits>
 
-namespace velm {
+namespace velm::test {
 
 struct WindowDestroyer {
     void operator()(HWND window) const { DestroyWindow(window); }
@@ -44,4 +44,4 @@ inline LoopResult RunLoop(HWND window, UINT milliseconds) {
     return result;
 }
 
-}  // namespace velm
+}  // namespace velm::test

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace velm {
+namespace velm::test {
 
 /// What the test process holds of the system.
 struct ProcessResources {
@@ -13,4 +13,4 @@ struct ProcessResources {
 
 ProcessResources GetProcessResources();
 
-}  // namespace velm
+}  // namespace velm::test

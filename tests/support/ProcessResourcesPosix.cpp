@@ -6,7 +6,7 @@
 #include "ProcessResources.h"
 #include "velm/posix/Control.h"
 
-namespace velm {
+namespace velm::test {
 namespace {
 
 long long CountEntries(const char* folder) {
@@ -20,4 +20,4 @@ ProcessResources GetProcessResources() {
             static_cast<long long>(mallinfo2().uordblks), posix::OpenDeviceContexts()};
 }
 
-}  // namespace velm
+}  // namespace velm::test

@@ -6,7 +6,7 @@
 
 #include "ProcessResources.h"
 
-namespace velm {
+namespace velm::test {
 namespace {
 
 struct HandleCloser {
@@ -62,4 +62,4 @@ ProcessResources GetProcessResources() {
             static_cast<long long>(counters.PagefileUsage)};
 }
 
-}  // namespace velm
+}  // namespace velm::test

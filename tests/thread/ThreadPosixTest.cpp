@@ -14,6 +14,8 @@
 namespace velm {
 namespace {
 
+using namespace test;
+
 class ThreadPosixTest : public testing::Test {
 protected:
     void TearDown() override { posix::Reset(); }

@@ -7,6 +7,8 @@
 namespace velm {
 namespace {
 
+using namespace test;
+
 constexpr unsigned int kPeriod = 20;  // in milliseconds
 
 /// Alive for a number of ticks.

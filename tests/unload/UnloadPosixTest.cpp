@@ -11,6 +11,8 @@
 namespace velm {
 namespace {
 
+using namespace test;
+
 // The watchdog ends with KillTimer, the memory report with CloseHandle. A library that cannot be spared the
 // notices of threads still loads.
 TEST(UnloadPosix, SingletonsEndInTheReverseOrderOfTheirCreation) {

@@ -10,6 +10,8 @@
 namespace velm {
 namespace {
 
+using namespace test;
+
 // Memory that a load leaves behind adds up: the runtime sets 72 KiB aside for exceptions.
 TEST(Unload, ManyLoadsLeaveNothingBehindAndNotOneTickReachesUnloadedCode) {
     constexpr int kRounds = 50;

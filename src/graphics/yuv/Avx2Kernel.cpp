@@ -32,11 +32,14 @@ public:
           m_redOffset(Words(matrix.luma * kLumaOffset - kClampBias)) {}
 
     Chroma LoadChroma(const unsigned char* u, const unsigned char* v) const {
-        // U goes to the even bytes, V to the odd ones; -1 gives zero.
-        const __m256i uPlaces = _mm256_setr_epi8(0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13, -1,  //
-                                                 2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15, -1);
-        const __m256i vPlaces = _mm256_setr_epi8(-1, 0, -1, 1, -1, 4, -1, 5, -1, 8, -1, 9, -1, 12, -1, 13,  //
-                                                 -1, 2, -1, 3, -1, 6, -1, 7, -1, 10, -1, 11, -1, 14, -1, 15);
+        // U goes to the even bytes, V to the odd ones.
+        constexpr char kZero = -1;  // an index that selects a zero
+        const __m256i uPlaces = _mm256_setr_epi8(
+            0, kZero, 1, kZero, 4, kZero, 5, kZero, 8, kZero, 9, kZero, 12, kZero, 13, kZero,  //
+            2, kZero, 3, kZero, 6, kZero, 7, kZero, 10, kZero, 11, kZero, 14, kZero, 15, kZero);
+        const __m256i vPlaces = _mm256_setr_epi8(
+            kZero, 0, kZero, 1, kZero, 4, kZero, 5, kZero, 8, kZero, 9, kZero, 12, kZero, 13,  //
+            kZero, 2, kZero, 3, kZero, 6, kZero, 7, kZero, 10, kZero, 11, kZero, 14, kZero, 15);
         const __m256i pairs = _mm256_or_si256(_mm256_shuffle_epi8(LoadTwice(u), uPlaces),
                                               _mm256_shuffle_epi8(LoadTwice(v), vPlaces));
         const __m256i centred = _mm256_xor_si256(pairs, _mm256_set1_epi8(-kChromaOffset));
