@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (url.size() <= mostForTheExpression) {
         const auto expected = velm::test::PartsByExpression(url);
         VELM_FUZZ_DEMAND(parsed == (url.empty() || !expected[0].empty()));
-        VELM_FUZZ_DEMAND(PartsOf(parser) == expected);
+        VELM_FUZZ_DEMAND(velm::test::PartsOf(parser) == expected);
     }
     return 0;
 }
