@@ -13,8 +13,7 @@ using namespace std::string_literals;
 
 /// The outputs for a link, which begin as `url`, "t" and "k".
 std::string Read(const std::string& link, std::string url) {
-    std::string title = "t";
-    std::string ticket = "k";
+    std::string title = "t", ticket = "k";
     const ErrorCode result = UrlSchemeUtil::read(link, url, title, ticket);
     return (result == 0U                              ? ""
             : result == VELM_ERROR_UTIL_INVALID_PARAM ? "refused, "
@@ -23,13 +22,12 @@ std::string Read(const std::string& link, std::string url) {
 }
 
 TEST(UrlSchemeUtil, LinksGiveAddressTitleAndTicket) {
-    EXPECT_EQ(Read("velm://connect/play.velm.example?title=T-1_&ticket=a.~=_-9", "https://old/"),
-              "https://play.velm.example T-1_ a.~=_-9");
-    EXPECT_EQ(Read("velm:localhost:8080/%2f&x=1;T;=", "http:"), "http://localhost:8080/%2f&x=1 T =");
+    EXPECT_EQ(Read("velm://connect/localhost:1?title=T-_&ticket=.~=_-9", "http:"),
+              "http://localhost:1 T-_ .~=_-9");
+    EXPECT_EQ(Read("velm:play.velm.example/%2f&x=1;T;=", "https"), "https://play.velm.example/%2f&x=1 T =");
     EXPECT_EQ(Read("velm://resume?title=T&ticket=K", "http://127.0.0.1/"), "http://127.0.0.1/ T K");
     EXPECT_EQ(Read("velm:evil.test;T;K", "https"), "refused, https://evil.test T K");
-    std::string link = "velm:play.velm.example;LONGER-THAN-THE-BODY-BEFORE-IT;K";
-    std::string url = "https";
+    std::string link = "velm:play.velm.example;LONGER-THAN-THE-BODY-BEFORE-IT;K", url = "https";
     EXPECT_EQ(UrlSchemeUtil::read(link, url, link, link), 0U);  // an output may be the link
     EXPECT_EQ(link, "K");
 }
@@ -79,14 +77,13 @@ TEST(UrlSchemeUtil, ServiceAddressesAndNoOthersAreAccepted) {
         expectRefused("https://play.velm.example" + end);
     }
     for (const std::string host :
-         {"edge", "x.eu-west-1.edge", "eur-west-1.edge", "eu-west-.edge", "eu-west1.edge", "eu-1.edge"}) {
-        expectRefused("https://" + host + ".velm.example");
+         {"edge.velm.example", "x.eu-west-1.edge.velm.example", "eur-west-1.edge.velm.example",
+          "eu-west-.edge.velm.example", "eu-west1.edge.velm.example", "eu-1.edge.velm.example", "localhost",
+          "eu-west-1.edge.velm.example:8443", "stage.velm.example:123456", "a.localhost", ""}) {
+        expectRefused("https://" + host);
     }
-    for (const char* const url :
-         {"", "https://eu-west-1.edge.velm.example:8443", "https://stage.velm.example:123456",
-          "http://stage.velm.example", "https://localhost", "http://a.localhost"}) {
-        expectRefused(url);
-    }
+    expectRefused("http://stage.velm.example");
+    expectRefused("http://a.localhost");
 }
 
 TEST(UrlSchemeUtil, NoPlainPatternIsInTheLibrary) {
