@@ -6,6 +6,7 @@
 
 #include "Command.h"
 #include "Help.h"
+#include "Text.h"
 #include "velm/core/ErrorRegistry.h"
 #include "velm/platform/CommandLine.h"
 
@@ -23,6 +24,10 @@ std::string NameOf(velm::ErrorCode code) {
 namespace {
 
 constexpr int kFailed = 1;
+
+void PrintFailure(const std::string& message) {
+    std::cerr << "velmdiag: " << Printable(message) << '\n';
+}
 
 int Run(std::vector<std::string> arguments) {
     CLI::App app("Puts the velm libraries to work on real input.", "velmdiag");
@@ -45,11 +50,12 @@ int Run(std::vector<std::string> arguments) {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : kWrongUsage;
-    } catch (const Failure& failure) {
-        std::cout.flush();
-        std::cerr << "velmdiag: " << failure.message << '\n';
-        return failure.exitStatus;
+        if (error.get_exit_code() == 0) {
+            return app.exit(error);  // help or the like
+        }
+        PrintFailure(error.what());
+        std::cerr << "Run with --help for more information.\n";
+        return kWrongUsage;
     }
     return exitStatus;
 }
@@ -58,10 +64,20 @@ int Run(std::vector<std::string> arguments) {
 }  // namespace velmdiag
 
 int main(int argc, char** argv) {
+    using namespace velmdiag;
+    int exitStatus = kFailed;
+    std::string failed;
     try {
-        return velmdiag::Run(velm::platform::Utf8CommandLine(argc, argv));
+        exitStatus = Run(velm::platform::Utf8CommandLine(argc, argv));
+    } catch (const Failure& failure) {
+        failed = failure.message;
+        exitStatus = failure.exitStatus;
     } catch (const std::exception& exception) {
-        std::cerr << "velmdiag: " << exception.what() << '\n';
-        return velmdiag::kFailed;
+        failed = exception.what();
     }
+    std::cout.flush();
+    if (!failed.empty()) {
+        PrintFailure(failed);
+    }
+    return exitStatus;
 }
