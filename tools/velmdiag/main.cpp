@@ -6,6 +6,7 @@
 
 #include "Command.h"
 #include "Help.h"
+#include "Output.h"
 #include "Text.h"
 #include "velm/core/ErrorRegistry.h"
 #include "velm/platform/CommandLine.h"
@@ -75,9 +76,13 @@ int main(int argc, char** argv) {
     } catch (const std::exception& exception) {
         failed = exception.what();
     }
-    std::cout.flush();
+    const std::string problem = FinishOutput();  // before the first message, which would flush, too
     if (!failed.empty()) {
         PrintFailure(failed);
+    }
+    if (!problem.empty()) {
+        PrintFailure("standard output cannot be written: " + problem);
+        return exitStatus != 0 ? exitStatus : kOutputLost;
     }
     return exitStatus;
 }
