@@ -30,6 +30,8 @@ std::string NarrowFileName(const std::string& utf8) {
     return utf8;
 }
 
+void UseBinary(std::FILE*) {}
+
 bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
 }

@@ -53,7 +53,7 @@ void AddPaths(Report& report) {
     }
     std::string resources;
     const velm::ErrorCode result = velm::WindowsUtil::GetFullPathForResourcesDir(resources);
-    report.Add("resources", result.IsFailed() ? NameOf(result) : resources);
+    report.Add("resources", result.IsFailed() ? Describe(result) : resources);
 }
 
 void AddScreen(Report& report, const char* key, unsigned long stateFlags) {

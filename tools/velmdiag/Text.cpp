@@ -87,6 +87,10 @@ std::size_t ReadUtf8(std::string_view text, char32_t& code) {
     return size;
 }
 
+bool IsVisible(char32_t code) {
+    return !IsControl(code) && !IsHidden(code);
+}
+
 std::string Printable(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
