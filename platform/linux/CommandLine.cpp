@@ -1,18 +1,36 @@
 #include "velm/platform/CommandLine.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
 namespace velm::platform {
+namespace {
+
+/// Fills in standard descriptors that the caller closed. The first file to be opened would otherwise take
+/// their place, and what is printed would end up in it. Reads and writes fail as they do when closed.
+void FillStandardDescriptors() {
+    constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_RDWR};
+    for (int descriptor = 0; descriptor < 3; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) == -1 && open("/dev/null", kModes[descriptor]) != descriptor) {
+            std::_Exit(1);
+        }
+    }
+}
+
+}  // namespace
 
 std::vector<std::string> Utf8CommandLine(int argc, char** argv) {
+    FillStandardDescriptors();
     return {argv, argv + argc};
 }
 
 std::string NarrowFileName(const std::string& utf8) {
     return utf8;
 }
+
+void UseBinary(std::FILE*) {}
 
 bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;

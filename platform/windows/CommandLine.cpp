@@ -1,6 +1,7 @@
 #include "velm/platform/CommandLine.h"
 
 #include <windows.h>
+#include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
 
@@ -19,6 +20,32 @@ std::string Utf8(const wchar_t* text) {
     WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
     utf8.pop_back();  // the NUL
     return utf8;
+}
+
+struct HandleCloser {
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+
+bool EnableEscapes(HANDLE console) {
+    DWORD mode = 0;
+    return GetConsoleMode(console, &mode) &&
+           SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+/// Whether the console takes escape sequences, which it may claim and then show as text. A sequence that
+/// works leaves the cursor where it was; it is tried where nobody sees it.
+bool ConsoleUnderstandsEscapes() {
+    const HANDLE screen =
+        CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr);
+    if (screen == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    const std::unique_ptr<void, HandleCloser> closer(screen);
+    constexpr wchar_t kReset[] = L"\x1b[0m";
+    DWORD written = 0;
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    return EnableEscapes(screen) && WriteConsoleW(screen, kReset, 4, &written, nullptr) &&
+           GetConsoleScreenBufferInfo(screen, &info) && info.dwCursorPosition.X == 0;
 }
 
 }  // namespace
@@ -49,15 +76,17 @@ std::string NarrowFileName(const std::string& utf8) {
     return lost ? std::string() : std::string(narrow.c_str());
 }
 
+void UseBinary(std::FILE* stream) {
+    _setmode(_fileno(stream), _O_BINARY);
+}
+
 bool OutputIsTerminal() {
     return _isatty(_fileno(stdout)) != 0;
 }
 
 bool OutputTakesColors() {
-    const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
-    DWORD mode = 0;
-    return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) == 0 && GetConsoleMode(console, &mode) &&
-           SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) == 0 && ConsoleUnderstandsEscapes() &&
+           EnableEscapes(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 
 }  // namespace velm::platform

@@ -33,7 +33,7 @@ std::string ReadRuleFile(const std::string& path) {
         throw Failure{path + ": is larger than 1 MiB", kNotDone};
     }
     if (result != velm::VELM_ERROR_CORE_END_OF_DATA) {
-        throw Failure{path + ": " + NameOf(result), kNotDone};
+        CheckFile(path, result, kNotDone);
     }
     text.resize(size);
     return text;
@@ -62,7 +62,7 @@ bool Judge(const std::vector<AdapterRule>& rules, velm::D3d9AdapterContext& cont
     bool passed = false;
     const velm::ErrorCode result = set.Check(&passed, &context);
     if (result.IsFailed()) {
-        throw Failure{"the rules cannot be checked: " + NameOf(result), kNotDone};
+        throw Failure{"the rules cannot be checked: " + Describe(result), kNotDone};
     }
     report.Add("verdict", passed ? "accepted" : "refused");
     for (std::size_t i = 0; i < rules.size(); ++i) {
@@ -79,9 +79,7 @@ bool Judge(const std::vector<AdapterRule>& rules, velm::D3d9AdapterContext& cont
 velm::D3d9AdapterContext ReadFacts(IDirect3D9* d3d, unsigned int adapter) {
     velm::D3d9AdapterContext context;
     const velm::ErrorCode result = context.Setup(d3d, adapter);
-    if (result.IsFailed()) {
-        throw Failure{"adapter " + std::to_string(adapter) + ": " + NameOf(result), kNotDone};
-    }
+    CheckFile("adapter " + std::to_string(adapter), result, kNotDone);
     return context;
 }
 

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <iomanip>
 #include <iostream>
@@ -9,20 +10,24 @@
 #include <numeric>
 #include <optional>
 #include <sstream>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "Command.h"
 #include "Help.h"
+#include "Interruption.h"
 #include "Path.h"
 #include "Report.h"
 #include "velm/AudioFrame.h"
 #include "velm/AudioFrameStream.h"
-#include "velm/core/FileReader.h"
+#include "velm/core/CoreErrorCode.h"
 #include "velm/core/Thread.h"
 #include "velm/core/Tick.h"
 #include "velm/platform/CommandLine.h"
 #include "velm/WaveFileReadHelper.h"
-#include "WaveFile.h"
+#include "WaveInput.h"
+#include "WaveWriter.h"
 
 namespace velmdiag {
 namespace {
@@ -38,6 +43,7 @@ struct AudioOptions {
     std::string output;
     unsigned int blockMilliseconds = 10;
     unsigned int frames = 8;
+    bool info = false;
     bool json = false;
 };
 
@@ -98,47 +104,47 @@ double Seconds(velm::Tick from, velm::Tick to) {
 /// A recording on its way from the file through the ring to the other side.
 class Transfer {
 public:
-    Transfer(const AudioOptions& options, const WaveFormat& format)
-        : m_input(options.input),
-          m_block(PickBlock(format, options.blockMilliseconds)),
+    Transfer(const AudioOptions& options, WaveInput& input)
+        : m_options(options),
+          m_input(input),
+          m_block(PickBlock(input.Format(), options.blockMilliseconds)),
           m_payloadSize(std::min(m_block.size, kLargestPayload)),
           m_frameSampleSize((kHeaderSize + m_payloadSize + 1) / 2),
-          m_stream(m_frameSampleSize, options.frames, 1, 16) {
-        if (!options.output.empty()) {
-            m_writer = std::make_unique<WaveWriter>(options.output, format);
-        }
-    }
+          m_stream(m_frameSampleSize, options.frames, 1, 16) {}
 
-    /// Runs both sides to their end. Throws Failure when either failed.
-    void Run(bool showProgress, std::uint32_t dataSize) {
-        Check(m_reader.Open(m_input.c_str()));
-        Check(m_wave.Initialize(&m_reader));
+    /// Runs both sides to their end. Throws Failure when either failed; there is no output then.
+    void Run(bool showProgress) {
+        Check(m_wave.Initialize(&m_input));
         Check(m_stream.Initialize());
+        if (!m_options.output.empty()) {
+            m_writer.emplace(m_options.output, m_input.Format());
+        }
         const velm::Tick start = velm::Tick::Get();
         velm::Thread producer;
         velm::Thread consumer;
         Launch(consumer, "consumer", [](void* self) { return static_cast<Transfer*>(self)->Consume(); });
         Launch(producer, "producer", [](void* self) { return static_cast<Transfer*>(self)->Produce(); });
-        while (!m_consumed.load()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(showProgress ? 100 : 1));
-            if (showProgress) {
-                ShowProgress(dataSize);
-            }
-        }
-        if (showProgress) {
-            std::cout << "\r     \r" << std::flush;
-        }
+        WaitForConsumer(showProgress);
         Check(producer.Join(nullptr));
         Check(consumer.Join(nullptr));
         m_elapsed = Seconds(start, velm::Tick::Get());
-        if (m_writer != nullptr && !m_writer->Finish() && m_consumerFailure.empty()) {
-            m_consumerFailure = "the output cannot be written";
-        }
         if (!m_consumerFailure.empty()) {
             throw Failure{m_consumerFailure};
         }
+        CheckEnd();
+        if (m_writer && SumsAreEqual()) {
+            m_writer->Finish();
+        }
     }
 
+    /// How much data the header promised and the file does not have, in bytes.
+    std::uint64_t MissingBytes() const {
+        const WaveFormat& format = m_input.Format();
+        const bool mayEnd = format.sizeIsOpen && m_endOfReading == velm::VELM_ERROR_CORE_END_OF_DATA;
+        return mayEnd ? 0 : format.dataSize - std::min<std::uint64_t>(format.dataSize, m_taken.load());
+    }
+
+    bool SumsAreEqual() const { return m_sumRead.Text() == m_sumTaken.Text(); }
     double Elapsed() const { return m_elapsed; }
     const Block& ChosenBlock() const { return m_block; }
     std::uint64_t Blocks() const { return m_blocks; }
@@ -149,9 +155,29 @@ public:
     const Checksum& SumTaken() const { return m_sumTaken; }
 
 private:
-    void Check(velm::ErrorCode result) const {
-        if (result.IsFailed()) {
-            throw Failure{m_input + ": " + NameOf(result)};
+    void Check(velm::ErrorCode result) const { CheckFile(m_options.input, result); }
+
+    /// A file that gave nothing of its data is refused; one that ends early is worth what it gave.
+    void CheckEnd() const {
+        if (m_taken.load() == 0 && MissingBytes() != 0) {
+            throw Failure{m_options.input + ": gives none of its sample data: " + Describe(m_endOfReading)};
+        }
+    }
+
+    void WaitForConsumer(bool showProgress) {
+        while (!m_consumed.load()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(showProgress ? 100 : 1));
+            if (Interruption::Requested()) {
+                // The threads may be waiting for a pipe that nobody ends, so they are not waited for.
+                m_writer->Abandon();
+                std::_Exit(Interruption::kExitStatus);
+            }
+            if (showProgress) {
+                ShowProgress();
+            }
+        }
+        if (showProgress) {
+            std::cout << "\r     \r" << std::flush;
         }
     }
 
@@ -162,8 +188,9 @@ private:
         Check(thread.Start(nullptr));
     }
 
-    void ShowProgress(std::uint32_t dataSize) const {
-        const double share = dataSize != 0 ? 100.0 * static_cast<double>(m_taken.load()) / dataSize : 100.0;
+    void ShowProgress() const {
+        const std::uint32_t size = std::max(1U, m_input.Format().dataSize);
+        const double share = 100.0 * static_cast<double>(m_taken.load()) / size;
         std::cout << '\r' << std::fixed << std::setprecision(0) << std::min(share, 100.0) << " %"
                   << std::flush;
     }
@@ -212,7 +239,7 @@ private:
             m_stream.TakeFrontFrame(slot.data());
             const velm::ErrorCode result = frame.InitilizeReader(bytes, byteSize);
             if (result.IsFailed() || frame.GetCounter() != counter) {
-                Fail(m_input + ": a frame arrived damaged: " + NameOf(result));
+                Fail(m_options.input + ": a frame arrived damaged: " + Describe(result));
             }
             if (frame.GetFrameType() == kEnd) {
                 m_consumed = true;
@@ -221,9 +248,18 @@ private:
             m_sumTaken.Add(frame.GetDataBuffer(), frame.GetDataBufferSize());
             m_taken += frame.GetDataBufferSize();
             ++m_frames;
-            if (m_writer != nullptr && !m_writer->Write(frame.GetDataBuffer(), frame.GetDataBufferSize())) {
-                Fail("the output cannot be written");
-            }
+            WriteOutput(frame);
+        }
+    }
+
+    void WriteOutput(velm::AudioFrame& frame) {
+        if (!m_writer || m_stop.load()) {
+            return;
+        }
+        try {
+            m_writer->Write(frame.GetDataBuffer(), frame.GetDataBufferSize());
+        } catch (const Failure& failure) {
+            Fail(failure.message);
         }
     }
 
@@ -234,14 +270,14 @@ private:
         m_stop = true;
     }
 
-    std::string m_input;
+    const AudioOptions& m_options;
+    WaveInput& m_input;
     Block m_block;
     unsigned int m_payloadSize;
     unsigned int m_frameSampleSize;
-    velm::FileReader m_reader;
     velm::WaveFileReadHelper m_wave;
     velm::AudioFrameStream m_stream;
-    std::unique_ptr<WaveWriter> m_writer;
+    std::optional<WaveWriter> m_writer;
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_consumed{false};
     std::atomic<std::uint64_t> m_taken{0};  // in bytes
@@ -258,41 +294,112 @@ private:
     std::string m_consumerFailure;
 };
 
-int RunAudio(const AudioOptions& options) {
-    RefuseToOverwriteInput(options.input, options.output);
-    const WaveFormat format = ReadWaveFormat(options.input);
-    Transfer transfer(options, format);
-    transfer.Run(!options.json && velm::platform::OutputIsTerminal(), format.dataSize);
+void AddNumber(Report& report, const char* key, const std::optional<double>& number, const char* unit,
+               int decimals) {
+    if (number) {
+        report.Add(key, *number, unit, decimals);
+    } else {
+        report.AddUnknown(key);
+    }
+}
 
-    const std::uint64_t bytes = transfer.BytesTaken();
-    const std::uint64_t samples = format.blockAlign != 0 ? bytes / format.blockAlign : 0;
-    const double audio =
-        format.samplesPerSecond != 0 ? static_cast<double>(samples) / format.samplesPerSecond : 0.0;
-    const bool equal = transfer.SumRead().Text() == transfer.SumTaken().Text();
-
-    Report report;
+void AddFormat(Report& report, const AudioOptions& options, const WaveFormat& format) {
     report.Add("file", options.input);
     report.Add("format", NameOfFormat(format));
+    report.Add("format_tag", picojson::value(static_cast<double>(format.formatTag)), TextOfTag(format));
     report.Add("bits_per_sample", static_cast<long long>(format.bitsPerSample));
     report.Add("channels", static_cast<long long>(format.channels));
     report.Add("samples_per_second", static_cast<long long>(format.samplesPerSecond));
+}
+
+void AddSamples(Report& report, const WaveFormat& format, std::uint64_t bytes) {
+    const auto samples = SamplesIn(format, bytes);
+    AddNumber(report, "samples", samples ? std::optional(static_cast<double>(*samples)) : std::nullopt, "",
+              0);
+    report.Add("bytes", static_cast<long long>(bytes));
+    AddNumber(report, "audio", DurationOf(format, bytes), "s", 3);
+}
+
+void AddOpenSize(Report& report, bool isOpen) {
+    report.Add(
+        "size_is_open", picojson::value(isOpen),
+        isOpen ? "yes: the header does not tell the size, so the data goes on until the file ends" : "no");
+}
+
+/// What the header says, without the sample data.
+int RunInfo(const AudioOptions& options) {
+    const WaveInput input(options.input);
+    const WaveFormat& format = input.Format();
+    Report report;
+    AddFormat(report, options, format);
+    report.Add("bytes_per_second", static_cast<long long>(format.averageBytesPerSecond));
+    report.Add("block_align", static_cast<long long>(format.blockAlign));
+    if (format.sizeIsOpen) {
+        for (const char* const key : {"samples", "bytes", "audio"}) {
+            report.AddUnknown(key);
+        }
+    } else {
+        AddSamples(report, format, format.dataSize);
+    }
+    AddOpenSize(report, format.sizeIsOpen);
+    picojson::array chunks;
+    std::vector<std::string> lines{"    offset        size"};
+    for (const WaveChunk& chunk : format.chunks) {
+        chunks.emplace_back(picojson::object{{"tag", picojson::value(chunk.tag)},
+                                             {"offset", picojson::value(static_cast<double>(chunk.offset))},
+                                             {"size", picojson::value(static_cast<double>(chunk.size))}});
+        std::ostringstream line;
+        line << std::setw(10) << chunk.offset << "  " << std::setw(10) << chunk.size << "  " << chunk.tag;
+        lines.push_back(line.str());
+    }
+    report.AddLines("chunks", picojson::value(chunks), lines);
+    report.Print(options.json);
+    return 0;
+}
+
+Report ReportOf(const AudioOptions& options, const WaveFormat& format, const Transfer& transfer) {
+    const std::uint64_t bytes = transfer.BytesTaken();
+    const std::optional<double> audio = DurationOf(format, bytes);
+    Report report;
+    AddFormat(report, options, format);
     report.Add("block", static_cast<double>(transfer.ChosenBlock().milliseconds), "ms", 0);
     report.Add("blocks", static_cast<long long>(transfer.Blocks()));
     report.Add("frames", static_cast<long long>(transfer.Frames()));
-    report.Add("samples", static_cast<long long>(samples));
-    report.Add("bytes", static_cast<long long>(bytes));
-    report.Add("audio", audio, "s");
+    AddSamples(report, format, bytes);
+    AddOpenSize(report, format.sizeIsOpen && bytes < format.dataSize);
     report.Add("elapsed", transfer.Elapsed(), "s");
-    report.Add("real_time_factor", transfer.Elapsed() > 0 ? audio / transfer.Elapsed() : 0.0, "", 0);
+    AddNumber(report, "real_time_factor",
+              audio && transfer.Elapsed() > 0 ? std::optional(*audio / transfer.Elapsed()) : std::nullopt, "",
+              0);
     report.Add("checksum_read", transfer.SumRead().Text());
     report.Add("checksum_taken", transfer.SumTaken().Text());
-    report.Add("checksums_equal", equal);
-    report.Print(options.json);
-    if (bytes < format.dataSize) {
-        throw Failure{options.input + ": ends " + std::to_string(format.dataSize - bytes) +
-                      " bytes before its data does: " + NameOf(transfer.EndOfReading())};
+    report.Add("checksums_equal", transfer.SumsAreEqual());
+    return report;
+}
+
+int RunAudio(const AudioOptions& options) {
+    if (options.info) {
+        return RunInfo(options);
     }
-    return equal ? 0 : 1;
+    const bool outputIsData = options.output == "-";
+    if (!outputIsData) {
+        RefuseToOverwriteInput(options.input, options.output);
+    }
+    WaveInput input(options.input);
+    Transfer transfer(options, input);
+    transfer.Run(!options.json && !outputIsData && velm::platform::OutputIsTerminal());
+    const Report report = ReportOf(options, input.Format(), transfer);
+    if (outputIsData) {
+        report.Print(options.json, std::cerr);
+    } else {
+        report.Print(options.json);
+    }
+    if (const std::uint64_t missing = transfer.MissingBytes(); missing != 0) {
+        throw Failure{options.input + ": ends " + std::to_string(missing) + " bytes before its data does (" +
+                      NameOf(transfer.EndOfReading()) + ')' +
+                      (options.output.empty() ? "" : "; " + options.output + " has what came before")};
+    }
+    return transfer.SumsAreEqual() ? 0 : 1;
 }
 
 }  // namespace
@@ -303,10 +410,16 @@ void AddAudioCommand(CLI::App& app, int& exitStatus) {
     Explain(command,
             "Reads a WAVE file block by block on one thread, passes each block as an audio frame "
             "through the frame ring to another, and compares what arrives with what was read. Any "
-            "sample rate, depth and number of channels.",
+            "sample rate, depth and number of channels. A file that was written to a pipe, whose header "
+            "leaves the size open, is read until it ends. The file OUT appears when it is complete; with "
+            "--out - the recording goes to standard output and the report to standard error.",
             "velmdiag audio speech.wav --out copy.wav");
-    command->add_option("IN", options->input, "the WAVE file")->required();
-    command->add_option("--out", options->output, "write what arrives to this WAVE file");
+    command->add_option("IN", options->input, "the WAVE file, or - for standard input")->required();
+    CLI::Option* const out = command->add_option("--out", options->output,
+                                                 "write what arrives to this WAVE file, or - for standard "
+                                                 "output");
+    command->add_flag("--info", options->info, "read the header only and list the chunks in it")
+        ->excludes(out);
     command->add_option("--block-ms", options->blockMilliseconds, "play time of a block in milliseconds")
         ->check(CLI::Range(1U, 10000U))
         ->capture_default_str();

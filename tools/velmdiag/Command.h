@@ -6,7 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "velm/core/ErrorCode.h"
+#include "ErrorTexts.h"
 
 namespace velmdiag {
 
@@ -22,14 +22,12 @@ struct Failure {
     int exitStatus = 1;
 };
 
-/// The registered name of a code, such as "VELM_ERROR_UTIL_DATA_BROKEN"; its number when it has none.
-std::string NameOf(velm::ErrorCode code);
-
 // Each adds its command; `exitStatus` receives what the program ends with once the command has run.
 void AddAdapterCommand(CLI::App& app, int& exitStatus);
 void AddAudioCommand(CLI::App& app, int& exitStatus);
 void AddConfigCommand(CLI::App& app, int& exitStatus);
 void AddDeviceCommand(CLI::App& app, int& exitStatus);
+void AddErrorCommand(CLI::App& app, int& exitStatus);
 void AddKeyCommand(CLI::App& app, int& exitStatus);
 void AddLinkCommand(CLI::App& app, int& exitStatus);
 void AddPictureCommand(CLI::App& app, int& exitStatus);

@@ -43,10 +43,7 @@ std::string ToOem(const std::string& utf8) {
 /// The readers do not say why a file could not be read.
 void CheckReadable(const std::string& path) {
     velm::FileReader file;
-    const velm::ErrorCode result = file.Open(path.c_str());
-    if (result.IsFailed()) {
-        throw Failure{path + ": " + NameOf(result)};
-    }
+    CheckFile(path, file.Open(path.c_str()));
 }
 
 /// The whole path of a file: Windows would look for a bare name in its own folder.

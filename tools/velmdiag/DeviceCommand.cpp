@@ -65,7 +65,7 @@ struct Manager {
     Manager() {
         const velm::ErrorCode result = velm::D3D9ResourceManager::Initialize();
         if (result.IsFailed()) {
-            throw Failure{"the resource manager: " + NameOf(result), kNotDone};
+            throw Failure{"the resource manager cannot be made: " + Describe(result), kNotDone};
         }
     }
     ~Manager() { velm::D3D9ResourceManager::Finalize(); }

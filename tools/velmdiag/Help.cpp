@@ -81,8 +81,8 @@ std::string ManPage(const CLI::App& app) {
              << Roff(ExampleOf(*command)) << "\n.EE\n";
     }
     page << ".SH \"EXIT STATUS\"\n0 on success, 1 when the command failed or says no, 2 for wrong usage; a "
-            "command "
-            "says where it differs.\n"
+            "command says where it differs. 3 when the command did its work and standard output did not "
+            "take what it printed.\n"
          << ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\nno colours, also on a terminal\n";
     return page.str();
 }

@@ -34,7 +34,9 @@ int RunLink(const LinkOptions& options) {
     }
     report.Print(options.json);
     if (result.IsFailed()) {
-        throw Failure{std::string(isRead ? "the address" : "the link") + " is refused: " + NameOf(result)};
+        throw Failure{isRead ? address + ": the address is not one that the client follows (" +
+                                   NameOf(result) + ')'
+                             : options.link + ": is not a link of the client (" + NameOf(result) + ')'};
     }
     return 0;
 }

@@ -2,6 +2,7 @@
 #include <charconv>
 #include <chrono>
 #include <cstddef>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -84,16 +85,14 @@ Frame MakeFrame(const std::string& size) {
 /// Reads frame after frame up to the wanted one.
 void ReadFrame(const PictureOptions& options, Frame& frame) {
     velm::FileReader reader;
-    if (const velm::ErrorCode result = reader.Open(options.input.c_str()); result.IsFailed()) {
-        throw Failure{options.input + ": " + NameOf(result)};
-    }
+    CheckFile(options.input, reader.Open(options.input.c_str()));
     for (unsigned int i = 0; i <= options.frame; ++i) {
         unsigned long long size = 0;
         const velm::ErrorCode result = reader.Read(&size, frame.bytes.data(), frame.bytes.size());
         if (result.IsFailed()) {
             throw Failure{options.input + ": frame " + std::to_string(i) + " has " + std::to_string(size) +
                           " of the " + std::to_string(frame.bytes.size()) + " bytes that " + options.size +
-                          " pixels need: " + NameOf(result)};
+                          " pixels need (" + NameOf(result) + ')'};
         }
     }
 }
@@ -159,7 +158,9 @@ int RunPicture(const PictureOptions& options) {
     const velm::yuv::Kernel& kernel = FindKernel(options.kernel);
     const Conversion& conversion = *std::ranges::find_if(
         kConversionTable, [&](const Conversion& at) { return at.matrix->name == options.matrix; });
-    RefuseToOverwriteInput(options.input, options.output);
+    if (options.output != "-") {
+        RefuseToOverwriteInput(options.input, options.output);
+    }
     ReadFrame(options, frame);
 
     std::vector<unsigned int> argb(frame.LumaSize());
@@ -175,7 +176,11 @@ int RunPicture(const PictureOptions& options) {
     report.Add("kernel", kernel.name);
     report.Add("time_per_frame", time, "us", 1);
     report.Add("picture", options.output);
-    report.Print(options.json);
+    if (options.output == "-") {
+        report.Print(options.json, std::cerr);
+    } else {
+        report.Print(options.json);
+    }
     return 0;
 }
 
@@ -191,7 +196,7 @@ void AddPictureCommand(CLI::App& app, int& exitStatus) {
             "velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
     command->add_option("IN", options->input, "the YUV file")->required();
     command->add_option("--size", options->size, "width and height in pixels, such as 1280x720")->required();
-    command->add_option("--out", options->output, "the PNG file")->required();
+    command->add_option("--out", options->output, "the PNG file, or - for standard output")->required();
     command->add_option("--matrix", options->matrix, "the matrix of ITU-R BT.601 or BT.709")
         ->check(CLI::IsMember({"601", "709"}))
         ->capture_default_str();

@@ -5,9 +5,43 @@
 #include <iostream>
 #include <sstream>
 
+#include "Text.h"
 #include "velm/platform/CommandLine.h"
 
 namespace velmdiag {
+namespace {
+
+bool ReplaceInvalidUtf8(std::string& text) {
+    std::string valid = ValidUtf8(text);
+    const bool replaced = valid != text;
+    text = std::move(valid);
+    return replaced;
+}
+
+/// Makes all texts in a value valid UTF-8.
+/// @return whether one was not
+bool ReplaceInvalidUtf8(picojson::value& value) {
+    bool replaced = false;
+    if (value.is<std::string>()) {
+        replaced = ReplaceInvalidUtf8(value.get<std::string>());
+    } else if (value.is<picojson::array>()) {
+        for (picojson::value& element : value.get<picojson::array>()) {
+            replaced |= ReplaceInvalidUtf8(element);
+        }
+    } else if (value.is<picojson::object>()) {
+        picojson::object members;
+        for (auto& [name, member] : value.get<picojson::object>()) {
+            std::string validName = name;
+            replaced |= ReplaceInvalidUtf8(validName);
+            replaced |= ReplaceInvalidUtf8(member);
+            members[validName] = std::move(member);
+        }
+        value = picojson::value(std::move(members));
+    }
+    return replaced;
+}
+
+}  // namespace
 
 void Report::Add(const std::string& key, const std::string& text) {
     Add(key, picojson::value(text), text);
@@ -35,15 +69,34 @@ void Report::Add(const std::string& key, double number, const char* unit, int de
 }
 
 void Report::Add(const std::string& key, picojson::value value, const std::string& text) {
-    m_entries.push_back({key, std::move(value), text});
+    m_entries.push_back({key, std::move(value), text, {}});
+}
+
+void Report::AddLines(const std::string& key, picojson::value value, std::vector<std::string> lines) {
+    m_entries.push_back({key, std::move(value), "", std::move(lines)});
+}
+
+void Report::AddUnknown(const std::string& key) {
+    Add(key, picojson::value(), "unknown");
 }
 
 void Report::Print(bool json) const {
     if (json) {
-        std::cout << Json().serialize(true);
-        return;
+        Print(true, std::cout);
+    } else {
+        PrintLines(std::cout, velm::platform::OutputTakesColors());
     }
-    const bool colors = velm::platform::OutputTakesColors();
+}
+
+void Report::Print(bool json, std::ostream& out) const {
+    if (json) {
+        out << Json().serialize(true);
+    } else {
+        PrintLines(out, false);
+    }
+}
+
+void Report::PrintLines(std::ostream& out, bool colors) const {
     std::size_t width = 0;
     for (const Entry& entry : m_entries) {
         width = std::max(width, entry.key.size());
@@ -51,8 +104,11 @@ void Report::Print(bool json) const {
     for (const Entry& entry : m_entries) {
         std::string label = entry.key;
         std::replace(label.begin(), label.end(), '_', ' ');
-        std::cout << (colors ? "\x1b[36m" : "") << std::left << std::setw(static_cast<int>(width) + 2)
-                  << label << (colors ? "\x1b[0m" : "") << entry.text << '\n';
+        out << (colors ? "\x1b[36m" : "") << std::left << std::setw(static_cast<int>(width) + 2) << label
+            << (colors ? "\x1b[0m" : "") << Printable(entry.text) << '\n';
+        for (const std::string& line : entry.lines) {
+            out << "    " << Printable(line) << '\n';
+        }
     }
 }
 
@@ -75,8 +131,15 @@ void Report::PrintList(const std::string& key, const std::vector<Report>& report
 
 picojson::value Report::Json() const {
     picojson::object object;
+    picojson::array replaced;
     for (const Entry& entry : m_entries) {
         object[entry.key] = entry.value;
+        if (ReplaceInvalidUtf8(object[entry.key])) {
+            replaced.emplace_back(entry.key);
+        }
+    }
+    if (!replaced.empty()) {
+        object["invalid_utf8"] = picojson::value(replaced);
     }
     return picojson::value(object);
 }

@@ -2,6 +2,7 @@
 
 #include <picojson.h>
 
+#include <iosfwd>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,6 +10,9 @@
 namespace velmdiag {
 
 /// The results of a command, printed as aligned lines for a person or as one JSON object for a program.
+///
+/// Values may be any bytes. Lines show what is not printable as escapes. JSON is valid UTF-8: other bytes are
+/// replaced, and the object then names the keys where that happened in the list "invalid_utf8".
 class Report {
 public:
     /// @param key  the name in JSON; the label of the line is the same, with blanks for underscores
@@ -20,19 +24,27 @@ public:
     void Add(const std::string& key, double number, const char* unit = "", int decimals = 3);
     /// A value of any shape: JSON has it whole, the line shows `text`.
     void Add(const std::string& key, picojson::value value, const std::string& text);
+    /// A value that is shown in lines of its own, below the label.
+    void AddLines(const std::string& key, picojson::value value, std::vector<std::string> lines);
+    /// A value that is not known: "unknown", null in JSON.
+    void AddUnknown(const std::string& key);
 
     void Print(bool json) const;
+    /// Prints lines without colours, or JSON, to another stream than standard output.
+    void Print(bool json, std::ostream& out) const;
 
     /// Prints reports of one kind: for a program one JSON object, with all of them in the list `key`.
     static void PrintList(const std::string& key, const std::vector<Report>& reports, bool json);
 
 private:
     picojson::value Json() const;
+    void PrintLines(std::ostream& out, bool colors) const;
 
     struct Entry {
         std::string key;
         picojson::value value;
         std::string text;
+        std::vector<std::string> lines;
     };
     std::vector<Entry> m_entries;
 };

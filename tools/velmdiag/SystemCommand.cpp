@@ -4,6 +4,8 @@
 #include <iomanip>
 #include <memory>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "Command.h"
 #include "Help.h"
@@ -19,27 +21,29 @@ namespace {
 
 void AddLibraries(Report& report) {
     picojson::array libraries;
-    std::string text;
+    std::vector<std::string> lines;
     for (const char* const name : {VELM_UTIL_NAME, VELM_CORE_NAME}) {
         const velm::platform::LibraryFile file = velm::platform::FindLibrary(name);
         libraries.emplace_back(picojson::object{{"name", picojson::value(name)},
                                                 {"version", picojson::value(file.version)},
                                                 {"path", picojson::value(file.path)}});
-        text += std::string("\n    ") + name + ' ' + file.version + "  " + file.path;
+        lines.push_back(std::string(name) + ' ' + file.version + "  " + file.path);
     }
-    report.Add("libraries", picojson::value(libraries), text);
+    report.AddLines("libraries", picojson::value(libraries), lines);
 }
 
 void AddErrorCodes(Report& report) {
     picojson::array codes;
-    std::ostringstream text;
+    std::vector<std::string> lines;
     for (const velm::ErrorCodeInfo& info : velm::GetRegisteredErrorCodes()) {
         codes.emplace_back(picojson::object{{"code", picojson::value(static_cast<double>(info.code))},
                                             {"facility", picojson::value(info.facility)},
                                             {"name", picojson::value(info.name)}});
-        text << "\n    0x" << std::hex << std::uppercase << info.code << "  " << info.name;
+        std::ostringstream line;
+        line << "0x" << std::hex << std::uppercase << info.code << "  " << info.name;
+        lines.push_back(line.str());
     }
-    report.Add("error_codes", picojson::value(codes), text.str());
+    report.AddLines("error_codes", picojson::value(codes), lines);
 }
 
 void AddPaths(Report& report) {
@@ -49,7 +53,7 @@ void AddPaths(Report& report) {
     }
     std::string resources;
     const velm::ErrorCode result = velm::WindowsUtil::GetFullPathForResourcesDir(resources);
-    report.Add("resources", result.IsFailed() ? NameOf(result) : resources);
+    report.Add("resources", result.IsFailed() ? Describe(result) : resources);
 }
 
 void AddScreen(Report& report, const char* key, unsigned long stateFlags) {

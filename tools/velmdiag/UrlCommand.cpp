@@ -18,7 +18,7 @@ int RunUrl(const UrlOptions& options) {
     velm::UrlParser parser;
     const velm::ErrorCode result = parser.Parse(options.url.c_str());
     if (result.IsFailed()) {
-        throw Failure{"the URL is refused: " + NameOf(result)};
+        throw Failure{options.url + ": is refused as a URL: " + Describe(result)};
     }
     picojson::object parameters;
     std::string text;

@@ -131,7 +131,7 @@ int RunWatch(const WatchOptions& options) {
     watchdog->SetExitCode(options.exitCode);
     const velm::ErrorCode result = watchdog->Start(window.get(), &checker);
     if (result.IsFailed()) {
-        throw Failure{std::string("the watchdog cannot be started: ") + NameOf(result)};
+        throw Failure{std::string("the watchdog cannot be started: ") + Describe(result)};
     }
     const std::optional<int> exitCode = RunLoop(window.get(), options.duration);
     watchdog->Stop();

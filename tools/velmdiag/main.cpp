@@ -1,28 +1,73 @@
 #include <exception>
 #include <iostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "Command.h"
 #include "Help.h"
-#include "velm/core/ErrorRegistry.h"
+#include "Output.h"
+#include "Suggestion.h"
+#include "Text.h"
 #include "velm/platform/CommandLine.h"
 
 namespace velmdiag {
 
-std::string NameOf(velm::ErrorCode code) {
-    if (const velm::ErrorCodeInfo* const info = velm::FindErrorCode(code.GetCode())) {
-        return info->name;
-    }
-    std::ostringstream number;
-    number << "0x" << std::hex << std::uppercase << code.GetCode();
-    return number.str();
-}
-
 namespace {
 
 constexpr int kFailed = 1;
+
+void PrintFailure(const std::string& message) {
+    std::cerr << "velmdiag: " << Printable(message) << '\n';
+}
+
+/// What follows a word that the parser does not know: the one that was probably meant.
+std::string SuggestionFor(const std::string& word, const CLI::App& app) {
+    std::vector<std::string> known;
+    if (word.starts_with("--")) {
+        for (const CLI::Option* const option : app.get_options()) {
+            for (const std::string& name : option->get_lnames()) {
+                known.push_back("--" + name);
+            }
+        }
+    } else {
+        for (const CLI::App* const command : app.get_subcommands({})) {
+            known.push_back(command->get_name());
+        }
+    }
+    const std::string meant = Suggest(word, known);
+    return meant.empty() ? "" : "; did you mean " + meant + "?";
+}
+
+/// Throws Failure when a word stands where a command of the program, or of a command, must.
+void RefuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments,
+                          std::size_t at = 1) {
+    const bool takesCommands = !app.get_subcommands({}).empty();
+    if (!takesCommands || at >= arguments.size() || arguments[at].starts_with('-')) {
+        return;
+    }
+    for (const CLI::App* const command : app.get_subcommands({})) {
+        if (command->get_name() == arguments[at]) {
+            return RefuseUnknownCommand(*command, arguments, at + 1);
+        }
+    }
+    throw Failure{arguments[at] + ": there is no such command" + SuggestionFor(arguments[at], app),
+                  kWrongUsage};
+}
+
+/// What is wrong with a command line.
+std::string MessageOf(const CLI::ParseError& error, const CLI::App& app) {
+    std::string message = error.what();
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+        const CLI::App* command = &app;
+        while (!command->get_subcommands().empty()) {
+            command = command->get_subcommands().front();
+        }
+        for (const std::string& word : app.remaining(true)) {
+            message += SuggestionFor(word, *command);
+        }
+    }
+    return message;
+}
 
 int Run(std::vector<std::string> arguments) {
     CLI::App app("Puts the velm libraries to work on real input.", "velmdiag");
@@ -33,6 +78,7 @@ int Run(std::vector<std::string> arguments) {
     AddAudioCommand(app, exitStatus);
     AddConfigCommand(app, exitStatus);
     AddDeviceCommand(app, exitStatus);
+    AddErrorCommand(app, exitStatus);
     AddKeyCommand(app, exitStatus);
     AddLinkCommand(app, exitStatus);
     AddPictureCommand(app, exitStatus);
@@ -41,15 +87,17 @@ int Run(std::vector<std::string> arguments) {
     AddUrlCommand(app, exitStatus);
     AddWatchCommand(app, exitStatus);
     AddHelp(app);
+    RefuseUnknownCommand(app, arguments);
     try {
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : kWrongUsage;
-    } catch (const Failure& failure) {
-        std::cout.flush();
-        std::cerr << "velmdiag: " << failure.message << '\n';
-        return failure.exitStatus;
+        if (error.get_exit_code() == 0) {
+            return app.exit(error);  // help or the like
+        }
+        PrintFailure(MessageOf(error, app));
+        std::cerr << "Run with --help for more information.\n";
+        return kWrongUsage;
     }
     return exitStatus;
 }
@@ -58,10 +106,24 @@ int Run(std::vector<std::string> arguments) {
 }  // namespace velmdiag
 
 int main(int argc, char** argv) {
+    using namespace velmdiag;
+    int exitStatus = kFailed;
+    std::string failed;
     try {
-        return velmdiag::Run(velm::platform::Utf8CommandLine(argc, argv));
+        exitStatus = Run(velm::platform::Utf8CommandLine(argc, argv));
+    } catch (const Failure& failure) {
+        failed = failure.message;
+        exitStatus = failure.exitStatus;
     } catch (const std::exception& exception) {
-        std::cerr << "velmdiag: " << exception.what() << '\n';
-        return velmdiag::kFailed;
+        failed = exception.what();
     }
+    const std::string problem = FinishOutput();  // before the first message, which would flush, too
+    if (!failed.empty()) {
+        PrintFailure(failed);
+    }
+    if (!problem.empty()) {
+        PrintFailure("standard output cannot be written: " + problem);
+        return exitStatus != 0 ? exitStatus : kOutputLost;
+    }
+    return exitStatus;
 }

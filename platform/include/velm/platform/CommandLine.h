@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,9 @@ std::vector<std::string> Utf8CommandLine(int argc, char** argv);
 
 /// Converts a file name to the encoding that fopen expects; "" when it cannot be represented.
 std::string NarrowFileName(const std::string& utf8);
+
+/// Has a standard stream pass bytes as they are, with line ends and the byte 1A untouched.
+void UseBinary(std::FILE* stream);
 
 /// Whether standard output goes to a terminal.
 bool OutputIsTerminal();

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "velm/core/ErrorCode.h"
+
+namespace velmdiag {
+
+/// What a code of the libraries means to the person who meets it.
+struct ErrorText {
+    unsigned int code;
+    const char* meaning;  ///< goes on after "FILE: "
+    const char* advice;   ///< what to try
+};
+
+/// One for every code of both libraries.
+std::span<const ErrorText> GetErrorTexts();
+
+/// Null when there is none for the code.
+const ErrorText* FindErrorText(unsigned int code);
+
+/// Such as "0x8149AC0A".
+std::string HexOf(unsigned int code);
+
+/// The registered name of a code, such as "VELM_ERROR_UTIL_DATA_BROKEN"; its number when it has none.
+std::string NameOf(velm::ErrorCode code);
+
+/// The meaning of a code with its name in parentheses, for the end of a sentence.
+std::string Describe(velm::ErrorCode code);
+
+/// Throws Failure, which says what happened to the file, when the result is a failure.
+/// @param exitStatus  of the failure
+void CheckFile(const std::string& name, velm::ErrorCode result, int exitStatus = 1);
+
+}  // namespace velmdiag
