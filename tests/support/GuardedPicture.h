@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "GuardedRows.h"
-#include "YuvKernels.h"
+#include "graphics/yuv/YuvKernels.h"
 
 namespace velm::test {
 
