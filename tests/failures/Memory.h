@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <cerrno>
 
 namespace velm::test {
 
@@ -31,6 +32,7 @@ inline bool MayAllocate() {
         return true;
     }
     g_memory.didFail = true;
+    errno = ENOMEM;  // which the C library relies on when it starts a thread
     return false;
 }
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "GuardedRows.h"
 #include "graphics/yuv/YuvKernels.h"
+#include "GuardedRows.h"
 
 namespace velm::test {
 
