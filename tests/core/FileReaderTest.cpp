@@ -12,23 +12,19 @@
 namespace velm {
 namespace {
 
-using test::Pattern;
 using test::TemporaryFile;
-
-std::string PatternText(std::size_t size) {
-    const auto bytes = Pattern(size);
-    return {bytes.begin(), bytes.end()};
-}
 
 // The reader's buffer holds 262144 bytes.
 TEST(FileReader, DeliversTheSameBytesInPiecesOfAnySize) {
-    const std::string content = PatternText(600'000);
+    const auto pattern = test::Pattern(600'000);
+    const std::string content(pattern.begin(), pattern.end());
     const TemporaryFile file("pieces.bin", content);
-    for (const std::size_t piece : {1U, 7U, 4096U, 262'143U, 262'144U, 1'000'000U}) {
+    for (const std::size_t piece : {7U, 262'143U, 262'144U, 1'000'000U}) {
         SCOPED_TRACE(piece);
         FileReader reader;
         ASSERT_EQ(reader.Open(file.Name()), 0U);
         std::string read;
+        unsigned char byte = 77;
         unsigned long long readSize = piece;
         while (readSize == piece) {
             std::string part(piece, '\0');
@@ -36,13 +32,12 @@ TEST(FileReader, DeliversTheSameBytesInPiecesOfAnySize) {
             ASSERT_EQ(result, readSize == piece ? 0U : VELM_ERROR_CORE_END_OF_DATA);
             read.append(part, 0, readSize);
             // A byte in between, so that the two ways of reading share one position.
-            unsigned char byte = 77;
             if (reader.ReadU8(&byte) == 0) {
                 read += static_cast<char>(byte);
             }
         }
         EXPECT_TRUE(read == content);
-        unsigned char byte = 77;
+        byte = 77;
         EXPECT_EQ(reader.ReadU8(&byte), VELM_ERROR_CORE_END_OF_DATA);
         EXPECT_EQ(reader.Read(nullptr, &byte, 1), VELM_ERROR_CORE_END_OF_DATA);
         EXPECT_EQ(byte, 77);
@@ -61,10 +56,7 @@ TEST(FileReader, SaysWhyAFileCannotBeRead) {
     EXPECT_EQ(reader.Read(&readSize, &byte, 1), VELM_ERROR_CORE_NOT_INITIALIZED);
     EXPECT_EQ(readSize, 0U);
 
-    const TemporaryFile first(
-        "Gr\xC3\xBC\xC3\x9F"
-        "e-\xE6\x97\xA5\xE6\x9C\xAC-\xF0\x9F\x8E\xB5.bin",
-        "abc");
+    const TemporaryFile first("Gr\xC3\xBC\xC3\x9F-\xE6\x97\xA5-\xF0\x9F\x8E\xB5.bin", "abc");
     ASSERT_EQ(reader.Open(first.Name()), 0U);
     EXPECT_EQ(reader.ReadU8(nullptr), VELM_ERROR_CORE_INVALID_PARAM);
     EXPECT_EQ(reader.Read(&readSize, nullptr, 1), VELM_ERROR_CORE_INVALID_PARAM);
@@ -75,31 +67,11 @@ TEST(FileReader, SaysWhyAFileCannotBeRead) {
     ASSERT_EQ(reader.Open(second.Name()), 0U);
     EXPECT_EQ(reader.ReadU8(&byte), 0U);
     EXPECT_EQ(byte, 'x') << "and not what was left of the first file";
+    reader.Skip(1);
+    EXPECT_EQ(reader.ReadU8(&byte), 0U);
+    EXPECT_EQ(byte, 'z');
     reader.Close();
     EXPECT_EQ(reader.ReadU8(&byte), VELM_ERROR_CORE_NOT_INITIALIZED);
-}
-
-/// A reader that has no buffer, and two bytes.
-struct Unbuffered : IReader {
-    ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long) override {
-        *readSize = left != 0;
-        if (left == 0) {
-            return VELM_ERROR_CORE_READ_FAILED;
-        }
-        *static_cast<unsigned char*>(buffer) = left--;
-        return 0;
-    }
-    unsigned char left = 2;
-};
-
-TEST(IReader, ReadsSingleBytesThroughTheBlockReadOfAnyReader) {
-    Unbuffered reader;
-    unsigned char byte = 0;
-    ASSERT_EQ(reader.ReadU8(&byte), 0U);
-    EXPECT_EQ(byte, 2);
-    ASSERT_EQ(reader.ReadU8(&byte), 0U);
-    EXPECT_EQ(reader.ReadU8(&byte), VELM_ERROR_CORE_READ_FAILED);
-    EXPECT_EQ(byte, 1);
 }
 
 }  // namespace

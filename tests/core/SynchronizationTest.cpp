@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -12,88 +14,84 @@
 #include "velm/core/Semaphore.h"
 #include "velm/core/SyncEvent.h"
 
+#ifndef _WIN32
+#include <dlfcn.h>
+#include <csignal>
+#endif
+
 namespace velm {
 namespace {
 
 using namespace std::chrono_literals;
 
-TEST(Mutex, RefusesWhatItCannotDo) {
-    Mutex mutex;
-    EXPECT_EQ(mutex.Lock(), VELM_ERROR_CORE_NOT_INITIALIZED);
-    EXPECT_EQ(mutex.Initialize(), 0U);
-    EXPECT_EQ(mutex.Unlock(), VELM_ERROR_CORE_ILLEGAL_CALL);
-    EXPECT_EQ(mutex.Lock(), 0U);
-    EXPECT_EQ(mutex.Lock(), 0U);
-    EXPECT_EQ(mutex.Unlock(), 0U);
-    std::thread([&] { EXPECT_EQ(mutex.Unlock(), VELM_ERROR_CORE_ILLEGAL_CALL); }).join();
-    EXPECT_EQ(mutex.Unlock(), 0U);
-    EXPECT_EQ(mutex.Unlock(), VELM_ERROR_CORE_ILLEGAL_CALL);
+// How often the system was asked to put a thread to sleep and to wake some; counted on Linux alone.
+std::atomic<int> g_waits{0};
+std::atomic<int> g_wakes{0};
+std::atomic<bool> g_processEnds{false};
+
+}  // namespace
+}  // namespace velm
+
+#ifndef _WIN32
+// Linux lets a program replace what the libraries that it uses call.
+template <typename Call>
+Call* Replaced(Call*, const char* name) {
+    return reinterpret_cast<Call*>(dlsym(RTLD_NEXT, name));
 }
 
-TEST(Mutex, LetsOneThreadInAtATime) {
-    constexpr int kRounds = 20'000;
-    Mutex mutex;
-    mutex.Initialize();
-    long count = 0;
-    const auto work = [&] {
-        for (int i = 0; i < kRounds; ++i) {
-            mutex.Lock();
-            ++count;
-            mutex.Unlock();
-        }
-    };
-    std::thread other(work);
-    work();
-    other.join();
-    EXPECT_EQ(count, 2 * kRounds);
+BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds) {
+    ++velm::g_waits;
+    return Replaced(&WaitOnAddress, __func__)(address, compare, size, milliseconds);
 }
 
-TEST(Semaphore, NeverExceedsItsMaximum) {
-    const unsigned int cases[][3] = {{0, 4, 4}, {3, 4, 1}, {9, 4, 0}, {0, 0, 0}, {1, 0xFFFFFFFF, 0x7FFFFFFE}};
-    for (const auto& [initial, maximum, most] : cases) {
-        SCOPED_TRACE(testing::Message() << initial << " of " << maximum);
-        Semaphore semaphore(initial, maximum);
-        EXPECT_EQ(semaphore.Post(most + 1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
-        EXPECT_EQ(semaphore.Post(0xFFFFFFFF), VELM_ERROR_CORE_LIMIT_EXCEEDED);
-        EXPECT_EQ(semaphore.Post(most), 0U) << "a refused post leaves the count";
-        EXPECT_EQ(semaphore.Post(1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
-    }
+void WakeByAddressSingle(void* address) {
+    ++velm::g_wakes;
+    Replaced(&WakeByAddressSingle, __func__)(address);
 }
 
-// A lost wake-up leaves both threads waiting for good. Run for longer with VELM_PING_PONG_ROUNDS=10000000.
-TEST(Semaphore, LosesNoWakeUpInPingPong) {
-    const char* const given = std::getenv("VELM_PING_PONG_ROUNDS");
-    const long rounds = given != nullptr ? std::atol(given) : 100'000;
-    Semaphore ping(0, 1);
-    Semaphore pong(0, 1);
-    std::thread other([&] {
-        for (long i = 0; i < rounds; ++i) {
-            ping.Wait();
-            pong.Post(1);
-        }
-    });
-    for (long i = 0; i < rounds; ++i) {
-        ASSERT_EQ(ping.Post(1), 0U);
-        ASSERT_EQ(pong.Wait(), 0U);
-    }
-    other.join();
+void WakeByAddressAll(void* address) {
+    ++velm::g_wakes;
+    Replaced(&WakeByAddressAll, __func__)(address);
+}
+
+unsigned char RtlDllShutdownInProgress() {
+    return velm::g_processEnds;
+}
+#endif
+
+namespace velm {
+namespace {
+
+/// Runs something that puts nobody to sleep and asks the system so often to wake threads.
+template <typename Run>
+void ExpectWakes([[maybe_unused]] int wakes, Run run) {
+    g_waits = g_wakes = 0;
+    run();
+#ifndef _WIN32
+    EXPECT_EQ(g_waits, 0);
+    EXPECT_EQ(g_wakes, wakes);
+#endif
 }
 
 /// Threads that each wait once.
-template <typename Object>
 struct Waiters {
-    Waiters(Object& object, int count) {
+    template <typename Wait>
+    Waiters(int count, Wait wait) {
+        g_waits = 0;
         for (int i = 0; i < count; ++i) {
-            threads.emplace_back([this, &object] {
-                ++begun;
-                (object.Wait() == 0 ? released : turnedAway) += 1;
+            threads.emplace_back([this, wait] {
+#ifdef _WIN32
+                ++g_waits;
+#endif
+                (wait() == 0 ? released : turnedAway) += 1;
             });
         }
-        while (begun != count) {
+        while (g_waits < count) {
             std::this_thread::yield();
         }
-        // Give the last one the time to get from there into Wait, on a busy machine, too.
+        // Give the last one the time to get from there to sleep, on a busy machine, too.
         std::this_thread::sleep_for(30ms);
+        EXPECT_EQ(g_waits, count) << "a thread does not sleep";
     }
 
     /// Waits until so many were released, and for a while whether it stays with them.
@@ -105,64 +103,111 @@ struct Waiters {
         EXPECT_EQ(released, count);
     }
 
-    std::atomic<int> begun{0};
     std::atomic<int> released{0};
     std::atomic<int> turnedAway{0};
     std::vector<std::jthread> threads;
 };
 
-TEST(Semaphore, WakesAsManyAsWerePosted) {
+TEST(Mutex, RefusesWhatItCannotDo) {
+    Mutex mutex;
+    EXPECT_EQ(mutex.Lock(), VELM_ERROR_CORE_NOT_INITIALIZED);
+    EXPECT_EQ(mutex.Initialize(), 0U);
+    EXPECT_EQ(mutex.Lock(), 0U);
+    EXPECT_EQ(mutex.Lock(), 0U);
+    EXPECT_EQ(mutex.Unlock(), 0U);
+    std::thread([&] { EXPECT_EQ(mutex.Unlock(), VELM_ERROR_CORE_ILLEGAL_CALL); }).join();
+    EXPECT_EQ(mutex.Unlock(), 0U);
+    EXPECT_EQ(mutex.Unlock(), VELM_ERROR_CORE_ILLEGAL_CALL);
+}
+
+TEST(Mutex, LetsOneThreadInAtATime) {
+#ifndef _WIN32
+    std::signal(SIGUSR1, [](int) { usleep(20); });
+#endif
+    Mutex mutex;
+    mutex.Initialize();
+    long count = 0;
+    std::atomic<long> rounds{0};
+    std::atomic<bool> stop{false};
+    const auto work = [&] {
+        for (; !stop; ++rounds) {
+            ASSERT_EQ(mutex.Lock(), 0U);
+            ++count;
+            ASSERT_EQ(mutex.Unlock(), 0U) << "another thread is the owner";
+        }
+    };
+    std::vector<std::jthread> threads;
+    threads.emplace_back(work);
+    threads.emplace_back(work);
+    for (int i = 0; i < 2000 || rounds < 50'000; ++i) {
+#ifndef _WIN32
+        pthread_kill(threads[0].native_handle(), SIGUSR1);  // holds it up wherever it is
+#endif
+        std::this_thread::sleep_for(20us);
+    }
+    stop = true;
+    threads.clear();  // joins
+    EXPECT_EQ(count, rounds);
+}
+
+TEST(Mutex, EverySleeperIsWokenAndNobodyElse) {
+    Mutex mutex;
+    mutex.Initialize();
+    mutex.Lock();
+    {
+        Waiters waiters(4, [&] { return mutex.Lock().IsFailed() ? 1U : mutex.Unlock(); });
+        mutex.Unlock();
+        waiters.ExpectReleased(4);
+    }
+    ExpectWakes(0, [&] { mutex.Lock(), mutex.Unlock(); });
+}
+
+TEST(Semaphore, NeverExceedsItsMaximum) {
+    const unsigned int cases[][3] = {{0, 4, 4}, {3, 4, 1}, {9, 4, 0}, {0, 0, 0}, {1, 0xFFFFFFFF, 0x7FFFFFFE}};
+    for (const auto& [initial, maximum, most] : cases) {
+        SCOPED_TRACE(testing::Message() << initial << " of " << maximum);
+        Semaphore semaphore(initial, maximum);
+        EXPECT_EQ(semaphore.Post(most + 1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.Post(0xFFFFFFFF), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.Post(most), 0U) << "a refused post leaves the count";
+        EXPECT_EQ(semaphore.Post(1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
+        EXPECT_EQ(semaphore.TryTake(), maximum != 0);
+        EXPECT_EQ(semaphore.Post(1), maximum != 0 ? 0U : VELM_ERROR_CORE_LIMIT_EXCEEDED);
+    }
+}
+
+// A lost wake-up leaves both threads waiting for good. Run for longer with VELM_PING_PONG_ROUNDS=10000000.
+TEST(Semaphore, LosesNoWakeUpInPingPong) {
+    const char* const given = std::getenv("VELM_PING_PONG_ROUNDS");
+    const auto play = [rounds = given != nullptr ? std::atol(given) : 50'000](Semaphore& mine,
+                                                                              Semaphore& theirs) {
+        for (long i = 0; i < rounds; ++i) {
+            ASSERT_EQ(theirs.Post(1), 0U);
+            ASSERT_EQ(mine.Wait(), 0U);
+        }
+    };
+    Semaphore ping(0, 2);
+    Semaphore pong(0, 2);
+    std::jthread other([&] { play(ping, pong); });
+    play(pong, ping);
+}
+
+TEST(Semaphore, WakesAsManyAsWerePostedAndNobodyElse) {
     Semaphore semaphore(0, 8);
-    Waiters waiters(semaphore, 8);
-    semaphore.Post(3);
-    waiters.ExpectReleased(3);
-    semaphore.Post(5);
-    waiters.ExpectReleased(8);
-}
-
-TEST(SyncEvent, AutoResetReleasesOneWaiterForEachSet) {
-    SyncEvent event(false, false);
-    Waiters waiters(event, 3);
-    for (int released = 0; released < 3; ++released) {
-        waiters.ExpectReleased(released);
-        event.Set();
+    {
+        Waiters waiters(8, [&] { return semaphore.Wait(); });
+        ExpectWakes(3, [&] { semaphore.Post(3); });
+        waiters.ExpectReleased(3);
+        ExpectWakes(1, [&] { semaphore.Post(5); });
+        waiters.ExpectReleased(8);
     }
-}
-
-TEST(SyncEvent, ManualResetReleasesEveryWait) {
-    SyncEvent event(true, false);
-    Waiters waiters(event, 3);
-    waiters.ExpectReleased(0);
-    event.Set();
-    waiters.ExpectReleased(3);
-    EXPECT_EQ(event.Wait(), 0U);
-    EXPECT_EQ(SyncEvent(false, true).Wait(), 0U) << "set from the start";
-}
-
-// For the thread sanitizer: the setters are counted without any order, so that the event alone gives one.
-TEST(SyncEvent, WaitSeesWhatEverySetterWrote) {
-    SyncEvent event(false, false);
-    std::atomic<int> set{0};
-    int written[2] = {};
-    std::vector<std::jthread> setters;
-    for (int& mine : written) {
-        setters.emplace_back([&event, &set, &mine] {
-            mine = 1;
-            event.Set();
-            set.fetch_add(1, std::memory_order_relaxed);
-        });
-    }
-    while (set.load(std::memory_order_relaxed) != 2) {
-        std::this_thread::yield();
-    }
-    event.Wait();
-    EXPECT_EQ(written[0] + written[1], 2);
+    ExpectWakes(0, [&] { semaphore.Post(1), semaphore.Wait(); });
 }
 
 TEST(Semaphore, DestructorTurnsEveryBlockedThreadAway) {
-    for (int round = 0; round < 25; ++round) {
+    for (int round = 0; round < 10; ++round) {
         auto semaphore = std::make_unique<Semaphore>(0, 1);
-        Waiters waiters(*semaphore, 6);
+        Waiters waiters(6, [&] { return semaphore->Wait(); });
         semaphore.reset();
         waiters.threads.clear();
         EXPECT_EQ(waiters.turnedAway, 6);
@@ -170,7 +215,7 @@ TEST(Semaphore, DestructorTurnsEveryBlockedThreadAway) {
 }
 
 TEST(Semaphore, MayBeDestroyedByTheThreadThatAPostWakes) {
-    for (int round = 0; round < 2'000; ++round) {
+    for (int round = 0; round < 1'000; ++round) {
         auto* const semaphore = new Semaphore(0, 1);
         std::jthread waiter([semaphore] {
             semaphore->Wait();
@@ -179,6 +224,54 @@ TEST(Semaphore, MayBeDestroyedByTheThreadThatAPostWakes) {
         semaphore->Post(1);
     }
 }
+
+TEST(SyncEvent, SetReleasesOneWaiterOrAll) {
+    SyncEvent one(false, false);
+    Waiters waiters(3, [&] { return one.Wait(); });
+    for (int released = 0; released < 3; ++released) {
+        waiters.ExpectReleased(released);
+        one.Set();
+    }
+    SyncEvent all(true, false);
+    Waiters others(3, [&] { return all.Wait(); });
+    all.Set();
+    others.ExpectReleased(3);
+    EXPECT_EQ(all.Wait(), 0U);
+    EXPECT_EQ(SyncEvent(false, true).Wait(), 0U) << "set from the start";
+}
+
+// For the thread sanitizer: the setters are counted without any order, so that the event alone gives one.
+TEST(SyncEvent, WaitSeesWhatEverySetterWrote) {
+    SyncEvent event(false, false);
+    std::atomic<int> set{0};
+    int written[2] = {};
+    const auto write = [&](int index) {
+        written[index] = 1;
+        event.Set();
+        set.fetch_add(1, std::memory_order_relaxed);
+    };
+    const std::jthread setters[] = {std::jthread(write, 0), std::jthread(write, 1)};
+    while (set.load(std::memory_order_relaxed) != 2) {
+        std::this_thread::yield();
+    }
+    event.Wait();
+    EXPECT_EQ(written[0] + written[1], 2);
+}
+
+#ifndef _WIN32
+TEST(Synchronization, NobodyWaitsWhileTheProcessEnds) {
+    Mutex mutex;
+    mutex.Initialize();
+    std::thread([&] { mutex.Lock(); }).join();
+    g_processEnds = true;
+    ExpectWakes(0, [&] {
+        EXPECT_EQ(mutex.Lock(), 0U);
+        EXPECT_EQ(Semaphore(0, 1).Wait(), VELM_ERROR_CORE_ILLEGAL_CALL);
+        EXPECT_EQ(SyncEvent(false, false).Wait(), VELM_ERROR_CORE_ILLEGAL_CALL);
+    });
+    g_processEnds = false;
+}
+#endif
 
 }  // namespace
 }  // namespace velm
