@@ -1,177 +1,309 @@
 #include "velm/AudioFrameStream.h"
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <functional>
 #include <future>
 #include <thread>
 #include <vector>
+
+#include "RandomSeed.h"
+
+#ifndef _WIN32
+#include <dlfcn.h>
+#include <sys/mman.h>
+#include <csignal>
+#endif
 
 namespace velm {
 namespace {
 
 using namespace std::chrono_literals;
-
+using Clock = std::chrono::steady_clock;
 using Frame = std::vector<short>;
 
+std::atomic<bool> g_wakesAreSlow{false};
+
+}  // namespace
+}  // namespace velm
+
+#ifndef _WIN32
+// Linux lets a program replace what the libraries that it uses call.
+void WakeByAddressSingle(void* address) {
+    reinterpret_cast<decltype(&WakeByAddressSingle)>(dlsym(RTLD_NEXT, __func__))(address);
+    if (velm::g_wakesAreSlow) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+#endif
+
+namespace velm {
+namespace {
+
 constexpr unsigned int kSamples = 4;  // of a frame, mono, 16 bits
+constexpr unsigned int kFrames = 4;
 
-Frame FrameOf(short value) {
-    return Frame(kSamples, value);
+Frame FrameOf(int value) {
+    return Frame(kSamples, static_cast<short>(value));
 }
 
-Frame TakeFront(AudioFrameStream& stream) {
-    Frame frame = FrameOf(-1);
-    EXPECT_EQ(stream.TakeFrontFrame(frame.data()), 0U);
-    return frame;
-}
+/// A ring and what puts a frame in and takes one out: with data and without, at the back and the front.
+struct Ring {
+    Ring() { EXPECT_EQ(stream.Initialize(), 0U); }
+
+    AudioFrameStream stream{kSamples, kFrames, 1, 16};
+    Frame frame = FrameOf(0);  // that is pushed or taken
+    const std::function<ErrorCode()> pushes[4] = {[this] { return stream.PushBackFrame(frame.data()); },
+                                                  [this] { return stream.PushFrontFrame(frame.data()); },
+                                                  [this] { return stream.PushBackClearFrame(); },
+                                                  [this] { return stream.PushFrontClearFrame(); }};
+    const std::function<ErrorCode()> takes[4] = {[this] { return stream.TakeBackFrame(frame.data()); },
+                                                 [this] { return stream.TakeFrontFrame(frame.data()); },
+                                                 [this] { return stream.DropBackFrame(); },
+                                                 [this] { return stream.DropFrontFrame(); }};
+};
 
 /// Runs an operation on a thread of its own, for as long as it blocks.
 class Blocked {
 public:
     template <typename Operation>
     explicit Blocked(Operation operation) : m_result(std::async(std::launch::async, operation)) {
-        EXPECT_EQ(m_result.wait_for(30ms), std::future_status::timeout) << "does not block";
+        EXPECT_TRUE(Blocks());
     }
 
+    bool Blocks() { return m_result.wait_for(60ms) == std::future_status::timeout; }
     ErrorCode Result() { return m_result.get(); }
 
 private:
     std::future<ErrorCode> m_result;
 };
 
-TEST(AudioFrameStream, MovesWholeFramesAtBothEndsAndWaitsForThem) {
-    AudioFrameStream stream(kSamples, 4, 1, 16);
-    ASSERT_EQ(stream.Initialize(), 0U);
-    for (short value = 1; value <= 3; ++value) {
-        ASSERT_EQ(stream.PushBackFrame(FrameOf(value).data()), 0U);
+TEST(AudioFrameStream, DoesWhatAQueueOfFramesWouldDo) {
+    std::mt19937 random = test::SeededRandom();
+    Ring ring;
+    std::deque<int> queue;
+    for (int step = 1; step < 1000; ++step) {
+        const bool push = queue.empty() || (queue.size() < kFrames && random() % 2 == 0);
+        const auto which = random() % 4;
+        const bool front = which % 2 != 0;
+        SCOPED_TRACE(testing::Message() << step << (push ? " push " : " take ") << which);
+        int expected = step;
+        if (push) {
+            queue.insert(front ? queue.begin() : queue.end(), which < 2 ? step : 0);
+        } else {
+            expected = which < 2 ? (front ? queue.front() : queue.back()) : step;
+            queue.erase(front ? queue.begin() : queue.end() - 1);
+        }
+        ring.frame = FrameOf(step);
+        ASSERT_EQ((push ? ring.pushes : ring.takes)[which](), 0U);
+        ASSERT_EQ(ring.frame, FrameOf(expected));
+        ASSERT_EQ(ring.stream.GetUsedFrameSize(), queue.size());
+        ASSERT_EQ(ring.stream.GetFreeFrameSize(), kFrames - queue.size());
     }
-    ASSERT_EQ(stream.PushFrontFrame(FrameOf(9).data()), 0U);
-    EXPECT_EQ(stream.GetUsedFrameSize(), 4U);
-    EXPECT_EQ(stream.GetFreeFrameSize(), 0U);
-    EXPECT_EQ(TakeFront(stream), FrameOf(9));
-    Frame newest = FrameOf(0);
-    ASSERT_EQ(stream.TakeBackFrame(newest.data()), 0U);
-    EXPECT_EQ(newest, FrameOf(3));
-    ASSERT_EQ(stream.DropFrontFrame(), 0U);
-    ASSERT_EQ(stream.PushFrontClearFrame(), 0U);
-    ASSERT_EQ(stream.PushAllClearFrame(), 0U);
-    EXPECT_EQ(stream.GetUsedFrameSize(), 4U);
-    EXPECT_EQ(stream.PushBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM) << "without waiting";
-    EXPECT_EQ(stream.PushFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-    Blocked push([&] { return stream.PushBackFrame(FrameOf(7).data()); });
-    ASSERT_EQ(stream.DropBackFrame(), 0U);
-    EXPECT_EQ(push.Result(), 0U);
-    EXPECT_EQ(TakeFront(stream), FrameOf(0));
-    ASSERT_EQ(stream.TakeBackFrame(newest.data()), 0U);
-    EXPECT_EQ(newest, FrameOf(7));
-    EXPECT_EQ(stream.DropAllFrame(), 0U);
-    EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
-    EXPECT_EQ(stream.TakeFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM) << "without waiting";
-    EXPECT_EQ(stream.TakeBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-    Blocked take([&] { return stream.TakeFrontFrame(newest.data()); });
-    ASSERT_EQ(stream.PushFrontFrame(FrameOf(8).data()), 0U);
-    EXPECT_EQ(take.Result(), 0U);
-    EXPECT_EQ(newest, FrameOf(8));
+    EXPECT_EQ(ring.stream.DropAllFrame(), 0U);
+    EXPECT_EQ(ring.stream.GetUsedFrameSize(), 0U);
+    EXPECT_EQ(ring.stream.PushAllClearFrame(), 0U);
+    EXPECT_EQ(ring.stream.GetFreeFrameSize(), 0U);
+}
+
+TEST(AudioFrameStream, EveryOperationWaitsUnlessItHasNoFrame) {
+    for (int which = 0; which < 4; ++which) {
+        SCOPED_TRACE(which);
+        Ring ring;
+        Blocked take(ring.takes[which]);
+        EXPECT_EQ(ring.stream.PushBackClearFrame(), 0U);
+        EXPECT_EQ(take.Result(), 0U);
+        EXPECT_EQ(ring.stream.TakeFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+        EXPECT_EQ(ring.stream.TakeBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+        EXPECT_EQ(ring.stream.PushAllClearFrame(), 0U);
+        Blocked push(ring.pushes[which]);
+        EXPECT_EQ(ring.stream.DropFrontFrame(), 0U);
+        EXPECT_EQ(push.Result(), 0U);
+        EXPECT_EQ(ring.stream.PushFrontFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+        EXPECT_EQ(ring.stream.PushBackFrame(nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    }
 }
 
 TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
     const unsigned int shapes[][4] = {
-        {0, 4, 2, 16}, {4, 4, 0, 16}, {0xFFFFFFFF, 4, 2, 16}, {65536, 65535, 1, 8}, {480, 0xFFFFFFFF, 2, 16}};
+        {0, 4, 2, 16},  {4, 4, 0, 16}, {0xFFFFFFFF, 4, 2, 16}, {65536, 65535, 1, 8}, {480, 0xFFFFFFFF, 2, 16},
+        {480, 0, 2, 16}};
     for (const auto& [samples, frames, channels, bits] : shapes) {
+        SCOPED_TRACE(testing::Message() << samples << " x " << frames << ", " << channels << " x " << bits);
         AudioFrameStream stream(samples, frames, channels, bits);
         EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(stream.Initialize(), VELM_ERROR_UTIL_NOT_INITIALIZED);
+        EXPECT_EQ(stream.Initialize(), frames == 0 ? 0U : VELM_ERROR_UTIL_NOT_INITIALIZED);
+        EXPECT_EQ(stream.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
         EXPECT_EQ(stream.PushAllClearFrame(), 0U);
         EXPECT_EQ(stream.DropAllFrame(), 0U);
         EXPECT_EQ(stream.GetUsedFrameSize(), 0U);
     }
-    AudioFrameStream none(480, 0, 2, 16);
-    EXPECT_EQ(none.Initialize(), 0U);
-    EXPECT_EQ(none.PushBackClearFrame(), VELM_ERROR_UTIL_UNKNOWN);
-    EXPECT_EQ(none.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
 TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
     for (const bool full : {false, true}) {
-        SCOPED_TRACE(full);
-        AudioFrameStream stream(kSamples, 2, 1, 16);
-        ASSERT_EQ(stream.Initialize(), 0U);
+        SCOPED_TRACE(full ? "pushes" : "takes");
+        Ring ring;
+        const auto& wait = full ? ring.pushes[2] : ring.takes[2];
         if (full) {
-            ASSERT_EQ(stream.PushAllClearFrame(), 0U);
+            ASSERT_EQ(ring.stream.PushAllClearFrame(), 0U);
         }
-        const auto wait = [&] { return full ? stream.PushBackClearFrame() : stream.DropFrontFrame(); };
-        stream.UnlockForce();  // lets the next through, as nobody waits, and only that
+        ring.stream.UnlockForce();  // lets the next through, as nobody waits, and only that
         EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
         Blocked forced(wait);
-        stream.UnlockForce();
+        ring.stream.UnlockForce();
         EXPECT_EQ(forced.Result(), VELM_ERROR_UTIL_UNKNOWN);
-        if (!full) {
-            Blocked renewed(wait);
-            ASSERT_EQ(stream.Initialize(), 0U) << "once more, which nobody should do";
-            EXPECT_EQ(renewed.Result(), VELM_ERROR_UTIL_UNKNOWN);
+        Blocked ended[] = {Blocked(wait), Blocked(wait)};
+        // Were they to go on to the ring, they would find room, or a frame, and the lock free.
+        full ? ring.stream.DropAllSamples() : ring.stream.PushBackClearSamples(kSamples);
+        g_wakesAreSlow = true;
+        const auto begin = Clock::now();
+        ring.stream.Terminate();
+        g_wakesAreSlow = false;
+        EXPECT_GE(Clock::now() - begin, 49ms) << "no time for the threads to leave";
+        for (Blocked& thread : ended) {
+            EXPECT_EQ(thread.Result(), VELM_ERROR_UTIL_UNKNOWN);
         }
-        Blocked ended(wait);
-        stream.Terminate();
-        EXPECT_EQ(ended.Result(), VELM_ERROR_UTIL_UNKNOWN);
-        EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
+        EXPECT_EQ(ring.stream.GetUsedFrameSize(), full ? 0U : 1U);
+        EXPECT_EQ(wait(), 0U) << "it no longer waits";
+        EXPECT_EQ(wait(), full ? 0U : VELM_ERROR_UTIL_UNKNOWN);
     }
 }
 
 TEST(AudioFrameStream, ForceOnAHalfFullRingIsKeptForLater) {
-    AudioFrameStream stream(kSamples, 2, 1, 16);
-    ASSERT_EQ(stream.Initialize(), 0U);
-    ASSERT_EQ(stream.PushBackClearFrame(), 0U);
-    stream.UnlockForce();
-    EXPECT_EQ(stream.DropFrontFrame(), 0U);
-    EXPECT_EQ(stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
-    Blocked spent([&] { return stream.DropFrontFrame(); });
-    stream.UnlockForce();
-    EXPECT_EQ(spent.Result(), VELM_ERROR_UTIL_UNKNOWN);
+    Ring ring;
+    ASSERT_EQ(ring.stream.PushBackClearFrame(), 0U);
+    ring.stream.UnlockForce();
+    EXPECT_EQ(ring.stream.DropFrontFrame(), 0U);
+    EXPECT_EQ(ring.stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
+    Blocked renewed(ring.takes[0]);
+    ASSERT_EQ(ring.stream.Initialize(), 0U) << "once more, which nobody should do";
+    EXPECT_EQ(renewed.Result(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
-// A taker that waits for the ring while a long push holds it, and the end in between.
-TEST(AudioFrameStream, TheEndLetsNobodyInBesideThePush) {
-    constexpr unsigned int kLong = 8 << 20;
-    Frame frames[] = {Frame(kLong, 1), Frame(kLong, 2), Frame(kLong)};
-    AudioFrameStream stream(kLong, 2, 1, 16);
-    for (int round = 0; round < 100; ++round) {
-        SCOPED_TRACE(round);
-        ASSERT_EQ(stream.Initialize(), 0U);
-        ASSERT_EQ(stream.PushBackFrame(frames[0].data()), 0U);
-        std::atomic<int> entering{0};
-        auto push = std::async(std::launch::async, [&] {
-            ++entering;
-            return stream.PushFrontFrame(frames[1].data());
-        });
-        for (; entering != 1; std::this_thread::yield()) {
-        }
-        auto take = std::async(std::launch::async, [&] {
-            ++entering;
-            return stream.TakeFrontFrame(frames[2].data());
-        });
-        for (; entering != 2; std::this_thread::yield()) {
-        }
-        std::this_thread::sleep_for(1ms);
-        stream.Terminate();
-        std::vector<int> expected = {1};
-        if (push.get() == 0) {
-            expected.push_back(2);
-        }
-        std::vector<int> found;
-        for (ErrorCode taken = take.get(); taken == 0 || found.empty();) {
-            if (taken == 0) {
-                EXPECT_EQ(frames[2].front(), frames[2].back()) << "torn";
-                found.push_back(frames[2].front());
-            }
-            taken = stream.TakeFrontFrame(frames[2].data());
-        }
-        std::sort(found.begin(), found.end());
-        ASSERT_EQ(found, expected) << "lost or doubled";
+#ifndef _WIN32
+// A frame of one page that holds up the thread that touches it, until it is released.
+alignas(4096) short g_page[2048] = {};
+std::atomic<bool> g_held{false};
+std::atomic<bool> g_released{false};
+
+void HoldUp(int) {
+    for (g_held = true; !g_released;) {
+        std::this_thread::yield();
     }
+    mprotect(g_page, sizeof g_page, PROT_READ | PROT_WRITE);
+}
+
+// The end waits for a push that is at the ring, unless it takes so long that its thread must have been
+// killed.
+TEST(AudioFrameStream, TheEndLetsNobodyInBesideThePush) {
+    const auto handler = std::signal(SIGSEGV, &HoldUp);
+    for (const bool killed : {false, true}) {
+        SCOPED_TRACE(killed);
+        AudioFrameStream stream(2048, 2, 1, 16);
+        ASSERT_EQ(stream.Initialize(), 0U);
+        ASSERT_EQ(stream.PushBackClearFrame(), 0U);
+        g_held = g_released = false;
+        ASSERT_EQ(mprotect(g_page, sizeof g_page, PROT_NONE), 0);
+        const auto take = [&] { return stream.DropFrontFrame(); };
+        Blocked push([&] { return stream.PushBackFrame(g_page); });
+        while (!g_held) {
+            std::this_thread::yield();
+        }
+        Blocked takes[] = {Blocked(take), Blocked(take)};  // one waits for the ring, one for a frame
+        Blocked end([&] { return stream.Terminate(), ErrorCode(0); });
+        EXPECT_TRUE(takes[0].Blocks() || takes[1].Blocks()) << "at the ring beside the push";
+        if (killed) {
+            end.Result();
+        }
+        g_released = true;
+        EXPECT_EQ(push.Result(), 0U);
+        const int failed = takes[0].Result().IsFailed() + takes[1].Result().IsFailed();
+        EXPECT_GE(failed, 1) << "took a frame that the end had let it through for";
+        EXPECT_EQ(stream.GetUsedFrameSize(), static_cast<unsigned int>(failed));
+    }
+    std::signal(SIGSEGV, handler);
+}
+#endif
+
+/// Threads that push and take numbers; a frame is full of one.
+struct Soak {
+    static constexpr unsigned int kNumbers = 16;
+
+    AudioFrameStream stream{kNumbers, 4, 2, 16};
+    std::atomic<long long> held{0};           // frames
+    std::atomic<unsigned int> difference{0};  // of the sums of all numbers pushed and taken
+    std::atomic<unsigned long long> taken{0};
+
+    void Push(unsigned int number) {
+        std::vector<unsigned int> frame(kNumbers, number);
+        auto* const samples = reinterpret_cast<short*>(frame.data());
+        if ((number % 3 != 0 ? stream.PushBackFrame(samples) : stream.PushFrontFrame(samples)) == 0) {
+            ++held;
+            difference += number;
+        }
+    }
+
+    void Take(bool front) {
+        std::vector<unsigned int> frame(kNumbers);
+        auto* const samples = reinterpret_cast<short*>(frame.data());
+        if ((front ? stream.TakeFrontFrame(samples) : stream.TakeBackFrame(samples)) == 0) {
+            EXPECT_EQ(frame, std::vector<unsigned int>(kNumbers, frame[0])) << "torn";
+            --held;
+            difference -= frame[0];
+            ++taken;
+        }
+    }
+
+    /// Threads at work, let go by force while they are, until they are told to stop and have left.
+    void Work() {
+        std::atomic<bool> stop{false};
+        std::atomic<int> running{6};
+        std::vector<std::jthread> threads;
+        for (unsigned int who = 0; who < 6; ++who) {
+            threads.emplace_back([&, who] {
+                for (unsigned int i = 0; !stop; ++i) {
+                    who < 3 ? Push(who << 28 | i) : Take(i % 5 != 0);
+                }
+                --running;
+            });
+        }
+        for (const auto end = Clock::now() + 100ms; running != 0; stop = Clock::now() > end) {
+            stream.UnlockForce();
+            EXPECT_LE(stream.GetUsedFrameSize(), 5U);
+            EXPECT_LE(stream.GetFreeFrameSize(), 5U);
+            std::this_thread::sleep_for(200us);
+        }
+        threads.clear();  // joins
+        while (stream.GetUsedFrameSize() != 0) {
+            Take(true);
+        }
+    }
+};
+
+// VELM_SOAK_SECONDS makes it longer.
+TEST(AudioFrameStreamSoak, NothingIsLostOrTornThroughForceAndEnds) {
+    const char* const given = std::getenv("VELM_SOAK_SECONDS");
+    const auto end = Clock::now() + std::chrono::seconds(given != nullptr ? std::atoi(given) : 1);
+    Soak soak;
+    unsigned int rounds = 0;
+    for (; Clock::now() < end; ++rounds) {
+        ASSERT_EQ(soak.stream.Initialize(), 0U);
+        soak.Work();
+        soak.stream.Terminate();
+        ASSERT_EQ(soak.held, 0);
+        ASSERT_EQ(soak.difference, 0U);
+    }
+    EXPECT_GT(soak.taken, 0U);
+    std::printf("%u rounds, %llu frames\n", rounds, soak.taken.load());
 }
 
 }  // namespace
