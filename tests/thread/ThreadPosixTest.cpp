@@ -1,4 +1,5 @@
 #include <windows.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -32,6 +33,10 @@ TEST_F(ThreadPosixTest, SchedulingAsksForCriticalAndACopyRevertsNothing) {
     posix::FailCall("AvSetMmThreadPriority", ERROR_ACCESS_DENIED);
     EXPECT_FALSE(thread.StartThreadPriorityHigh());
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED)) << "why, and not what followed";
+    EXPECT_FALSE(thread.EndThreadPriority()) << "it has been reverted";
+    posix::StartRecording();
+    EXPECT_TRUE(SchedulingThread().StartThreadPriorityHigh());
+    EXPECT_EQ(posix::RecordedCalls().back(), "AvRevertMmThreadCharacteristics");
 }
 
 TEST_F(ThreadPosixTest, ARefusedTimerLeavesTheWatchdogsEarlierOne) {
@@ -40,11 +45,10 @@ TEST_F(ThreadPosixTest, ARefusedTimerLeavesTheWatchdogsEarlierOne) {
     Watchdog* const watchdog = Watchdog::GetInstance();
     watchdog->SetElapse(20);
     ASSERT_EQ(watchdog->Start(window.get(), &checker), 0U);
-    posix::FailCall("SetTimer", ERROR_NOT_ENOUGH_MEMORY, 0, 1);
+    posix::FailCall("SetTimer", ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(watchdog->Start(window.get(), &checker), VELM_ERROR_UTIL_UNKNOWN);
     EXPECT_GE(RunLoop(window.get(), 200).ticks, 1);
     watchdog->Stop();
-    EXPECT_EQ(RunLoop(window.get(), 50).ticks, 0);
 }
 
 TEST_F(ThreadPosixTest, MemoryInfoClosesEveryHandleOnce) {
@@ -62,9 +66,9 @@ TEST_F(ThreadPosixTest, MemoryInfoClosesEveryHandleOnce) {
                   (std::vector<std::string>{"OpenProcess", "GetProcessMemoryInfo", "CloseHandle"}));
         EXPECT_EQ(info.Initialize(""), 0U);
         MemoryInfo copy(info);
-        EXPECT_EQ(posix::OpenHandles(), before + 2);
         MemoryInfo& same = copy;
         copy = same;
+        EXPECT_EQ(posix::OpenHandles(), before + 2);
         copy = MemoryInfo();
         EXPECT_EQ(posix::OpenHandles(), before + 1);
     }
@@ -81,6 +85,10 @@ TEST_F(ThreadPosixTest, NoReadingOfTheClockIsTooLargeToConvert) {
     for (const auto& [count, frequency, milliseconds] : kCases) {
         posix::SetPerformanceCounter(count, frequency);
         EXPECT_EQ(GetLocalMachineTime(), milliseconds) << count << " / " << frequency;
+        for (const char* const call : {"QueryPerformanceCounter", "QueryPerformanceFrequency"}) {
+            posix::FailCall(call, ERROR_GEN_FAILURE);
+            EXPECT_EQ(GetLocalMachineTime(), 0U) << call;
+        }
     }
 }
 

