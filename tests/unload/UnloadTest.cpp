@@ -1,34 +1,71 @@
 /// @file
-/// Loads and frees the library by hand. The program is not linked with it.
+/// Loads and frees the library by hand. The program is not linked with it: operations are found by their
+/// exported names.
 #include <windows.h>
+
 #include <gtest/gtest.h>
 
-#include "Library.h"
+#include <string>
+
 #include "MessageLoop.h"
 #include "ProcessResources.h"
+#include "velm/core/ErrorCode.h"
 
 namespace velm {
+
+/// The class as a program sees it that is not linked with the library.
+class WatchdogChecker {
+public:
+    virtual ~WatchdogChecker() = default;
+    virtual bool IsActive() { return ++asked != 0; }
+
+    int asked = 0;
+};
+
 namespace {
+
+constexpr unsigned int kPeriod = 20;  // in milliseconds
+
+template <typename Result, typename... Arguments>
+Result Call(HMODULE library, const char* name, Arguments... arguments) {
+    void* const address = reinterpret_cast<void*>(GetProcAddress(library, name));
+    EXPECT_NE(address, nullptr) << name;
+    return reinterpret_cast<Result (*)(Arguments...)>(address)(arguments...);
+}
+
+/// Brings the two process-wide objects to life, which end with the library.
+void StartBoth(HMODULE library, HWND window, WatchdogChecker* checker) {
+    void* const watchdog = Call<void*>(library, "_ZN4velm8Watchdog11GetInstanceEv");
+    Call<void>(library, "_ZN4velm8Watchdog9SetElapseEj", watchdog, kPeriod);
+    const char* const start = "_ZN4velm8Watchdog5StartEP6HWND__PNS_15WatchdogCheckerE";
+    EXPECT_EQ(Call<ErrorCode>(library, start, watchdog, window, checker), 0U);
+    void* const memory = Call<void*>(library, "_ZN4velm10MemoryInfo11GetInstanceEv");
+    EXPECT_EQ(Call<ErrorCode>(library, "_ZN4velm10MemoryInfo10InitializeEPKc", memory, ""), 0U);
+}
 
 // Memory that the runtime sets aside for each load would add up: MinGW's thread library keeps 2 KiB of it,
 // but the 72 KiB for exceptions must come back.
 TEST(Unload, ManyLoadsLeaveNothingBehindAndNotOneTickReachesUnloadedCode) {
     constexpr int kRounds = 50;
     const UniqueWindow window = MakeWindow();
+    wchar_t executable[4096];
+    const std::wstring folder(executable, GetModuleFileNameW(nullptr, executable, 4096));
+    const std::wstring path = folder.substr(0, folder.find_last_of(L"\\/") + 1) + VELM_UTIL_LIBRARY;
     ProcessResources before;
     for (int round = -10; round < kRounds; ++round) {
         if (round == 0) {
             before = GetProcessResources();
         }
         WatchdogChecker checker;
-        const Library library;
-        library.StartWatchdog(window.get(), &checker);
-        library.OpenMemoryInfo();
+        const HMODULE library = LoadLibraryW(path.c_str());
+        ASSERT_NE(library, nullptr);
+        StartBoth(library, window.get(), &checker);
         if (round < -7) {
             EXPECT_GE(RunLoop(window.get(), 5 * kPeriod).ticks, 1);
             EXPECT_GE(checker.asked, 1);
         }
-        EXPECT_TRUE(library.Free());
+        FreeLibrary(library);
+        EXPECT_EQ(GetModuleHandleW(path.c_str()), nullptr) << "still there";
         if (round < -7) {
             EXPECT_EQ(RunLoop(window.get(), 5 * kPeriod).ticks, 0);
         }
