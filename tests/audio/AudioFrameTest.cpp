@@ -86,6 +86,9 @@ TEST(AudioFrame, WriterTakesSizesOfEveryKind) {
     EXPECT_EQ(frame.GetDataBufferSize(), 70'000U % 65536U);
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
     EXPECT_EQ(frame.GetDataBuffer()[2], 4) << "its own frame, wrapped once more";
+    unsigned char* const buffer = frame.GetFrameBuffer();
+    ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
+    EXPECT_EQ(frame.GetFrameBuffer(), buffer) << "allocated although it fits";
     const std::tuple<int, unsigned int, unsigned char*> refused[] = {
         {0, 1, nullptr}, {0, 0xFFFFFFFA, data.data()}, {-1, 9, data.data()}, {4, 9, data.data()}};
     for (const auto& [type, size, bytes] : refused) {

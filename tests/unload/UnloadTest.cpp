@@ -2,6 +2,7 @@
 /// Loads and frees the library by hand. The program is not linked with it: operations are found by their
 /// exported names.
 #include <windows.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
