@@ -28,7 +28,8 @@ std::string RandomPattern(std::mt19937& random, int depth, int& quantifiers) {
     static const auto groups = Words("( ( (?: (?= (?!");
     static const auto pieces = Words(
         "a a a a b b c . | | ( (?: (?! ) ^ $ - \\b \\B \\1 \\1 \\1 \\2 \\2 [ab] [^a] [a-c] [] [^] [ ] "
-        "\\w \\W \\d \\s \\x61 \\u0062 \\0 \\n \\. \\ { } {,2} \xC3 [\\w] [\\D] [\\d-] [\\b] [\\B] [[] [--b] "
+        "\\w \\W \\d \\s \\x61 \\u0062 \\x6 \\xg1 \\0 \\n \\. \\ { } {,2} \xC3 [\\w] [\\D] [\\d-] [\\b] "
+        "[\\B] [[] [--b] "
         "[a-] [a-d] [a-\\d] [a-a-d] [a-b-c] [\xC3-b] [b-\xC3] [[.a.]-c] [[:alpha:]] [[=b=]] [[:x:]]");
     static const auto repeats = Words("* * + ? *? +? ?? {2} {1,2} {0,} {1,}? {0} {2,1}");
     std::string pattern;

@@ -313,9 +313,7 @@ bool PatternMatcher::StepLookAhead(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     std::vector<Group> groups;
     if (m_tracksGroups) {
-        if (!Spend(m_groups.size())) {
-            return false;
-        }
+        Spend(m_groups.size());
         groups = m_groups;
     }
     const bool matches = Run({cursor.next + 1, cursor.position}, false);
