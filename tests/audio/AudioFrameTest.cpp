@@ -71,6 +71,8 @@ TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
         bytes[1] = 9;
         EXPECT_EQ(frame.GetFrameType(), -1);
         bytes[0] = 0;
+        bytes[4] = static_cast<unsigned char>(bytes.size());
+        EXPECT_EQ(frame.GetDataBufferSize(), bytes.size()) << "counted from byte 0";
         EXPECT_EQ(frame.GetDataBuffer(), nullptr);
     }
     EXPECT_EQ(frame.InitilizeReader(nullptr, 100), VELM_ERROR_UTIL_INVALID_PARAM);

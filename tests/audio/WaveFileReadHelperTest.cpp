@@ -136,6 +136,29 @@ TEST(WaveFileReadHelper, AFileCutAnywhereGivesWhatItHasAndThenFails) {
     }
 }
 
+// The bytes that are there replace those of the earlier format, which a chunk under 18 bytes empties first.
+TEST(WaveFileReadHelper, ACutSecondFormatLeavesADefinedRest) {
+    const std::string first = PcmFormat(1, 8000, 8) + std::string(2, '\0');
+    const std::string second = PcmFormat(2, 44100, 16) + std::string(2, '\1');
+    for (const std::size_t size : {16U, 18U}) {
+        const std::string whole =
+            Riff(Chunk("fmt ", first) + Chunk("data", "abcd") + Chunk("fmt ", second.substr(0, size)));
+        for (std::size_t left = 0; left < size; ++left) {
+            SCOPED_TRACE(testing::Message() << left << " of " << size);
+            Wave wave(whole.substr(0, whole.size() - size + left));
+            EXPECT_EQ(wave.ReadAll(), "abcd");
+            const std::string format =
+                second.substr(0, left) + (size < 18 ? std::string(18, '\0') : first).substr(left);
+            unsigned int rate = 0;
+            unsigned int channels = 0;
+            EXPECT_EQ(wave.helper.GetSampleRate(&rate), 0U);
+            EXPECT_EQ(wave.helper.GetChannelNum(&channels), 0U);
+            EXPECT_EQ(Le32(rate), format.substr(4, 4));
+            EXPECT_EQ(Le32(channels).substr(0, 2), format.substr(2, 2));
+        }
+    }
+}
+
 TEST(WaveFileReadHelper, ChecksItsArgumentsAndItsState) {
     Wave wave(Riff(Chunk("data", "abcd") + Chunk("fmt ", PcmFormat(1, 8000, 8))));
     WaveFileReadHelper fresh;

@@ -28,6 +28,9 @@ TEST(CrossDotRotate, DividesByNoLengthThatIsTooShort) {
     v = {0.0005F, 0, 0};
     EXPECT_EQ(rotate.Normalize(&v), 0);
     ExpectNear(v, {0.5F, 0, 0});
+    v = {3e19F, 0, 0};  // its square overflows
+    EXPECT_EQ(rotate.Normalize(&v), 1);
+    ExpectNear(v, {0, 0, 0});
     b = {0, 3, 0};
     rotate.AdjustNormalizedOrthogonalVector(&a, &b);
     ExpectNear(a, {1, 0, 0});  // on the side that it was on
