@@ -23,4 +23,8 @@ void Yuv420ToArgb8888_BT709(unsigned char* yPlane, unsigned char* uPlane, unsign
     Convert(yuv::kBt709, {yPlane, uPlane, vPlane, yStride, uvStride, width, height, argb, argbStride});
 }
 
+const char* GetYuvToArgbKernelName() {
+    return yuv::BestKernel().name;
+}
+
 }  // namespace velm

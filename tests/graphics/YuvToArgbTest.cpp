@@ -108,7 +108,7 @@ TEST(YuvToArgb, ConvertsByEitherStandardAndNothingWithoutAPicture) {
 TEST(YuvKernels, AreFoundByTheirWholeName) {
     EXPECT_EQ(yuv::FindKernel("Scalar"), nullptr);
     EXPECT_EQ(yuv::FindKernel("scalar"), &yuv::GetKernels().back());
-    EXPECT_EQ(yuv::FindKernel(yuv::BestKernel().name), &yuv::BestKernel());
+    EXPECT_EQ(yuv::FindKernel(GetYuvToArgbKernelName()), &yuv::BestKernel());
 }
 
 TEST(CpuFeatures, OneMissingPartRulesALevelOut) {

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "Command.h"
-#include "graphics/yuv/YuvKernels.h"
 #include "Help.h"
 #include "Path.h"
 #include "PngFile.h"
@@ -29,21 +28,19 @@ struct PictureOptions {
     std::string output;
     std::string size;
     std::string matrix = "601";
-    std::string kernel;
     unsigned int frame = 0;
     bool json = false;
 };
 
-/// One matrix: what the library exports for it, and what a kernel is told.
 struct Conversion {
-    const velm::yuv::Matrix* matrix;
+    const char* matrix;
     decltype(&velm::Yuv420ToArgb8888_BT601) function;
 };
 
 // Not constexpr: for Visual C++ the address of an imported function is no constant expression.
 const Conversion kConversionTable[] = {
-    {&velm::yuv::kBt601, velm::Yuv420ToArgb8888_BT601},
-    {&velm::yuv::kBt709, velm::Yuv420ToArgb8888_BT709},
+    {"601", velm::Yuv420ToArgb8888_BT601},
+    {"709", velm::Yuv420ToArgb8888_BT709},
 };
 
 /// A frame of planar 4:2:0 as files hold it: Y, then U, then V, without gaps.
@@ -97,36 +94,11 @@ void ReadFrame(const PictureOptions& options, Frame& frame) {
     }
 }
 
-const velm::yuv::Kernel& FindKernel(const std::string& name) {
-    if (name.empty()) {
-        return velm::yuv::BestKernel();
-    }
-    if (const velm::yuv::Kernel* const kernel = velm::yuv::FindKernel(name)) {
-        return *kernel;
-    }
-    std::string names;
-    for (const velm::yuv::Kernel& kernel : velm::yuv::GetKernels()) {
-        if (velm::yuv::FindKernel(kernel.name) != nullptr) {
-            names += std::string(" ") + kernel.name;
-        }
-    }
-    throw Failure{"--kernel " + name + ": not one that this processor runs:" + names, 2};
-}
-
-/// Converts with the library itself, or with a kernel of the caller's choice.
-void Convert(const PictureOptions& options, const Conversion& conversion, const velm::yuv::Kernel& kernel,
-             Frame& frame, std::vector<unsigned int>& argb) {
+void Convert(const Conversion& conversion, Frame& frame, std::vector<unsigned int>& argb) {
     const auto yStride = static_cast<unsigned int>(frame.width);
     const auto uvStride = static_cast<unsigned int>(frame.ChromaWidth());
-    const unsigned int argbStride = yStride * 4;
-    if (options.kernel.empty()) {
-        conversion.function(frame.Y(), frame.U(), frame.V(), yStride, uvStride, frame.width, frame.height,
-                            argb.data(), argbStride);
-    } else {
-        velm::yuv::Convert(kernel, *conversion.matrix,
-                           {frame.Y(), frame.U(), frame.V(), yStride, uvStride, frame.width, frame.height,
-                            argb.data(), argbStride});
-    }
+    conversion.function(frame.Y(), frame.U(), frame.V(), yStride, uvStride, frame.width, frame.height,
+                        argb.data(), yStride * 4);
 }
 
 /// The median time of a call, in microseconds.
@@ -155,16 +127,15 @@ std::vector<unsigned char> RgbOf(const std::vector<unsigned int>& argb) {
 
 int RunPicture(const PictureOptions& options) {
     Frame frame = MakeFrame(options.size);
-    const velm::yuv::Kernel& kernel = FindKernel(options.kernel);
     const Conversion& conversion = *std::ranges::find_if(
-        kConversionTable, [&](const Conversion& at) { return at.matrix->name == options.matrix; });
+        kConversionTable, [&](const Conversion& at) { return at.matrix == options.matrix; });
     if (options.output != "-") {
         RefuseToOverwriteInput(options.input, options.output);
     }
     ReadFrame(options, frame);
 
     std::vector<unsigned int> argb(frame.LumaSize());
-    const double time = MedianTime([&] { Convert(options, conversion, kernel, frame, argb); });
+    const double time = MedianTime([&] { Convert(conversion, frame, argb); });
     WritePng(options.output, frame.width, frame.height, RgbOf(argb));
 
     Report report;
@@ -172,8 +143,8 @@ int RunPicture(const PictureOptions& options) {
     report.Add("frame", static_cast<long long>(options.frame));
     report.Add("width", static_cast<long long>(frame.width));
     report.Add("height", static_cast<long long>(frame.height));
-    report.Add("matrix", std::string("BT.") + conversion.matrix->name);
-    report.Add("kernel", kernel.name);
+    report.Add("matrix", std::string("BT.") + conversion.matrix);
+    report.Add("kernel", velm::GetYuvToArgbKernelName());
     report.Add("time_per_frame", time, "us", 1);
     report.Add("picture", options.output);
     if (options.output == "-") {
@@ -201,9 +172,6 @@ void AddPictureCommand(CLI::App& app, int& exitStatus) {
         ->check(CLI::IsMember({"601", "709"}))
         ->capture_default_str();
     command->add_option("--frame", options->frame, "number of the frame, from 0")->capture_default_str();
-    command->add_option(
-        "--kernel", options->kernel,
-        "convert with this kernel instead of the best: avx512vbmi, avx512bw, avx2, sse2, scalar");
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunPicture(*options); });
 }
