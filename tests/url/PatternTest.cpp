@@ -75,7 +75,7 @@ TEST(Pattern, AcceptsWhatTheStandardDoesInRareCases) {
         ".??{0,}*+b ab \\w*?*[a-b-c][\\D]? b_ (?:)*x|(?:)*?y|a(?=) a (?:(?=.*b)a)*b aab (a|b)c\\1 aca "
         "(a|b)c\\1 acb (a\\1) a (.)(.)(.)(.)(.)(.)(.)(.)(.)(.)\\10 abcdefghijj (a)(b\\1) aba (a)(b\\1) abab "
         "(?!(?=(a))b)\\1 a (?!(?=([a-z]+))x)\\1\\.velm play.velm "
-        "(?:(?=(a))|\\1b)* ab");
+        "(?:(?=(a))|\\1b)* ab (a)\\1a aaa");
     for (std::size_t i = 0; i < cases.size(); i += 2) {
         EXPECT_EQ(Matches(cases[i + 1], cases[i]), MatchesStandard(cases[i + 1], cases[i]) == true)
             << cases[i];
