@@ -1,21 +1,23 @@
 #include "Interruption.h"
 
-#include <csignal>
+#include <signal.h>
+
+#include <atomic>
 
 namespace velmdiag {
 namespace {
 
-volatile std::sig_atomic_t g_interrupted = 0;
+std::atomic<bool> g_interrupted{false};  // lock-free, as a signal handler needs
 
 void NoteInterruption(int) {
-    g_interrupted = 1;
+    g_interrupted = true;
 }
 
 /// A signal that the caller has chosen to ignore stays ignored.
-auto HandleSignal(int signal) {
-    const auto previous = std::signal(signal, NoteInterruption);
+auto HandleSignal(int number) {
+    const auto previous = ::signal(number, NoteInterruption);
     if (previous == SIG_IGN) {
-        std::signal(signal, SIG_IGN);
+        ::signal(number, SIG_IGN);
     }
     return previous;
 }
@@ -25,12 +27,12 @@ auto HandleSignal(int signal) {
 Interruption::Interruption() : m_interrupt(HandleSignal(SIGINT)), m_terminate(HandleSignal(SIGTERM)) {}
 
 Interruption::~Interruption() {
-    std::signal(SIGINT, m_interrupt);
-    std::signal(SIGTERM, m_terminate);
+    ::signal(SIGINT, m_interrupt);
+    ::signal(SIGTERM, m_terminate);
 }
 
 bool Interruption::Requested() {
-    return g_interrupted != 0;
+    return g_interrupted;
 }
 
 }  // namespace velmdiag
