@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -113,7 +114,8 @@ TEST(JsonConfigReader, LongNumbersAreExactAndTakeNoTime) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << "43 s in quadratic time";
 }
 
-// A long double holds the middle between two doubles, which takes up to 767 digits to write.
+// A long double, where it is longer than a double, holds the middle between two doubles, which takes up to
+// 767 digits to write.
 TEST(JsonConfigReader, NumbersAreTheNearestDouble) {
     std::mt19937_64 random(test::SeededRandom()());
     for (int i = 0; i < 2000; ++i) {
@@ -124,6 +126,9 @@ TEST(JsonConfigReader, NumbersAreTheNearestDouble) {
         char text[1000];
         std::snprintf(text, sizeof text, "%.17g", std::bit_cast<double>(low));
         ASSERT_EQ(ReadBits(text), low) << text;
+        if (std::numeric_limits<long double>::digits == std::numeric_limits<double>::digits) {
+            continue;
+        }
         std::snprintf(text, sizeof text, "%.800Le", middle);
         ASSERT_EQ(ReadBits(text), low + low % 2) << text;
         std::string above = text;
