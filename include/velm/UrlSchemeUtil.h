@@ -10,23 +10,22 @@ namespace velm {
 /// matched, in full and as bytes, against regular expressions that are kept scrambled.
 ///
 /// Patterns have the ECMAScript grammar of std::regex with its default flags, in the "C" locale. In detail:
-/// - `^`, `\b` and `\B` in a look-ahead see the text before it, as ECMAScript has it. `\cX` takes a letter
-/// and
-///   is that control character. `\u` above 00FF is invalid: text is bytes. (libstdc++ differs in all three.)
+/// - In a look-ahead, `^`, `\b` and `\B` see the text before it, as in ECMAScript. `\cX` needs a letter and
+///   is that control character. `\u` above 00FF is invalid: text is bytes. libstdc++ differs in all three.
 /// - As in std::regex, a back-reference is invalid before the end of its group and fails if the group has no
 ///   text. As in libstdc++, a group keeps its text when a loop enters it again and when matching backtracks
 ///   to before the look-ahead that set it, unless that is part of a look-ahead that fails.
 ///
 /// All text is untrusted, patterns included. Matching uses no stack per character, and a call takes well
-/// under 100 ms. What would take more is refused as if it did not match:
+/// under 100 ms. What would exceed a limit counts as no match:
 /// - a pattern of more than 16,384 bytes, of more than 65,536 instructions once its counted repetitions are
 ///   written out, with look-ahead nested more than 16 deep, or with so many nested repetitions that compiling
 ///   it would move millions of instructions;
-/// - a call of more than 4,194,304 steps. Bytes that leave one way to go on cost a quarter of a step in most
-///   patterns, so a link or an address of a megabyte is matched. A byte at which two ways are open costs
-///   about five. Patterns like "(a+)+b", where that is every byte, and those with look-ahead or
-///   back-references suit shorter text;
-/// - a match that has two ways open anywhere, if the pattern's branches (alternatives, and repetitions once
+/// - a call of more than 4,194,304 steps. A byte with a single continuation costs a quarter of a step in most
+///   patterns, so a link or an address of a megabyte is matched. A byte with two continuations costs about
+///   five. Patterns like "(a+)+b", where every byte has two, and those with look-ahead or back-references
+///   suit shorter text;
+/// - a match with two continuations anywhere, if the pattern's branches (alternatives, and repetitions once
 ///   the counted ones are written out) times the bytes of the address are more than 67,108,864.
 ///
 /// Threads: any number at once, each with output strings of its own.

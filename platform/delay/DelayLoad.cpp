@@ -1,8 +1,7 @@
 /// @file
-/// How a part of Windows is loaded on demand: from the system's folder only, so that a library of its name in
-/// the program's folder or the current one is never run. Where Windows lacks the part, as on systems that
-/// were stripped of it, its functions fail as functions do, with 0 and a last error; the runtime alone would
-/// end the process.
+/// Hooks of the delay-load helper. Delay-loaded DLLs come from the system folder only: a DLL of the same name
+/// in the program's folder or the current one is never loaded. If the DLL or a function in it is missing,
+/// calls to it return 0 and set the last error; without the hooks the helper would end the process.
 #include <windows.h>
 #include <delayimp.h>
 
@@ -17,8 +16,8 @@ FARPROC WINAPI OnDelayLoad(unsigned int event, DelayLoadInfo* info) {
     switch (event) {
         case dliNotePreLoadLibrary: {
             const HMODULE found = LoadLibraryExA(info->szDll, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-            // After null the runtime would search the other folders itself. Any module that stays loaded does
-            // instead: the function is not found in it.
+            // If this returned null, the helper would search the other folders. Any module that stays loaded
+            // will do instead: looking the function up in it fails.
             return reinterpret_cast<FARPROC>(found != nullptr ? found : GetModuleHandleW(L"kernel32"));
         }
         case dliFailGetProc:

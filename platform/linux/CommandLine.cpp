@@ -8,8 +8,9 @@
 namespace velm::platform {
 namespace {
 
-/// Fills in standard descriptors that the caller closed. The first file to be opened would otherwise take
-/// their place, and what is printed would end up in it. Reads and writes fail as they do when closed.
+/// Reopens standard descriptors that the caller closed. Otherwise the first file opened would take their
+/// number and receive what is printed. They are opened in the wrong direction, so reads and writes still
+/// fail.
 void FillStandardDescriptors() {
     constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_RDWR};
     for (int descriptor = 0; descriptor < 3; ++descriptor) {

@@ -1,10 +1,10 @@
 /// @file
-/// What the C++ runtime needs of threads in order to throw, without memory, and without notices of threads.
+/// Lets a library throw without allocating, and without thread notifications.
 ///
-/// The runtime keeps which exceptions a thread handles in emulated thread-local storage, and locks its
-/// emergency pool with a mutex of MinGW's thread library. Both take memory at their first use and end the
-/// process when there is none, so that std::bad_alloc could not be thrown just when it is due. Both also need
-/// to hear of every thread that ends. With what follows, a library links nothing of either.
+/// MinGW's runtime keeps a thread's exception state in emulated thread-local storage and guards its emergency
+/// pool with a mutex of its thread library. Both allocate on first use and end the process if that fails, so
+/// std::bad_alloc could not be thrown exactly when it is needed. Both also need to be told of every thread
+/// that exits. This file replaces the functions that bring them in.
 #include <windows.h>
 #include <cxxabi.h>
 #include <pthread.h>
@@ -30,12 +30,12 @@ constexpr int kFirst = 101;
 constexpr DWORD kSlotsInTeb = 64;
 constexpr DWORD kSlots = kSlotsInTeb + 1024;
 
-// The system keeps a thread's slots in the thread's own block, which no version of it has moved: other
-// languages' compilers write the place into programs.
+// Windows keeps a thread's TLS slots in its TEB. The offsets are not documented, but have never changed,
+// since other compilers build them into programs.
 static_assert(offsetof(TEB, TlsSlots) == 0x1480 && offsetof(TEB, TlsExpansionSlots) == 0x1780);
 static_assert(sizeof(__cxxabiv1::__cxa_eh_globals) == 2 * sizeof(void*));
 
-/// The first of two slots that lie side by side. The system sets them to 0 for every thread.
+/// The first of two adjacent slots. The system zeroes them in every thread.
 DWORD g_slot = TLS_OUT_OF_INDEXES;
 
 __attribute__((constructor(kFirst))) void AllocateSlots() {
@@ -63,14 +63,14 @@ __attribute__((destructor(kFirst))) void FreeSlots() {
     }
 }
 
-// GCC warns of what NtCurrentTeb makes of address 0.
+// Not NtCurrentTeb, whose access to address 0 makes GCC warn.
 TEB* ThisThread() {
     TEB* self;
     __asm__("movq %%gs:0x30, %0" : "=r"(self));
     return self;
 }
 
-/// Later slots are in a block that a thread gets when it first sets one.
+/// Slots from 64 on are in a block that a thread gets when it first sets one of them.
 void** FindSlots(DWORD slot) {
     TEB* const thread = ThisThread();
     if (slot < kSlotsInTeb) {
@@ -127,8 +127,7 @@ int pthread_mutex_unlock(pthread_mutex_t* mutex) {
     return 0;
 }
 
-// Without this start of its thread-local storage the runtime links none, and the library has no such
-// directory. With one, DisableThreadLibraryCalls fails.
+// Replaces the entry that makes the linker add a TLS directory, with which DisableThreadLibraryCalls fails.
 extern const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback;
 const PIMAGE_TLS_CALLBACK __dyn_tls_init_callback = nullptr;
 }

@@ -32,8 +32,8 @@ bool EnableEscapes(HANDLE console) {
            SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
-/// Whether the console takes escape sequences, which it may claim and then show as text. A sequence that
-/// works leaves the cursor where it was; it is tried where nobody sees it.
+/// Whether the console interprets escape sequences; some accept the mode and still show them as text. Tried
+/// on a hidden screen buffer: a sequence that is interpreted does not move the cursor.
 bool ConsoleUnderstandsEscapes() {
     const HANDLE screen =
         CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr);

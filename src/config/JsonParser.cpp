@@ -9,7 +9,7 @@ using JsonInput = picojson::input<const char*>;
 
 constexpr int kDeepest = picojson::DEFAULT_MAX_DEPTHS;
 
-/// Leaves the input behind the number, or behind what only looks like one.
+/// Consumes every character that can be part of a number; nothing if they do not form one.
 std::optional<double> ReadNumber(JsonInput& in) {
     const char* const begin = in.cur();
     int c = 0;
@@ -20,13 +20,14 @@ std::optional<double> ReadNumber(JsonInput& in) {
     return ParseJsonNumber({begin, static_cast<std::size_t>(in.cur() - begin)});
 }
 
-/// What a text gives, apart from the value.
+/// The state shared by all levels of a parse.
 struct JsonResult {
-    picojson::value before;  ///< what the value was
+    picojson::value before;  ///< the caller's value before the parse
     bool tooDeep = false;
 };
 
-/// Where a value goes, as picojson's functions for arrays and objects want it.
+/// Parses one value into its destination; the parse context that picojson's functions for arrays and objects
+/// take.
 class JsonTarget {
 public:
     JsonTarget(picojson::value& out, int depth, JsonResult& result)
@@ -93,7 +94,7 @@ private:
     JsonResult& m_result;
 };
 
-/// What picojson says of an error.
+/// Builds picojson's message for an error at the current position.
 std::string MakeSyntaxError(JsonInput& in) {
     std::string error = "syntax error at line " + std::to_string(in.line()) + " near: ";
     for (int c = in.getc(); c != -1 && c != '\n'; c = in.getc()) {

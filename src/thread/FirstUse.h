@@ -2,16 +2,16 @@
 
 namespace velm {
 
-/// An object of the library that exists from its first use until the library is unloaded. Those that exist
-/// are then destroyed, the newest first, as a function's statics would be. Unlike those, they take no memory
-/// at their first use: no guard to wait at, no entry in the runtime's list of destructors, so that first use
-/// cannot fail. Threads: the first use must not race with another use of the same or another such object.
+/// Base of the objects that are created on first use and destroyed when the library is unloaded, newest
+/// first, like function-local statics. Unlike those they allocate nothing, neither for a guard nor for a
+/// destructor entry of the runtime, so the first use cannot fail. Threads: the first use must not race with
+/// any use of this or another such object.
 class FirstUseObject {
 public:
     FirstUseObject(const FirstUseObject&) = delete;
     FirstUseObject& operator=(const FirstUseObject&) = delete;
 
-    /// Destroys every object that exists.
+    /// Destroys every object created so far.
     static void DestroyAll();
 
 protected:
@@ -20,7 +20,7 @@ protected:
     constexpr explicit FirstUseObject(Destroy destroy) : m_destroy(destroy) {}
     ~FirstUseObject() = default;
 
-    /// Adds this one to those that exist.
+    /// Adds the object to those that DestroyAll destroys.
     void Register();
 
 private:
@@ -28,14 +28,15 @@ private:
     FirstUseObject* m_older = nullptr;
 };
 
-/// Must be constinit.
+/// Storage for one object of type T, created on first use. Declare it constinit.
 template <typename T>
 class FirstUse : public FirstUseObject {
 public:
     constexpr FirstUse()
         : FirstUseObject([](FirstUseObject& object) { static_cast<FirstUse&>(object).m_object->~T(); }) {}
 
-    /// @param build  constructs the object where it is told
+    /// Returns the object, created by the first call.
+    /// @param build  constructs a T at the address it is given and returns it
     template <typename Build>
     T* Get(Build build) {
         if (m_object == nullptr) {

@@ -34,7 +34,7 @@ namespace {
 
 constexpr unsigned int kHeaderSize = 6;
 constexpr unsigned int kLargestPayload = 65535;
-// The types tell the two sides' frames apart: sample data, and the one that ends the stream.
+// The frame type distinguishes sample data from the frame that ends the stream.
 constexpr velm::E_FrameType kData = velm::E_FrameType_Raw0;
 constexpr velm::E_FrameType kEnd = velm::E_FrameType_Raw1;
 
@@ -70,7 +70,7 @@ struct Block {
     unsigned int size = 0;  // in bytes
 };
 
-/// The block that the reader gives for a play time, in its own 32-bit arithmetic; empty when it would refuse.
+/// The block that the reader delivers for a play time, in its 32-bit arithmetic; none if it would refuse.
 std::optional<Block> BlockOf(const WaveFormat& format, unsigned int milliseconds) {
     const std::uint32_t product = format.samplesPerSecond * milliseconds;
     const std::uint32_t size = static_cast<std::uint32_t>(format.channels) * product / 1000;
@@ -101,7 +101,7 @@ double Seconds(velm::Tick from, velm::Tick to) {
            static_cast<double>(velm::Tick::GetFrequency());
 }
 
-/// A recording on its way from the file through the ring to the other side.
+/// Passes a recording from a file through the ring to a consumer.
 class Transfer {
 public:
     Transfer(const AudioOptions& options, WaveInput& input)
@@ -137,7 +137,7 @@ public:
         }
     }
 
-    /// How much data the header promised and the file does not have, in bytes.
+    /// How much of the data that the header announces is missing from the file, in bytes.
     std::uint64_t MissingBytes() const {
         const WaveFormat& format = m_input.Format();
         const bool mayEnd = format.sizeIsOpen && m_endOfReading == velm::VELM_ERROR_CORE_END_OF_DATA;
@@ -157,7 +157,7 @@ public:
 private:
     void Check(velm::ErrorCode result) const { CheckFile(m_options.input, result); }
 
-    /// A file that gave nothing of its data is refused; one that ends early is worth what it gave.
+    /// Refuses a file that delivered none of its data; one that ends early is used as far as it goes.
     void CheckEnd() const {
         if (m_taken.load() == 0 && MissingBytes() != 0) {
             throw Failure{m_options.input + ": gives none of its sample data: " + Describe(m_endOfReading)};
@@ -168,7 +168,7 @@ private:
         while (!m_consumed.load()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(showProgress ? 100 : 1));
             if (Interruption::Requested()) {
-                // The threads may be waiting for a pipe that nobody ends, so they are not waited for.
+                // Not joined: the threads may be blocked on a pipe that never ends.
                 m_writer->Abandon();
                 std::_Exit(Interruption::kExitStatus);
             }
@@ -203,7 +203,7 @@ private:
         while (!m_stop.load()) {
             unsigned long long size = 0;
             m_endOfReading = m_wave.GetWaveData(block.data(), &size, block.size(), m_block.milliseconds);
-            // A file that is cut within a block still gives what it has of it.
+            // A truncated file delivers part of its last block.
             m_sumRead.Add(block.data(), size);
             m_blocks += size != 0;
             for (std::size_t sent = 0; sent < size;) {

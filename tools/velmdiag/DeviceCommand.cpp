@@ -73,7 +73,7 @@ struct Manager {
     Manager& operator=(const Manager&) = delete;
 };
 
-/// A render target and a depth-stencil surface of a device, on their way through losses of it.
+/// A render target and a depth-stencil surface that survive losses of their device.
 class Cycle {
 public:
     Cycle(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& presentParameters)

@@ -7,14 +7,14 @@
 
 namespace velmdiag {
 
-/// What a code of the libraries means to the person who meets it.
+/// The explanation of an error code, for users.
 struct ErrorText {
     unsigned int code;
-    const char* meaning;  ///< goes on after "FILE: "
+    const char* meaning;  ///< completes a sentence that begins "FILE: "
     const char* advice;   ///< what to try
 };
 
-/// One for every code of both libraries.
+/// Every code of both libraries.
 std::span<const ErrorText> GetErrorTexts();
 
 /// Null when there is none for the code.

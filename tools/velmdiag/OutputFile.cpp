@@ -14,7 +14,7 @@
 namespace velmdiag {
 namespace {
 
-/// A name that no other file has, beside the one that is meant.
+/// An unused name in the folder of `place`.
 std::filesystem::path NameBeside(const std::filesystem::path& place) {
     std::random_device random;
     std::filesystem::path beside;
@@ -42,7 +42,7 @@ OutputFile::OutputFile(const std::string& path) : m_name(path) {
         m_stream = &std::cout;
         return;
     }
-    // Through a link the file it leads to is replaced, not the link.
+    // A symbolic link stays; the file it points to is replaced.
     std::error_code failed;
     m_place = std::filesystem::canonical(PathOf(path), failed);
     if (failed) {

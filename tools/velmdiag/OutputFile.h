@@ -10,19 +10,20 @@
 
 namespace velmdiag {
 
-/// A file that a command writes. It appears in its place only when it is complete: until then it has another
-/// name beside it, and an earlier file of that name stays as it was. What is no ordinary file (a pipe, a
-/// device) is written directly, as is standard output, which is named "-".
+/// A file that a command writes. It is written under a temporary name in the same folder and renamed when
+/// complete, so an existing file is either replaced as a whole or unchanged. Pipes, devices and standard
+/// output
+/// ("-") are written directly.
 class OutputFile {
 public:
     /// Throws Failure when the file cannot be created.
     explicit OutputFile(const std::string& path);
-    /// Removes what was not committed.
+    /// Removes the file unless it was committed.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    /// Whether bytes that were written are gone, so that WriteAt is not possible.
+    /// Whether the output is a stream, on which WriteAt is not possible.
     bool IsStream() const { return m_written.empty(); }
 
     /// Appends bytes. Throws Failure when they cannot be written. Threads: one at a time.
@@ -30,7 +31,7 @@ public:
     /// Overwrites bytes written before. Throws Failure. Only when IsStream() is false.
     void WriteAt(std::uint64_t offset, const void* bytes, std::size_t size);
 
-    /// Puts the complete file in its place. Throws Failure when that fails; the file is removed then.
+    /// Completes the file and gives it its name. Throws Failure when that fails, after removing the file.
     void Commit();
 
     /// Removes the file before the program ends without unwinding. Threads: any; a later Write fails.
@@ -42,11 +43,11 @@ private:
     void Discard();
 
     std::string m_name;               ///< as the user gave it
-    std::filesystem::path m_place;    ///< where the file belongs, behind links
-    std::filesystem::path m_written;  ///< where it is until then; empty for a stream
+    std::filesystem::path m_place;    ///< the file to replace, symbolic links resolved
+    std::filesystem::path m_written;  ///< the temporary file; empty for a stream and once committed
     std::ofstream m_file;
     std::ostream* m_stream = &m_file;
-    std::mutex m_mutex;  ///< between Write and Abandon
+    std::mutex m_mutex;  ///< held by Write and Abandon
     Interruption m_interruption;
 };
 

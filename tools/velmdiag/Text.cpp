@@ -3,7 +3,7 @@
 namespace velmdiag {
 namespace {
 
-/// Characters from `first` to `last` that show as nothing, or change where others are shown.
+/// Characters that are invisible or change where others appear.
 struct HiddenRange {
     char32_t first;
     char32_t last;

@@ -1,5 +1,5 @@
 /// @file
-/// Text that others wrote (links, file names, settings), made safe to show.
+/// Makes untrusted text (links, file names, settings) safe to show.
 #pragma once
 
 #include <cstddef>
@@ -8,16 +8,16 @@
 
 namespace velmdiag {
 
-/// The length of the UTF-8 character (RFC 3629) that a text begins with; 0 when it begins with none.
-/// @param code  receives the character; unchanged when there is none
+/// The length in bytes of the UTF-8 character (RFC 3629) at the start of a text; 0 if there is no valid one.
+/// @param code  out: the character; unchanged if there is none
 std::size_t ReadUtf8(std::string_view text, char32_t& code);
 
-/// Whether a character shows as itself: no control character, and none that reorders or hides others.
+/// Whether a character is neither a control character nor one that reorders or hides others.
 bool IsVisible(char32_t code);
 
-/// Text for a terminal or a log: one line, and nothing in it acts on the terminal. Control characters become
-/// escapes such as \n and \x1b, bytes that are not UTF-8 become \xff, and characters that reorder or hide
-/// text become \u{202e}.
+/// Makes text safe for a terminal or a log: a single line that cannot control the terminal. Control
+/// characters become escapes such as \n and \x1b, invalid bytes \xff, and characters that reorder or hide
+/// text \u{202e}.
 std::string Printable(std::string_view text);
 
 /// The text with every byte that is not UTF-8 replaced by U+FFFD.

@@ -19,7 +19,7 @@ constexpr std::size_t kRiffHeaderSize = 12;
 constexpr std::size_t kLargestHeader = 64 * 1024 * 1024;
 constexpr std::uint32_t kLargestSize = 0xFFFFFFFF;
 
-/// A file format that is taken for WAVE, by what its files begin with.
+/// A format often mistaken for WAVE, identified by its first bytes.
 struct OtherFormat {
     std::string_view magic;
     std::string_view formType;  ///< at offset 8; empty for any
@@ -74,7 +74,7 @@ std::string_view TextAt(const unsigned char* bytes, std::size_t size) {
     return {reinterpret_cast<const char*>(bytes), size};
 }
 
-/// Whether a writer that did not know the size yet puts this one: all ones, or 2 GiB less some rounding.
+/// Whether a writer that does not know the size yet writes this value: all ones, or 2 GiB rounded down.
 bool IsPlaceholder(std::uint32_t size) {
     return size >= 0xFFFF0000 || (size >= 0x7FFF0000 && size <= 0x80000000);
 }
@@ -100,7 +100,7 @@ const unsigned char* WaveInput::Need(unsigned long long size) {
     if (size > kLargestHeader - start) {
         Refuse("more than 64 MiB stand before the sample data");
     }
-    // A size that only the header claims takes no memory.
+    // In pieces, so that a false size in the header does not allocate memory.
     while (size != 0) {
         const unsigned long long piece = std::min(size, kPiece);
         const std::size_t end = m_header.size();
@@ -134,7 +134,7 @@ void WaveInput::ReadHeader() {
     }
 }
 
-/// Refuses what is not RIFF/WAVE, as far as it was read.
+/// Throws unless what has been read so far can be RIFF/WAVE.
 void WaveInput::RefuseOtherFormats() {
     const std::string_view start = TextAt(m_header.data(), std::min(m_header.size(), kRiffHeaderSize));
     const std::string_view formType = start.substr(std::min(start.size(), kFormTypeOffset));
@@ -162,7 +162,7 @@ void WaveInput::ReadChunk(std::uint32_t size) {
 }
 
 void WaveInput::ReadFormatChunk(const WaveChunk& chunk) {
-    // A short body counts as one that goes on with zeros.
+    // A short body is padded with zeros.
     std::vector<unsigned char> body = m_format.chunkBody;
     body.resize(std::max<std::size_t>(chunk.size, 16));
     m_format.formatTag = Get16(&body[0]);
@@ -173,7 +173,7 @@ void WaveInput::ReadFormatChunk(const WaveChunk& chunk) {
     m_format.bitsPerSample = Get16(&body[14]);
 }
 
-/// Tells sizes that a writer left open, and gives the library a header with sizes that it takes.
+/// Detects sizes that a writer left open and replaces them in the header with sizes that the library accepts.
 void WaveInput::SettleSizes() {
     const std::uint32_t riffSize = Get32(m_header.data() + kRiffSizeOffset);
     const bool riffIsOpen = riffSize == 0 || IsPlaceholder(riffSize);

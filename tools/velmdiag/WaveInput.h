@@ -9,18 +9,18 @@
 
 namespace velmdiag {
 
-/// A WAVE file that is read once, from its beginning to its end, so that it may be a pipe: first the header,
-/// for velmdiag, then all of it, for the library. When the header leaves the sizes open, the library gets one
-/// whose sizes no file exceeds.
+/// A WAVE file that is read in one pass, so it may be a pipe. The constructor reads the header; Read then
+/// returns the file from its beginning, for the library. Sizes that the header leaves open are replaced with
+/// the largest possible ones.
 class WaveInput : public velm::FileReader {
 public:
-    /// Opens the file, "-" for standard input, and reads up to the sample data. Throws Failure when the file
-    /// cannot be read or is not RIFF/WAVE. A file without a "fmt " chunk gives an empty format.
+    /// Opens the file, or standard input for "-", and reads up to the sample data. Throws Failure when the
+    /// file cannot be read or is not RIFF/WAVE. Without a "fmt " chunk the format is empty.
     explicit WaveInput(const std::string& path);
 
     const WaveFormat& Format() const { return m_format; }
 
-    /// Reads the header again, then what follows it.
+    /// Returns the header's bytes again, then those of the sample data.
     velm::ErrorCode Read(unsigned long long* readSize, void* buffer, unsigned long long size) override;
 
 private:
@@ -35,7 +35,7 @@ private:
     std::string m_path;
     std::unique_ptr<velm::IReader> m_source;
     std::vector<unsigned char> m_header;
-    std::size_t m_given = 0;  // of m_header, in bytes
+    std::size_t m_given = 0;  // bytes of m_header that Read has returned
     WaveFormat m_format;
 };
 

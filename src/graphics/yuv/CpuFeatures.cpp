@@ -22,7 +22,7 @@ constexpr unsigned int MaskOf(std::initializer_list<int> bits) {
     return mask;
 }
 
-/// What a level asks of the processor beyond the levels before it. That is more than the kernels name:
+/// What a level requires beyond the levels before it. That is more than the kernels use themselves:
 /// /arch:AVX2 also lets Visual C++ emit FMA, BMI1 and BMI2, and /arch:AVX512 the extensions CD, DQ and VL.
 struct Requirement {
     CpuLevel level;
@@ -108,9 +108,8 @@ CpuLevel LevelOf(const CpuReport& report) {
     return level;
 }
 
-// Threads that come at the same time each ask, and all store the same answer. A function's static would make
-// them wait behind a guard instead, which takes memory in MinGW's runtime and does not look whether it got
-// any.
+// Concurrent first calls each detect the level and store the same result. A function-local static would need
+// a guard, for which MinGW's runtime allocates memory without checking that it got any.
 CpuLevel GetCpuLevel() {
     static constinit std::atomic<int> known{-1};
     int level = known.load(std::memory_order_relaxed);

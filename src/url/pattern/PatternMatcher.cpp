@@ -110,7 +110,7 @@ inline void PatternMatcher::FollowTransitions(Cursor& cursor) {
 }
 
 /// Where a match goes on that is at an instruction and consumes a byte: kFirst + the instruction. kNone if it
-/// fails, if more than one way is open, or if more than the byte has a say.
+/// fails, if there is more than one continuation, or if more than the byte decides.
 std::uint16_t PatternMatcher::FindTransition(std::uint32_t instruction, unsigned char byte) const {
     // A loop around an empty part leads back to itself.
     for (std::size_t hops = 0; hops < m_program.instructions.size(); ++hops) {
@@ -196,7 +196,7 @@ inline bool PatternMatcher::Step(Cursor& cursor) {
     return true;
 }
 
-/// Takes the preferred way of a branch and saves the other, unless the next byte rules one out.
+/// Takes the preferred alternative of a branch and saves the other, unless the next byte rules one out.
 inline bool PatternMatcher::StepBranch(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     std::uint32_t first = cursor.next + 1;
@@ -230,7 +230,7 @@ inline bool PatternMatcher::StepBranch(Cursor& cursor) {
     return Save(Saved::Kind::kBranch, second, cursor.position);
 }
 
-/// Consumes bytes of a set for as long as that is the only way.
+/// Consumes bytes of a set for as long as that is the only continuation.
 inline void PatternMatcher::TakeBytes(std::uint32_t set, std::uint32_t otherWay, Cursor& cursor) {
     const auto& bytes = m_program.sets[set];
     const auto& otherBytes = m_program.next[otherWay].bytes;
@@ -245,7 +245,8 @@ inline void PatternMatcher::TakeBytes(std::uint32_t set, std::uint32_t otherWay,
     Spend((cursor.position - begin) / kBytesPerStep);
 }
 
-/// A branch of a program that is not regular: all ways count, but the iterations at a position are bounded.
+/// A branch of a program that is not regular: every alternative is tried, but the iterations at a position
+/// are bounded.
 bool PatternMatcher::StepCountedBranch(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     const std::uint32_t behind = Target(cursor.next, instruction);

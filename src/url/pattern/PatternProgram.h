@@ -22,20 +22,21 @@
 ///
 /// Counted repetitions are written out. Offsets are relative, so a complete part can be moved and copied.
 ///
-/// **Matching.** PatternMatcher runs the instructions depth first. Where two ways are open it takes the
-/// preferred one and saves the other as a backtracking point, on a stack in the heap that also holds the undo
+/// **Matching.** PatternMatcher runs the instructions depth first. At a branch it takes the preferred
+/// alternative and saves the other as a backtracking point, on a stack in the heap that also holds the undo
 /// entries for captured groups. Three things keep that from taking exponential time:
 /// - Look-ahead by one byte. The compiler computes for each instruction the bytes a match can go on with (a
-///   FIRST set); a way whose set lacks the next byte is never tried, and most patterns never backtrack.
+///   FIRST set); an alternative whose set lacks the next byte is never tried, and most patterns never
+///   backtrack.
 /// - Memoization. In a regular program (no look-ahead, no back-reference) the outcome at a branch depends on
 ///   the position alone, so no branch is tried twice at a position: O(branches * bytes).
 /// - A budget of steps for everything else, the stack included. It covers a whole call, however many patterns
 ///   the call matches.
 ///
-/// On long text the ways that one byte decides are cached by instruction and byte, like the transitions of a
-/// lazy DFA: two loads a byte.
+/// On long text, steps that one byte decides are cached by instruction and byte, like the transitions of a
+/// lazy DFA: two loads per byte.
 ///
-/// **Limits.** PatternLimits, below. What exceeds one counts as no match.
+/// **Limits.** See PatternLimits. A match that exceeds one counts as no match.
 #pragma once
 
 #include <bitset>

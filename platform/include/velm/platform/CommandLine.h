@@ -13,7 +13,7 @@ std::vector<std::string> Utf8CommandLine(int argc, char** argv);
 /// Converts a file name to the encoding that fopen expects; "" when it cannot be represented.
 std::string NarrowFileName(const std::string& utf8);
 
-/// Has a standard stream pass bytes as they are, with line ends and the byte 1A untouched.
+/// Switches a standard stream to binary mode: no translation of line ends, no end of file at byte 1A.
 void UseBinary(std::FILE* stream);
 
 /// Whether standard output goes to a terminal.
