@@ -46,11 +46,11 @@ if(VELM_SANITIZE)
 endif()
 
 # velm_quick_to_compile(<target>): for programs that are compiled more often than run, such as tests: compiles their
-# sources as one unit, with little optimisation.
+# sources as one unit, with little optimisation; clang takes half the time without any when it adds sanitizers.
 function(velm_quick_to_compile target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0 LINK_DEPENDS_NO_SHARED ON)
     if(NOT MSVC)
-        target_compile_options(${target} PRIVATE -O1 -g1)
+        target_compile_options(${target} PRIVATE $<IF:$<CXX_COMPILER_ID:Clang>,-O0,-O1> -g1)
     endif()
 endfunction()
 
