@@ -1,24 +1,27 @@
-// Reads the input as a rule file. Every accepted rule must be checkable, and a set must pass exactly if each
-// of its rules does.
-#include "AdapterRules.h"
+// Reads the input as rules about adapters. Every accepted rule must be checkable, and a set must pass exactly
+// if each of its rules does; an error must be within the text.
+#include <algorithm>
+
 #include "Fuzz.h"
+#include "velm/D3d9AdapterRules.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::vector<velmdiag::AdapterRule> rules;
-    try {
-        rules = velmdiag::ReadAdapterRules(TextOf(data, size));
-    } catch (const velmdiag::RuleError& error) {
-        VELM_FUZZ_DEMAND(std::string(error.what()).find('\n') == std::string::npos);
+    const std::string text = TextOf(data, size);
+    velm::D3d9AdapterRules rules;
+    if (rules.Read(text.data(), text.size()).IsFailed()) {
+        VELM_FUZZ_DEMAND(std::string(rules.GetErrorMessage()).find('\n') == std::string::npos);
+        VELM_FUZZ_DEMAND(rules.GetErrorLine() <= 1U + std::count(text.begin(), text.end(), '\n'));
+        VELM_FUZZ_DEMAND(rules.GetErrorColumn() <= text.size() + 1);
         return 0;
     }
     velm::D3d9AdapterContext context;
     velm::D3d9AdapterCheckSet all;
+    VELM_FUZZ_DEMAND(rules.AddTo(&all) == 0U);
     bool allPass = true;
     bool passed = false;
-    for (const velmdiag::AdapterRule& rule : rules) {
-        all.AddItem(rule.item);
+    for (unsigned int i = 0; i < rules.GetCount(); ++i) {
         velm::D3d9AdapterCheckSet one;
-        one.AddItem(rule.item);
+        one.AddItem(rules.GetItem(i));
         VELM_FUZZ_DEMAND(one.Check(&passed, &context) == 0U);
         allPass = allPass && passed;
     }

@@ -11,6 +11,7 @@
 #include "velm/D3d9AdapterCheckItem.h"
 #include "velm/D3d9AdapterCheckSet.h"
 #include "velm/D3d9AdapterContext.h"
+#include "velm/D3d9AdapterRules.h"
 #include "velm/D3D9ResourceBase.h"
 #include "velm/D3D9ResourceManager.h"
 #include "velm/D3D9Surface.h"

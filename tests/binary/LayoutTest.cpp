@@ -35,6 +35,7 @@ TEST(Layout, ObjectsHaveTheSizesThatClientsSetAside) {
     ExpectLayout<D3D9ResourceManager>(Kind::kPlain, 1);
     ExpectLayout<ErrorCode>(Kind::kPlain, 4);
     ExpectLayout<Tick>(Kind::kPlain, 8);
+    ExpectLayout<D3d9AdapterRules>(Kind::kPlain, 8);
     ExpectLayout<FileStdio>(Kind::kPlain, 16);
     ExpectLayout<MemoryInfo>(Kind::kPlain, 16);
     ExpectLayout<LoadClassPointerFromDll>(Kind::kPlain, 24);

@@ -27,6 +27,10 @@ constexpr char kHarmless[] =
 
 /// Every call of every operation.
 const Failure kFailures[] = {
+    {"D3d9AdapterRules", "MultiByteToWideChar", VELM_ERROR_CORE_INVALID_PARAM},
+    {"D3d9AdapterRules", "CreateFileW", VELM_ERROR_CORE_UNKNOWN},
+    {"D3d9AdapterRules", "CloseHandle", 0},
+    {"D3d9AdapterRules", "ReadFile", VELM_ERROR_CORE_READ_FAILED},
     {"EnvConfigReader", "MultiByteToWideChar _wdupenv_s WideCharToMultiByte", kOld},
     {"IniConfigReader", "MultiByteToWideChar WideCharToMultiByte", kOld},
     {"IniConfigReader", "GetPrivateProfileStringW", kEmpty},

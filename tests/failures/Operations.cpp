@@ -92,6 +92,26 @@ long long CheckRules(const Attempt& attempt) {
     return code;
 }
 
+long long ReadRules(const Attempt& attempt) {
+    static const TemporaryFile file(
+        "failures-rules.json",
+        R"({"rules": [{"fact": "vendor-name", "is": "!=", "value": ")" + kText + "\"}]}");
+    const D3d9AdapterContext context;
+    D3d9AdapterCheckSet set;
+    D3d9AdapterRules rules;
+    std::string fact = "a fact";
+    const long long code = attempt([&] {
+        ErrorCode result = rules.ReadFile(file.Name());
+        result = result.IsFailed() ? result : rules.AddTo(&set);
+        if (result.IsFailed()) {
+            return result;
+        }
+        return D3d9AdapterRules::GetFactText(fact, &context, D3D9_ADAPTER_CHECK_DEVICE_IDENTIFIER);
+    });
+    EXPECT_EQ(fact.size(), code == 0 ? 38U : 6U);
+    return code;
+}
+
 struct Resource : D3D9ResourceBase {
     void Enlist() { Register(); }
     void OnLostImpl() override { ++lost; }
@@ -227,6 +247,7 @@ std::vector<Operation> MakeOperations() {
         {"AudioFrameStream", MakeFrameRing, 0, {kNoMemory}},
         {"Yuv420ToArgb8888", Does(ConvertPicture)},
         {"D3d9AdapterCheckSet", CheckRules, 0, {kNoMemory}},
+        {"D3d9AdapterRules", ReadRules, 0, {kNoMemory, kCoreNoMemory, kCoreUnknown}},
         {"D3D9ResourceManager", ManageResource, 1, {kNoMemory, 0}},
         {"EnvConfigReader", Writes(ReadEnvironment), kNew, {kOld}},
         {"IniConfigReader", Writes(ReadIniText), kNew, {kThrew, kOld, kEmpty}},

@@ -1,19 +1,19 @@
+#include <picojson.h>
+
 #include <memory>
+#include <new>
 #include <optional>
+#include <string>
 #include <vector>
 
-#include "AdapterRules.h"
 #include "Command.h"
 #include "Help.h"
 #include "Report.h"
-#include "velm/core/CoreErrorCode.h"
-#include "velm/core/FileReader.h"
+#include "velm/D3d9AdapterRules.h"
 #include "velm/platform/Direct3D.h"
 
 namespace velmdiag {
 namespace {
-
-constexpr std::size_t kLargestRuleFile = 1024 * 1024;
 
 struct AdapterOptions {
     std::optional<unsigned int> index;
@@ -21,37 +21,43 @@ struct AdapterOptions {
     bool json = false;
 };
 
-std::string ReadRuleFile(const std::string& path) {
-    velm::FileReader reader;
-    std::string text(kLargestRuleFile + 1, '\0');
-    unsigned long long size = 0;
-    velm::ErrorCode result = reader.Open(path.c_str());
-    if (!result.IsFailed()) {
-        result = reader.Read(&size, text.data(), text.size());
-    }
-    if (!result.IsFailed()) {
-        throw Failure{path + ": is larger than 1 MiB", kNotDone};
-    }
-    if (result != velm::VELM_ERROR_CORE_END_OF_DATA) {
+void ReadRules(const std::string& path, velm::D3d9AdapterRules& rules) {
+    const velm::ErrorCode result = rules.ReadFile(path.c_str());
+    if (result != velm::VELM_ERROR_UTIL_DATA_BROKEN) {
         CheckFile(path, result, kNotDone);
+        return;
     }
-    text.resize(size);
+    std::string place = path;
+    if (rules.GetErrorLine() != 0) {
+        place += ':' + std::to_string(rules.GetErrorLine()) + ':' + std::to_string(rules.GetErrorColumn());
+    }
+    throw Failure{place + ": " + rules.GetErrorMessage(), kNotDone};
+}
+
+std::string FactText(velm::D3d9AdapterCheckCommand command, const velm::D3d9AdapterContext& context) {
+    std::string text;
+    if (velm::D3d9AdapterRules::GetFactText(text, &context, command).IsFailed()) {
+        throw std::bad_alloc();
+    }
     return text;
 }
 
-std::vector<AdapterRule> ReadRules(const std::string& path) {
-    try {
-        return ReadAdapterRules(ReadRuleFile(path));
-    } catch (const RuleError& error) {
-        throw Failure{path + ": " + error.what(), kNotDone};
+/// A fact in a form that rules take too.
+picojson::value FactValue(velm::D3d9AdapterCheckCommand command, const velm::D3d9AdapterContext& context) {
+    const std::string text = FactText(command, context);
+    velm::D3d9AdapterParamType type{};
+    velm::D3d9AdapterCheckSet::GetCommandType(&type, command);
+    if (type == velm::D3D9_ADAPTER_PARAM_DWORD || type == velm::D3D9_ADAPTER_PARAM_UINT) {
+        return picojson::value(static_cast<double>(std::stoull(text, nullptr, 0)));
     }
+    return picojson::value(text);
 }
 
 /// Checks the rules and reports the verdict: whether the adapter is accepted.
-bool Judge(const std::vector<AdapterRule>& rules, velm::D3d9AdapterContext& context, Report& report) {
+bool Judge(const velm::D3d9AdapterRules& rules, velm::D3d9AdapterContext& context, Report& report) {
     velm::D3d9AdapterCheckSet set;
-    for (const AdapterRule& rule : rules) {
-        set.AddItem(rule.item);
+    if (rules.AddTo(&set).IsFailed()) {
+        throw std::bad_alloc();
     }
     std::tr1::shared_ptr<velm::D3d9AdapterCheckItem> failed;
     set.BindNotifyError(
@@ -65,11 +71,11 @@ bool Judge(const std::vector<AdapterRule>& rules, velm::D3d9AdapterContext& cont
         throw Failure{"the rules cannot be checked: " + Describe(result), kNotDone};
     }
     report.Add("verdict", passed ? "accepted" : "refused");
-    for (std::size_t i = 0; i < rules.size(); ++i) {
-        if (rules[i].item == failed) {
-            const velm::D3d9AdapterCommand& command = CommandOf(*failed);
+    for (unsigned int i = 0; i < rules.GetCount(); ++i) {
+        if (rules.GetItem(i) == failed) {
+            const velm::D3d9AdapterCheckCommand command = failed->GetCommand();
             report.Add("failed_rule", static_cast<long long>(i) + 1);
-            report.Add("failed_rule_text", rules[i].text);
+            report.Add("failed_rule_text", rules.GetText(i));
             report.Add("fact_met", FactValue(command, context), FactText(command, context));
         }
     }
@@ -87,15 +93,20 @@ void AddFacts(const velm::D3d9AdapterContext& context, Report& report) {
     report.Add("adapter", static_cast<long long>(context.m_nAdapter));
     report.Add("description", context.m_identifier.Description);
     report.Add("driver", context.m_identifier.Driver);
-    for (const velm::D3d9AdapterCommand& command : velm::kD3d9AdapterCommands) {
-        report.Add(command.name, FactValue(command, context), FactText(command, context));
+    for (int i = 0;; ++i) {
+        const auto command = static_cast<velm::D3d9AdapterCheckCommand>(i);
+        const char* const name = velm::D3d9AdapterRules::GetFactName(command);
+        if (name == nullptr) {
+            break;
+        }
+        report.Add(name, FactValue(command, context), FactText(command, context));
     }
 }
 
 int RunAdapter(const AdapterOptions& options) {
-    std::optional<std::vector<AdapterRule>> rules;
+    velm::D3d9AdapterRules rules;
     if (options.rules) {
-        rules = ReadRules(*options.rules);
+        ReadRules(*options.rules, rules);
     }
     const auto d3d = velm::platform::CreateDirect3D9();
     if (d3d == nullptr) {
@@ -114,8 +125,8 @@ int RunAdapter(const AdapterOptions& options) {
     for (unsigned int adapter = first; adapter < end; ++adapter) {
         velm::D3d9AdapterContext context = ReadFacts(d3d.get(), adapter);
         AddFacts(context, reports[adapter - first]);
-        if (rules) {
-            accepted = Judge(*rules, context, reports[adapter - first]) && accepted;
+        if (options.rules) {
+            accepted = Judge(rules, context, reports[adapter - first]) && accepted;
         }
     }
     Report::PrintList("adapters", reports, options.json);
