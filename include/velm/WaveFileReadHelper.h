@@ -62,6 +62,19 @@ public:
     ///         was read
     ErrorCode GetChannelNum(unsigned int* channelNum);
 
+    /// Gets the depth of a sample value.
+    /// @param bitsPerSample  out: in bits; 0 in some compressed formats; unchanged on failure
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
+    ///         was read
+    ErrorCode GetBitsPerSample(unsigned int* bitsPerSample);
+
+    /// Gets the encoding of the samples.
+    /// @param formatTag  out: the WAVE format tag, such as 1 for integers (PCM), 3 for floating point, and
+    ///                   0xFFFE when a part of the chunk that is not read names it; unchanged on failure
+    /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
+    ///         was read
+    ErrorCode GetFormatTag(unsigned int* formatTag);
+
 private:
 #pragma pack(push, 1)
     /// The body of a "fmt " chunk.

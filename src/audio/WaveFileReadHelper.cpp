@@ -24,6 +24,17 @@ bool HasTag(const char (&tag)[4], const char* expected) {
     return std::memcmp(tag, expected, sizeof tag) == 0;
 }
 
+ErrorCode GetFormatField(unsigned int* out, bool isFormatRead, unsigned int value) {
+    if (out == nullptr) {
+        return VELM_ERROR_UTIL_INVALID_PARAM;
+    }
+    if (!isFormatRead) {
+        return VELM_ERROR_UTIL_ILLEGAL_CALL;
+    }
+    *out = value;
+    return 0;
+}
+
 ChunkType TypeOf(const ChunkHeader& header) {
     if (HasTag(header.tag, "fmt ")) {
         return kFormatChunk;
@@ -88,25 +99,19 @@ ErrorCode WaveFileReadHelper::GetWaveData(unsigned char* buffer, unsigned long l
 }
 
 ErrorCode WaveFileReadHelper::GetSampleRate(unsigned int* sampleRate) {
-    if (sampleRate == nullptr) {
-        return VELM_ERROR_UTIL_INVALID_PARAM;
-    }
-    if (!m_bFormatRead) {
-        return VELM_ERROR_UTIL_ILLEGAL_CALL;
-    }
-    *sampleRate = m_stFormat.samplesPerSecond;
-    return 0;
+    return GetFormatField(sampleRate, m_bFormatRead, m_stFormat.samplesPerSecond);
 }
 
 ErrorCode WaveFileReadHelper::GetChannelNum(unsigned int* channelNum) {
-    if (channelNum == nullptr) {
-        return VELM_ERROR_UTIL_INVALID_PARAM;
-    }
-    if (!m_bFormatRead) {
-        return VELM_ERROR_UTIL_ILLEGAL_CALL;
-    }
-    *channelNum = m_stFormat.channels;
-    return 0;
+    return GetFormatField(channelNum, m_bFormatRead, m_stFormat.channels);
+}
+
+ErrorCode WaveFileReadHelper::GetBitsPerSample(unsigned int* bitsPerSample) {
+    return GetFormatField(bitsPerSample, m_bFormatRead, m_stFormat.bitsPerSample);
+}
+
+ErrorCode WaveFileReadHelper::GetFormatTag(unsigned int* formatTag) {
+    return GetFormatField(formatTag, m_bFormatRead, m_stFormat.formatTag);
 }
 
 ErrorCode WaveFileReadHelper::ReadHeader() {

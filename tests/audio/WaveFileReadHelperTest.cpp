@@ -15,6 +15,7 @@ namespace velm {
 namespace {
 
 using test::Chunk;
+using test::Le16;
 using test::Le32;
 using test::PcmFormat;
 using test::Riff;
@@ -153,8 +154,12 @@ TEST(WaveFileReadHelper, ACutSecondFormatLeavesADefinedRest) {
             unsigned int channels = 0;
             EXPECT_EQ(wave.helper.GetSampleRate(&rate), 0U);
             EXPECT_EQ(wave.helper.GetChannelNum(&channels), 0U);
-            EXPECT_EQ(Le32(rate), format.substr(4, 4));
-            EXPECT_EQ(Le32(channels).substr(0, 2), format.substr(2, 2));
+            unsigned int bits = 0;
+            unsigned int tag = 0;
+            EXPECT_EQ(wave.helper.GetBitsPerSample(&bits), 0U);
+            EXPECT_EQ(wave.helper.GetFormatTag(&tag), 0U);
+            EXPECT_EQ(Le16(tag) + Le16(channels) + Le32(rate), format.substr(0, 8));
+            EXPECT_EQ(Le16(bits), format.substr(14, 2));
         }
     }
 }
