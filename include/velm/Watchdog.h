@@ -12,7 +12,7 @@ public:
     virtual ~WatchdogChecker();
 
     /// Whether the activity is alive. Must have no side effect on the next answer: Watchdog::IsActive calls
-    /// it too.
+    /// it too. So answer from the age of a time stamp, not from "progress since the last call".
     /// @return true, unless overridden
     /// Threads: called on the thread that owns the watchdog's window, and on any that calls
     /// Watchdog::IsActive.
@@ -23,8 +23,8 @@ public:
 /// false, every tick posts a quit message with an exit code.
 ///
 /// Windows delivers timer messages only when no other message is waiting: a thread flooded with posted
-/// messages never polls the checker. To detect that, record the time of each IsActive call in the checker and
-/// compare it with the period on another thread.
+/// messages never polls the checker. To detect that, let a timer of your own set a time stamp, and compare
+/// its age with the period on another thread.
 ///
 /// A process has one watchdog. It lives until the library is unloaded, which stops it.
 ///
