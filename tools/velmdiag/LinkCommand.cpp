@@ -1,3 +1,4 @@
+#include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -5,27 +6,47 @@
 #include "Command.h"
 #include "Help.h"
 #include "Report.h"
+#include "url/Scramble.h"
 #include "velm/UrlSchemeUtil.h"
 
 namespace velmdiag {
 namespace {
 
 struct LinkOptions {
-    std::string link;
+    std::optional<std::string> link;
+    std::optional<std::string> pattern;
     std::string scheme = "https";
     std::optional<std::string> address;
     bool json = false;
 };
 
+int ScramblePattern(const std::string& pattern, bool json) {
+    const std::string scrambled = velm::Unscramble(pattern);  // the same both ways
+    if (json) {
+        Report report;
+        report.Add("scrambled", scrambled);
+        report.Print(true);
+    } else {
+        std::cout << scrambled << '\n';
+    }
+    return 0;
+}
+
 int RunLink(const LinkOptions& options) {
+    if (options.pattern) {
+        return ScramblePattern(*options.pattern, options.json);
+    }
+    if (!options.link) {
+        throw CLI::RequiredError("LINK");
+    }
     std::string address = options.address.value_or(options.scheme + ":");
     std::string title;
     std::string ticket;
-    const velm::ErrorCode result = velm::UrlSchemeUtil::read(options.link, address, title, ticket);
+    const velm::ErrorCode result = velm::UrlSchemeUtil::read(*options.link, address, title, ticket);
     const bool isRead = !title.empty();
 
     Report report;
-    report.Add("link", options.link);
+    report.Add("link", *options.link);
     report.Add("accepted", !result.IsFailed());
     if (isRead) {
         report.Add("address", address);
@@ -36,7 +57,7 @@ int RunLink(const LinkOptions& options) {
     if (result.IsFailed()) {
         throw Failure{isRead ? address + ": the address is not one that the client follows (" +
                                    NameOf(result) + ')'
-                             : options.link + ": is not a link of the client (" + NameOf(result) + ')'};
+                             : *options.link + ": is not a link of the client (" + NameOf(result) + ')'};
     }
     return 0;
 }
@@ -48,9 +69,12 @@ void AddLinkCommand(CLI::App& app, int& exitStatus) {
     CLI::App* const command = app.add_subcommand("link", "Reads a link and checks where it leads");
     Explain(command,
             "Reads a link as the client does and checks the address that it leads to. The exit status "
-            "is 0 when the client would follow it and 1 when not.",
+            "is 0 when the client would follow it and 1 when not.\nWith --scramble, prints the form in which "
+            "UrlSchemeUtil::checkDomain takes a pattern of your own.",
             "velmdiag link 'velm://connect/play.velm.example/a?title=T1&ticket=abc' --scheme https");
-    command->add_option("LINK", options->link, "the link")->required();
+    CLI::Option* const link = command->add_option("LINK", options->link, "the link");
+    command->add_option("--scramble", options->pattern, "scramble this pattern, as addresses are checked by")
+        ->excludes(link);
     CLI::Option* const scheme =
         command->add_option("--scheme", options->scheme, "scheme of the address that the link names")
             ->check(CLI::IsMember({"https", "http"}))
