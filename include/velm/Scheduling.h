@@ -1,3 +1,5 @@
+/// @file
+/// Both classes are in the global namespace, unlike the rest of the library; clients link to them there.
 #pragma once
 
 #include "velm/core/Export.h"

@@ -43,16 +43,18 @@ public:
     /// @param source  the link
     /// @param url  on entry, starts with "http:" or "https", which selects the scheme of the address. It
     ///             receives the scheme, "://" and BODY; a resume link leaves it unchanged
-    /// @param param1, param2  receive TITLE and TICKET
+    /// @param param1  receives TITLE: one or more ASCII letters, digits, "_" and "-"; nothing is decoded
+    /// @param param2  receives TICKET: one or more of these and of ".", "~" and "="
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM if `url` starts otherwise or the link has another form, with
-    ///         all outputs unchanged, or if checkPavix would refuse the address, with the outputs set
+    ///         all outputs unchanged, or if checkPavix would refuse the address, with the outputs set. To
+    ///         tell these apart, pass an empty `param1`: it is empty afterwards unless `source` is a link
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode read(const std::string& source, std::string& url, std::string& param1,
                           std::string& param2);
 
     /// Whether a pattern matches the whole of an address.
-    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94. Ends at
-    ///                 its first NUL
+    /// @param pattern  scrambled: each character from "!" to "~" rotated by 47 places among these 94, as
+    ///                 `velmdiag link --scramble` prints it. Ends at its first NUL
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM if it does not match or is invalid
     /// Throws std::bad_alloc when memory runs out.
     static ErrorCode checkDomain(const std::string& url, const std::string& pattern);
