@@ -32,6 +32,12 @@ write_basic_package_version_file(VelmUtilConfigVersion.cmake COMPATIBILITY SameM
 install(FILES ${PROJECT_BINARY_DIR}/VelmUtilConfig.cmake ${PROJECT_BINARY_DIR}/VelmUtilConfigVersion.cmake
     DESTINATION ${package_dir})
 
+# The guides with what they link to, in the folders in which they expect each other.
+install(FILES README.md SECURITY.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
+    PATTERN Doxyfile EXCLUDE PATTERN site.css EXCLUDE)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE)
+
 if(TARGET velmdiag)
     install(TARGETS velmdiag CONFIGURATIONS Release RelWithDebInfo MinSizeRel)
     if(TARGET velmdiag_pages)
