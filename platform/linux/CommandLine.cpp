@@ -37,6 +37,10 @@ bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
 }
 
+bool ErrorIsTerminal() {
+    return isatty(STDERR_FILENO) != 0;
+}
+
 bool OutputTakesColors() {
     const char* const terminal = std::getenv("TERM");
     return OutputIsTerminal() && std::getenv("NO_COLOR") == nullptr && terminal != nullptr &&

@@ -84,6 +84,10 @@ bool OutputIsTerminal() {
     return _isatty(_fileno(stdout)) != 0;
 }
 
+bool ErrorIsTerminal() {
+    return _isatty(_fileno(stderr)) != 0;
+}
+
 bool OutputTakesColors() {
     return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) == 0 && ConsoleUnderstandsEscapes() &&
            EnableEscapes(GetStdHandle(STD_OUTPUT_HANDLE));

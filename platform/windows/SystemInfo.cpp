@@ -1,6 +1,7 @@
 #include "velm/platform/SystemInfo.h"
 
 #include <windows.h>
+#include <lmcons.h>
 #include <winver.h>
 
 #include <vector>
@@ -51,6 +52,62 @@ std::string SystemName() {
     }
     const auto getWineVersion = Find<const char*(CDECL*)()>("wine_get_version");
     return getWineVersion != nullptr ? name + " (Wine " + getWineVersion() + ')' : name;
+}
+
+std::string ProcessorName() {
+    wchar_t name[256] = L"";
+    DWORD size = sizeof name;
+    const LSTATUS result =
+        RegGetValueW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0",
+                     L"ProcessorNameString", RRF_RT_REG_SZ, nullptr, name, &size);
+    return result == ERROR_SUCCESS ? Utf8(name) : std::string();
+}
+
+unsigned long long PhysicalMemory() {
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    return GlobalMemoryStatusEx(&status) ? status.ullTotalPhys : 0;
+}
+
+std::string ClockSource() {
+    return "QueryPerformanceCounter";
+}
+
+std::vector<Display> Displays() {
+    std::vector<Display> displays;
+    DISPLAY_DEVICEW device{};
+    device.cb = sizeof device;
+    for (DWORD i = 0; EnumDisplayDevicesW(nullptr, i, &device, 0); ++i) {
+        DEVMODEW mode{};
+        mode.dmSize = sizeof mode;
+        if ((device.StateFlags & DISPLAY_DEVICE_ATTACHED_TO_DESKTOP) != 0 &&
+            EnumDisplaySettingsW(device.DeviceName, ENUM_CURRENT_SETTINGS, &mode)) {
+            displays.push_back({Utf8(device.DeviceName), Utf8(device.DeviceString), mode.dmPelsWidth,
+                                mode.dmPelsHeight, mode.dmDisplayFrequency,
+                                (device.StateFlags & DISPLAY_DEVICE_PRIMARY_DEVICE) != 0});
+        }
+    }
+    return displays;
+}
+
+UserIdentity CurrentUser() {
+    UserIdentity user;
+    wchar_t text[UNLEN + 1];
+    DWORD units = UNLEN + 1;
+    if (GetUserNameW(text, &units)) {
+        user.names.push_back(Utf8(text));
+    }
+    wchar_t home[MAX_PATH];
+    const DWORD length = GetEnvironmentVariableW(L"USERPROFILE", home, MAX_PATH);
+    if (length != 0 && length < MAX_PATH) {
+        user.homes.push_back(Utf8(home));
+        wchar_t shortHome[MAX_PATH];  // temporary folders are given in this form
+        const DWORD shortLength = GetShortPathNameW(home, shortHome, MAX_PATH);
+        if (shortLength != 0 && shortLength < MAX_PATH) {
+            user.homes.push_back(Utf8(shortHome));
+        }
+    }
+    return user;
 }
 
 LibraryFile FindLibrary(const std::string& name) {

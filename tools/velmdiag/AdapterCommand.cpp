@@ -1,14 +1,13 @@
+#include "AdapterReport.h"
+
 #include <picojson.h>
 
 #include <memory>
 #include <new>
-#include <optional>
-#include <string>
-#include <vector>
+#include <utility>
 
 #include "Command.h"
 #include "Help.h"
-#include "Report.h"
 #include "velm/D3d9AdapterRules.h"
 #include "velm/platform/Direct3D.h"
 
@@ -104,36 +103,50 @@ void AddFacts(const velm::D3d9AdapterContext& context, Report& report) {
 }
 
 int RunAdapter(const AdapterOptions& options) {
-    velm::D3d9AdapterRules rules;
-    if (options.rules) {
-        ReadRules(*options.rules, rules);
-    }
-    const auto d3d = velm::platform::CreateDirect3D9();
-    if (d3d == nullptr) {
-        throw Failure{"this system has no Direct3D 9", kNotDone};
-    }
-    const unsigned int count = d3d->GetAdapterCount();
-    if (options.index.value_or(0) >= count) {
-        throw Failure{"there is no adapter " + std::to_string(options.index.value_or(0)) + "; there are " +
-                          std::to_string(count),
-                      kNotDone};
-    }
-    const unsigned int first = options.index.value_or(0);
-    const unsigned int end = options.index ? first + 1 : count;
     bool accepted = true;
-    std::vector<Report> reports(end - first);
-    for (unsigned int adapter = first; adapter < end; ++adapter) {
-        velm::D3d9AdapterContext context = ReadFacts(d3d.get(), adapter);
-        AddFacts(context, reports[adapter - first]);
-        if (options.rules) {
-            accepted = Judge(rules, context, reports[adapter - first]) && accepted;
-        }
+    std::vector<Report> reports;
+    for (AdapterReport& adapter : ReportAdapters(options.index, options.rules)) {
+        accepted = accepted && adapter.accepted;
+        reports.push_back(std::move(adapter.facts));
     }
     Report::PrintList("adapters", reports, options.json);
     return accepted ? 0 : 1;
 }
 
 }  // namespace
+
+void CheckRuleFile(const std::string& path) {
+    velm::D3d9AdapterRules rules;
+    ReadRules(path, rules);
+}
+
+std::vector<AdapterReport> ReportAdapters(const std::optional<unsigned int>& index,
+                                          const std::optional<std::string>& rulesPath) {
+    velm::D3d9AdapterRules rules;
+    if (rulesPath) {
+        ReadRules(*rulesPath, rules);
+    }
+    const auto d3d = velm::platform::CreateDirect3D9();
+    if (d3d == nullptr) {
+        throw Failure{"this system has no Direct3D 9", kNotDone};
+    }
+    const unsigned int count = d3d->GetAdapterCount();
+    if (index.value_or(0) >= count) {
+        throw Failure{"there is no adapter " + std::to_string(index.value_or(0)) + "; there are " +
+                          std::to_string(count),
+                      kNotDone};
+    }
+    const unsigned int first = index.value_or(0);
+    const unsigned int end = index ? first + 1 : count;
+    std::vector<AdapterReport> reports(end - first);
+    for (unsigned int adapter = first; adapter < end; ++adapter) {
+        velm::D3d9AdapterContext context = ReadFacts(d3d.get(), adapter);
+        AdapterReport& report = reports[adapter - first];
+        AddFacts(context, report.facts);
+        report.accepted = !rulesPath || Judge(rules, context, report.facts);
+    }
+    return reports;
+}
 
 void AddAdapterCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<AdapterOptions>();

@@ -32,6 +32,7 @@ void AddKeyCommand(CLI::App& app, int& exitStatus);
 void AddLinkCommand(CLI::App& app, int& exitStatus);
 void AddPictureCommand(CLI::App& app, int& exitStatus);
 void AddPluginCommand(CLI::App& app, int& exitStatus);
+void AddReportCommand(CLI::App& app, int& exitStatus);
 void AddSystemCommand(CLI::App& app, int& exitStatus);
 void AddUrlCommand(CLI::App& app, int& exitStatus);
 void AddWatchCommand(CLI::App& app, int& exitStatus);

@@ -41,6 +41,20 @@ bool ReplaceInvalidUtf8(picojson::value& value) {
     return replaced;
 }
 
+void TransformTexts(picojson::value& value, const std::function<std::string(const std::string&)>& replace) {
+    if (value.is<std::string>()) {
+        value = picojson::value(replace(value.get<std::string>()));
+    } else if (value.is<picojson::array>()) {
+        for (picojson::value& element : value.get<picojson::array>()) {
+            TransformTexts(element, replace);
+        }
+    } else if (value.is<picojson::object>()) {
+        for (auto& [name, member] : value.get<picojson::object>()) {
+            TransformTexts(member, replace);
+        }
+    }
+}
+
 }  // namespace
 
 void Report::Add(const std::string& key, const std::string& text) {
@@ -126,6 +140,16 @@ void Report::PrintList(const std::string& key, const std::vector<Report>& report
     for (const Report& report : reports) {
         std::cout << (&report != &reports.front() ? "\n" : "");
         report.Print(false);
+    }
+}
+
+void Report::Transform(const std::function<std::string(const std::string&)>& replace) {
+    for (Entry& entry : m_entries) {
+        TransformTexts(entry.value, replace);
+        entry.text = replace(entry.text);
+        for (std::string& line : entry.lines) {
+            line = replace(line);
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <picojson.h>
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <utility>
@@ -36,16 +37,20 @@ public:
     /// Prints reports of one kind: for a program one JSON object, with all of them in the list `key`.
     static void PrintList(const std::string& key, const std::vector<Report>& reports, bool json);
 
-private:
-    picojson::value Json() const;
-    void PrintLines(std::ostream& out, bool colors) const;
-
     struct Entry {
         std::string key;
         picojson::value value;
         std::string text;
         std::vector<std::string> lines;
     };
+    const std::vector<Entry>& Entries() const { return m_entries; }
+    picojson::value Json() const;
+    void PrintLines(std::ostream& out, bool colors) const;
+
+    /// Replaces every text in the values, in their JSON as in their lines.
+    void Transform(const std::function<std::string(const std::string&)>& replace);
+
+private:
     std::vector<Entry> m_entries;
 };
 

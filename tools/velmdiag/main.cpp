@@ -83,6 +83,7 @@ int Run(std::vector<std::string> arguments) {
     AddLinkCommand(app, exitStatus);
     AddPictureCommand(app, exitStatus);
     AddPluginCommand(app, exitStatus);
+    AddReportCommand(app, exitStatus);
     AddSystemCommand(app, exitStatus);
     AddUrlCommand(app, exitStatus);
     AddWatchCommand(app, exitStatus);

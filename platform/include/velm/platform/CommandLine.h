@@ -19,6 +19,9 @@ void UseBinary(std::FILE* stream);
 /// Whether standard output goes to a terminal.
 bool OutputIsTerminal();
 
+/// Whether standard error goes to a terminal.
+bool ErrorIsTerminal();
+
 /// Whether standard output goes to a terminal with colours and the environment variable NO_COLOR is not set.
 bool OutputTakesColors();
 

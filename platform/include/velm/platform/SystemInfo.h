@@ -1,11 +1,42 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace velm::platform {
 
 /// Returns name and version of the operating system.
 std::string SystemName();
+
+/// Returns the processor's own name for itself; empty when it is unknown.
+std::string ProcessorName();
+
+/// Returns the size of the physical memory in bytes; 0 when it is unknown.
+unsigned long long PhysicalMemory();
+
+/// Names what the performance counter counts.
+std::string ClockSource();
+
+/// A display that is part of the desktop.
+struct Display {
+    std::string name;
+    std::string description;
+    unsigned int width = 0;  ///< in pixels, like the height
+    unsigned int height = 0;
+    unsigned int refresh = 0;  ///< in hertz; 0 or 1 for the hardware's default
+    bool primary = false;
+};
+
+/// Returns the displays; none when the system cannot tell.
+std::vector<Display> Displays();
+
+/// What identifies the person at the machine, in every form that is found in paths and settings.
+struct UserIdentity {
+    std::vector<std::string> names;
+    std::vector<std::string> homes;  ///< folders
+};
+
+UserIdentity CurrentUser();
 
 /// The file of a loaded library; a member is empty when it is unknown or the library is not loaded.
 struct LibraryFile {

@@ -1,0 +1,263 @@
+#include "DeviceRounds.h"
+
+#include <cstring>
+#include <iostream>
+#include <sstream>
+
+#include "Command.h"
+#include "velm/core/Tick.h"
+#include "velm/D3D9ResourceManager.h"
+#include "velm/D3D9Surface.h"
+#include "velm/platform/Direct3D.h"
+
+namespace velmdiag {
+namespace {
+
+using velm::platform::InterfacePtr;
+
+constexpr UINT kWidth = 320;
+constexpr UINT kHeight = 240;
+constexpr D3DFORMAT kPixels = D3DFMT_X8R8G8B8;
+constexpr DWORD kColorBits = 0x00FFFFFF;
+
+std::string Hex(HRESULT result) {
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << static_cast<unsigned int>(result);
+    return text.str();
+}
+
+void Check(HRESULT result, const char* call, int exitStatus = 1) {
+    if (FAILED(result)) {
+        throw Failure{std::string(call) + " failed: " + Hex(result), exitStatus};
+    }
+}
+
+IDirect3DSurface9* CreateTarget(IDirect3DDevice9* device) {
+    IDirect3DSurface9* surface = nullptr;
+    Check(device->CreateRenderTarget(kWidth, kHeight, kPixels, D3DMULTISAMPLE_NONE, 0, FALSE, &surface,
+                                     nullptr),
+          "CreateRenderTarget", kNotDone);
+    return surface;
+}
+
+ULONG References(IUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+/// The manager of resources, while it lives.
+struct Manager {
+    Manager() {
+        const velm::ErrorCode result = velm::D3D9ResourceManager::Initialize();
+        if (result.IsFailed()) {
+            throw Failure{"the resource manager cannot be made: " + Describe(result), kNotDone};
+        }
+    }
+    ~Manager() { velm::D3D9ResourceManager::Finalize(); }
+    Manager(const Manager&) = delete;
+    Manager& operator=(const Manager&) = delete;
+};
+
+/// A render target and a depth-stencil surface that survive losses of their device.
+class Cycle {
+public:
+    Cycle(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& presentParameters)
+        : m_device(device), m_presentParameters(presentParameters) {
+        m_target.Bind(CreateTarget(m_device));
+        IDirect3DSurface9* surface = nullptr;
+        Check(m_device->CreateDepthStencilSurface(kWidth, kHeight, D3DFMT_D24S8, D3DMULTISAMPLE_NONE, 0, TRUE,
+                                                  &surface, nullptr),
+              "CreateDepthStencilSurface", kNotDone);
+        m_depth.Bind(surface);
+    }
+
+    /// Loses the surfaces, resets the device and rebuilds them.
+    void LoseAndRecover() {
+        D3DPRESENT_PARAMETERS parameters = m_presentParameters;
+        if (SUCCEEDED(m_device->Reset(&parameters))) {
+            throw Failure{"Reset succeeded although surfaces of the default pool live"};
+        }
+        ++m_counts.resetsRefused;
+        velm::D3D9ResourceManager::OnLost();
+        parameters = m_presentParameters;
+        Check(m_device->Reset(&parameters), "Reset");
+        ++m_counts.resetsDone;
+        velm::D3D9ResourceManager::OnRecoverLost(m_device, parameters);
+        if (m_target.GetSurface() == nullptr || m_depth.GetSurface() == nullptr) {
+            throw Failure{"a surface was not rebuilt"};
+        }
+    }
+
+    /// Fills the target through both surfaces, shows it in the window and compares every pixel of it.
+    void DrawAndCompare(D3DCOLOR color) {
+        const auto backBuffer = BackBuffer();
+        Check(m_device->SetRenderTarget(0, m_target.GetSurface()), "SetRenderTarget");
+        Check(m_device->SetDepthStencilSurface(m_depth.GetSurface()), "SetDepthStencilSurface");
+        Check(m_device->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL, color, 1.0f,
+                              0),
+              "Clear");
+        // A surface that is set belongs to the device, too, which then could not be reset.
+        Check(m_device->SetRenderTarget(0, backBuffer.get()), "SetRenderTarget");
+        Check(m_device->SetDepthStencilSurface(nullptr), "SetDepthStencilSurface");
+        Check(m_device->StretchRect(m_target.GetSurface(), nullptr, backBuffer.get(), nullptr, D3DTEXF_NONE),
+              "StretchRect");
+        Check(m_device->Present(nullptr, nullptr, nullptr, nullptr), "Present");
+        Compare(color);
+    }
+
+    const DeviceCounts& Seen() const { return m_counts; }
+
+private:
+    InterfacePtr<IDirect3DSurface9> BackBuffer() {
+        IDirect3DSurface9* surface = nullptr;
+        Check(m_device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &surface), "GetBackBuffer");
+        return InterfacePtr<IDirect3DSurface9>(surface);
+    }
+
+    void Compare(D3DCOLOR color) {
+        IDirect3DSurface9* surface = nullptr;
+        Check(m_device->CreateOffscreenPlainSurface(kWidth, kHeight, kPixels, D3DPOOL_SYSTEMMEM, &surface,
+                                                    nullptr),
+              "CreateOffscreenPlainSurface");
+        const InterfacePtr<IDirect3DSurface9> memory(surface);
+        Check(m_device->GetRenderTargetData(m_target.GetSurface(), memory.get()), "GetRenderTargetData");
+        D3DLOCKED_RECT locked{};
+        Check(memory->LockRect(&locked, nullptr, D3DLOCK_READONLY), "LockRect");
+        unsigned int wrong = 0;
+        for (UINT y = 0; y < kHeight; ++y) {
+            const char* const row =
+                static_cast<const char*>(locked.pBits) + static_cast<int>(y) * locked.Pitch;
+            for (UINT x = 0; x < kWidth; ++x) {
+                DWORD pixel = 0;
+                std::memcpy(&pixel, row + x * sizeof pixel, sizeof pixel);
+                wrong += ((pixel ^ color) & kColorBits) != 0;
+            }
+        }
+        memory->UnlockRect();
+        if (wrong != 0) {
+            throw Failure{std::to_string(wrong) + " pixels are not as they were drawn"};
+        }
+        ++m_counts.picturesEqual;
+    }
+
+    IDirect3DDevice9* m_device;
+    D3DPRESENT_PARAMETERS m_presentParameters;
+    velm::D3D9Surface m_target;
+    velm::D3D9Surface m_depth;
+    DeviceCounts m_counts;
+};
+
+D3DPRESENT_PARAMETERS PresentParameters(HWND window) {
+    D3DPRESENT_PARAMETERS parameters{};
+    parameters.BackBufferWidth = kWidth;
+    parameters.BackBufferHeight = kHeight;
+    parameters.BackBufferFormat = kPixels;
+    parameters.BackBufferCount = 1;
+    parameters.SwapEffect = D3DSWAPEFFECT_DISCARD;
+    parameters.hDeviceWindow = window;
+    parameters.Windowed = TRUE;
+    parameters.PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE;
+    return parameters;
+}
+
+InterfacePtr<IDirect3DDevice9> CreateDevice(IDirect3D9* d3d, D3DPRESENT_PARAMETERS parameters) {
+    IDirect3DDevice9* device = nullptr;
+    Check(d3d->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, parameters.hDeviceWindow,
+                            D3DCREATE_SOFTWARE_VERTEXPROCESSING, &parameters, &device),
+          "CreateDevice", kNotDone);
+    return InterfacePtr<IDirect3DDevice9>(device);
+}
+
+/// A colour for each round, none like the one before.
+D3DCOLOR ColorOf(unsigned int round) {
+    return D3DCOLOR_XRGB(round * 37 % 256, 255 - round * 11 % 256, 64 + round * 5 % 128);
+}
+
+DeviceCounts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters, unsigned int rounds,
+                       bool showProgress) {
+    Cycle cycle(device, parameters);
+    cycle.DrawAndCompare(ColorOf(0));
+    for (unsigned int round = 1; round <= rounds; ++round) {
+        try {
+            cycle.LoseAndRecover();
+            cycle.DrawAndCompare(ColorOf(round));
+        } catch (const Failure& failure) {
+            throw Failure{"round " + std::to_string(round) + ": " + failure.message};
+        }
+        velm::platform::PumpMessages();
+        if (showProgress) {
+            std::cout << "\rround " << round << std::flush;
+        }
+    }
+    if (showProgress) {
+        std::cout << "\r\x1b[K" << std::flush;
+    }
+    return cycle.Seen();
+}
+
+/// A surface bound before there is a manager is not registered: the device must refuse the reset after a
+/// loss until the surface is bound again.
+/// @return the code of the refused reset
+HRESULT ResetWithUnregisteredSurface(IDirect3DDevice9* device, D3DPRESENT_PARAMETERS parameters) {
+    IDirect3DSurface9* const target = CreateTarget(device);
+    velm::D3D9Surface surface;
+    surface.Bind(target);
+    const Manager manager;
+    velm::D3D9ResourceManager::OnLost();
+    D3DPRESENT_PARAMETERS refused = parameters;
+    const HRESULT result = device->Reset(&refused);
+    if (SUCCEEDED(result)) {
+        throw Failure{"Reset succeeded although an unregistered surface lives"};
+    }
+    target->AddRef();
+    surface.Bind(target);
+    velm::D3D9ResourceManager::OnLost();
+    Check(device->Reset(&parameters), "Reset, once the surface is bound again,");
+    return result;
+}
+
+}  // namespace
+
+DeviceOutcome RunDeviceRounds(unsigned int rounds, bool showProgress) {
+    const auto d3d = velm::platform::CreateDirect3D9();
+    if (d3d == nullptr) {
+        throw Failure{"this system has no Direct3D 9", kNotDone};
+    }
+    const auto window = velm::platform::CreateDrawingWindow("velmdiag device", kWidth, kHeight, true);
+    if (window == nullptr) {
+        throw Failure{"a window cannot be opened", kNotDone};
+    }
+    const D3DPRESENT_PARAMETERS parameters = PresentParameters(window.get());
+    const auto device = CreateDevice(d3d.get(), parameters);
+    DeviceOutcome outcome;
+    outcome.referencesBefore = References(device.get());
+    const velm::Tick start = velm::Tick::Get();
+    outcome.unregistered = Hex(ResetWithUnregisteredSurface(device.get(), parameters));
+    {
+        const Manager manager;
+        outcome.counts = RunRounds(device.get(), parameters, rounds, showProgress);
+    }
+    outcome.milliseconds = static_cast<double>(velm::Tick::Get().GetCount() - start.GetCount()) * 1000.0 /
+                           static_cast<double>(velm::Tick::GetFrequency());
+    outcome.referencesAfter = References(device.get());
+    return outcome;
+}
+
+void AddDeviceOutcome(Report& report, unsigned int rounds, const DeviceOutcome& outcome) {
+    report.Add("rounds", static_cast<long long>(rounds));
+    report.Add("resets_refused_before_the_loss", outcome.counts.resetsRefused);
+    report.Add("resets_done_after_it", outcome.counts.resetsDone);
+    report.Add("pictures_equal", outcome.counts.picturesEqual);
+    report.Add("reset_with_unregistered_surface", "refused, " + outcome.unregistered);
+    report.Add("elapsed", outcome.milliseconds, "ms", 0);
+    report.Add("device_references_before", static_cast<long long>(outcome.referencesBefore));
+    report.Add("device_references_after", static_cast<long long>(outcome.referencesAfter));
+}
+
+void CheckDeviceReferences(const DeviceOutcome& outcome) {
+    if (outcome.referencesAfter != outcome.referencesBefore) {
+        throw Failure{"the device's references are not back where they began"};
+    }
+}
+
+}  // namespace velmdiag

@@ -1,0 +1,84 @@
+/// @file
+/// What `velmdiag report` found out, before it becomes text, JSON or HTML.
+#pragma once
+
+#include <picojson.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Report.h"
+
+namespace velmdiag::report {
+
+struct Bar {
+    std::string label;
+    double value = 0;
+    std::string text;  ///< the value with its unit
+};
+
+/// A few numbers that a plot shows better than a sentence.
+struct Plot {
+    std::string key;
+    std::string title;
+    std::string caption;
+    std::vector<Bar> bars;
+    double limit = 0;       ///< what no bar should exceed; 0 for a distribution, drawn as columns
+    std::string limitText;  ///< names the limit
+};
+
+enum class Outcome { passed, failed, notRun };
+
+/// How a family did when it was put to work.
+struct SelfTest {
+    std::string key;
+    std::string title;
+    Outcome outcome = Outcome::notRun;
+    std::string finding;  ///< one sentence: what was seen, or why it failed or did not run
+    double seconds = 0;
+    Report figures;
+    std::vector<Plot> plots;
+};
+
+/// Facts of one kind; an empty section says why it is empty.
+struct Section {
+    std::string key;
+    std::string title;
+    std::vector<Report> items;
+    std::string ifEmpty;
+    bool isList = true;  ///< else it is a single item
+};
+
+struct Document {
+    std::string created;  ///< in UTC
+    std::string version;
+    bool redacted = true;
+    bool adaptersAccepted = true;
+    std::vector<Section> sections;
+    std::vector<SelfTest> tests;
+};
+
+/// The exit status that a document stands for: 0 when all passed, 1 when something failed or an adapter is
+/// refused, 2 when nothing failed and something could not run.
+int ExitStatusOf(const Document& document);
+
+/// The same in words, such as "All 7 self-tests passed".
+std::string VerdictOf(const Document& document);
+
+const char* NameOf(Outcome outcome);
+
+/// Replaces every text that comes from outside the program.
+void Transform(Document& document, const std::function<std::string(const std::string&)>& replace);
+
+std::string TextOf(const Document& document, bool colors);
+std::string JsonOf(const Document& document);
+std::string HtmlOf(const Document& document);
+
+/// A whole number in groups of three digits, such as 12,345.
+std::string Grouped(unsigned long long number);
+
+/// A number with so many decimals.
+std::string Fixed(double number, int decimals);
+
+}  // namespace velmdiag::report
