@@ -134,7 +134,7 @@ std::string VerdictOf(const Document& document) {
 }
 
 const char* NameOf(Outcome outcome) {
-    return outcome == Outcome::passed ? "passed" : outcome == Outcome::failed ? "FAILED" : "not run";
+    return outcome == Outcome::passed ? "passed" : outcome == Outcome::failed ? "failed" : "not run";
 }
 
 void Transform(Document& document, const std::function<std::string(const std::string&)>& replace) {
@@ -189,6 +189,17 @@ std::string Grouped(unsigned long long number) {
         text.insert(at - 3, ",");
     }
     return text;
+}
+
+void AddCount(Report& report, const std::string& key, unsigned long long number) {
+    report.Add(key, picojson::value(static_cast<double>(number)), Grouped(number));
+}
+
+void AddTime(Report& report, const std::string& key, double microseconds) {
+    const std::string text = microseconds < 10     ? Fixed(microseconds, 1) + " \u00b5s"
+                             : microseconds < 1000 ? Fixed(microseconds, 0) + " \u00b5s"
+                                                   : Fixed(microseconds / 1000, 2) + " ms";
+    report.Add(key, picojson::value(microseconds), text);
 }
 
 std::string Fixed(double number, int decimals) {

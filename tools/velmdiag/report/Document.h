@@ -16,6 +16,7 @@ struct Bar {
     std::string label;
     double value = 0;
     std::string text;  ///< the value with its unit
+    std::string edge;  ///< of a distribution: where the column ends on the axis
 };
 
 /// A few numbers that a plot shows better than a sentence.
@@ -80,5 +81,11 @@ std::string Grouped(unsigned long long number);
 
 /// A number with so many decimals.
 std::string Fixed(double number, int decimals);
+
+/// Adds a large number, which people read in groups of three digits.
+void AddCount(Report& report, const std::string& key, unsigned long long number);
+
+/// Adds a time, which people read in microseconds or milliseconds; JSON has microseconds.
+void AddTime(Report& report, const std::string& key, double microseconds);
 
 }  // namespace velmdiag::report

@@ -87,9 +87,7 @@ Section Clock() {
     report.Add("smallest_step_seen", static_cast<double>(smallest) / frequency * 1e9, "ns", 0);
     report.Add("time_per_reading", static_cast<double>(before - start) / frequency * 1e9 / kReadings, "ns",
                0);
-    const unsigned long long milliseconds = velm::GetLocalMachineTime();
-    report.Add("milliseconds_since_start", picojson::value(static_cast<double>(milliseconds)),
-               Grouped(milliseconds));
+    AddCount(report, "milliseconds_since_start", velm::GetLocalMachineTime());
     return {"clock", "Clock", {report}, "", false};
 }
 
@@ -114,7 +112,11 @@ Section Displays() {
         report.Add("description", display.description);
         report.Add("width", static_cast<long long>(display.width));
         report.Add("height", static_cast<long long>(display.height));
-        report.Add("refresh_rate", static_cast<long long>(display.refresh));
+        if (display.refresh > 1) {
+            report.Add("refresh_rate", static_cast<double>(display.refresh), "Hz", 0);
+        } else {
+            report.AddUnknown("refresh_rate");
+        }
         report.Add("primary", display.primary);
         section.items.push_back(report);
     }

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstring>
+#include <span>
 #include <sstream>
 
 #include "Document.h"
@@ -15,13 +17,13 @@ constexpr const char* kHead = R"html(<!DOCTYPE html>
 <meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
 <title>VelmUtil diagnostic report</title>
 <style>
-:root { color-scheme: light dark; --page: #fff; --ink: #1c2430; --soft: #5c6878; --line: #dde3ea; --card: #f5f7fa;
+html { color-scheme: light dark; --page: #fff; --ink: #1c2430; --soft: #5c6878; --line: #dde3ea; --card: #f5f7fa;
   --accent: #2f6fb7; --good: #157347; --bad: #b3261e; --idle: #8a5a00; --good-back: #e6f4ec; --bad-back: #fbe9e7;
   --idle-back: #fbf1de; }
-@media (prefers-color-scheme: dark) { :root { --page: #14181f; --ink: #e4e9f0; --soft: #9aa7b8; --line: #2c3542;
+@media (prefers-color-scheme: dark) { html { --page: #14181f; --ink: #e4e9f0; --soft: #9aa7b8; --line: #2c3542;
   --card: #1c222c; --accent: #6ea8e6; --good: #6cc795; --bad: #ff9188; --idle: #e8b65a; --good-back: #17301f;
   --bad-back: #3a1d1b; --idle-back: #33280f; } }
-@media print { :root { color-scheme: light; --page: #fff; --ink: #000; --soft: #444; --line: #bbb; --card: #fff;
+@media print { html { color-scheme: light; --page: #fff; --ink: #000; --soft: #444; --line: #bbb; --card: #fff;
   --accent: #2f6fb7; --good: #157347; --bad: #b3261e; --idle: #8a5a00; --good-back: #fff; --bad-back: #fff;
   --idle-back: #fff; }
   * { print-color-adjust: exact; -webkit-print-color-adjust: exact; }
@@ -36,12 +38,12 @@ h2 { margin: 36px 0 10px; font-size: 18px; }
 h3 { margin: 0 0 6px; font-size: 15px; }
 .passed { color: var(--good); } .failed { color: var(--bad); } .notrun { color: var(--idle); }
 h1.passed { background: var(--good-back); } h1.failed { background: var(--bad-back); } h1.notrun { background: var(--idle-back); }
-.glance { display: grid; grid-template-columns: repeat(auto-fit, minmax(225px, 1fr)); gap: 12px 28px; margin: 0; }
+.glance { display: grid; grid-template-columns: 2fr 1.5fr 1.5fr 1fr; gap: 12px 28px; margin: 0; }
 .glance dt { color: var(--soft); font-size: 13px; } .glance dd { margin: 0; font-weight: 600; overflow-wrap: anywhere; }
 table { width: 100%; border-collapse: collapse; }
 th, td { padding: 7px 12px 7px 0; text-align: left; vertical-align: top; border-bottom: 1px solid var(--line); overflow-wrap: anywhere; }
 th { color: var(--soft); font-weight: 500; font-size: 13px; }
-td.state { width: 88px; font-weight: 600; white-space: nowrap; } td.name { width: 170px; font-weight: 600; }
+td.state, td.name { font-weight: 600; white-space: nowrap; } td.name { padding-right: 24px; }
 td.number, th.number { text-align: right; padding-right: 0; white-space: nowrap; font-variant-numeric: tabular-nums; }
 .plots { display: grid; grid-template-columns: repeat(auto-fit, minmax(440px, 1fr)); gap: 28px; }
 figure { margin: 0; padding: 16px 20px; background: var(--card); border: 1px solid var(--line); border-radius: 8px; }
@@ -50,11 +52,13 @@ svg { display: block; width: 100%; height: auto; } svg text { font-size: 12px; f
 svg .label { fill: var(--soft); } svg .bar { fill: var(--accent); } svg .over { fill: var(--bad); }
 svg .track { fill: var(--line); } svg .axis { stroke: var(--soft); stroke-width: 1; }
 .cards { columns: 2; column-gap: 28px; } .card { break-inside: avoid; margin: 0 0 22px; }
-.card th { width: 52%; font-size: 14px; padding: 4px 12px 4px 0; } .card td { padding: 4px 0; font-variant-numeric: tabular-nums; }
+.halves { display: grid; grid-template-columns: 1fr 1fr; gap: 0 28px; align-items: start; } .halves + .halves { margin-top: 22px; }
+th[scope=row] { width: 46%; font-size: 14px; padding: 4px 12px 4px 0; } th[scope=row] + td { padding: 4px 0; font-variant-numeric: tabular-nums; }
+.whole th[scope=row] { width: 22%; }
 pre { margin: 0; padding: 12px 16px; background: var(--card); border: 1px solid var(--line); border-radius: 8px;
   font: 13px/1.5 ui-monospace, Consolas, "DejaVu Sans Mono", monospace; white-space: pre-wrap; overflow-wrap: anywhere; }
 footer { margin-top: 36px; padding-top: 12px; border-top: 1px solid var(--line); color: var(--soft); font-size: 13px; }
-@media (max-width: 760px) { .cards { columns: 1; } .plots { grid-template-columns: 1fr; } main { padding: 20px 16px; } }
+@media (max-width: 760px) { .cards { columns: 1; } .halves, .plots, .glance { grid-template-columns: 1fr; } main { padding: 20px 16px; } }
 </style>
 </head>
 <body>
@@ -71,6 +75,16 @@ const char* MarkOf(Outcome outcome) {
 
 /// A key as people read it: "Frames lost".
 std::string LabelOf(std::string key) {
+    constexpr struct {
+        const char* key;
+        const char* label;
+    } kAcronyms[] = {
+        {"utf_16", "UTF-16"}, {"utf_8", "UTF-8"}, {"ini_", "INI "}, {"json_", "JSON "}, {"oem_", "OEM "}};
+    for (const auto& acronym : kAcronyms) {
+        if (const std::size_t at = key.find(acronym.key); at != std::string::npos) {
+            key.replace(at, std::strlen(acronym.key), acronym.label);
+        }
+    }
     std::ranges::replace(key, '_', ' ');
     if (!key.empty() && key.front() >= 'a' && key.front() <= 'z') {
         key.front() = static_cast<char>(key.front() - 'a' + 'A');
@@ -87,10 +101,10 @@ public:
         Head();
         Overview();
         Plots();
-        Figures();
         for (const Section& section : m_document.sections) {
             Facts(section);
         }
+        Figures();
         m_out << "<footer>"
               << (m_document.redacted
                       ? "The name of the user and the home folder are replaced by &lt;user&gt; and "
@@ -160,20 +174,37 @@ private:
         for (const SelfTest& test : m_document.tests) {
             if (!test.figures.Entries().empty()) {
                 m_out << "<div class=\"card\">\n<h3>" << Escaped(test.title) << "</h3>\n";
-                Pairs(test.figures);
+                Pairs(test.figures.Entries());
                 m_out << "</div>\n";
             }
         }
         m_out << "</div>\n</section>\n";
     }
 
-    void Pairs(const Report& report) {
+    void Pairs(std::span<const Report::Entry> entries) {
         m_out << "<table>\n";
-        for (const Report::Entry& entry : report.Entries()) {
+        for (const Report::Entry& entry : entries) {
             m_out << "<tr><th scope=\"row\">" << LabelOf(entry.key) << "</th><td>" << Escaped(entry.text)
                   << "</td></tr>\n";
         }
         m_out << "</table>\n";
+    }
+
+    /// Pairs in two columns, read downwards; in one when a text is long.
+    void Columns(std::span<const Report::Entry> entries) {
+        constexpr std::size_t kLongest = 40;
+        if (std::ranges::any_of(entries,
+                                [](const Report::Entry& entry) { return entry.text.size() > kLongest; })) {
+            m_out << "<div class=\"whole\">\n";
+            Pairs(entries);
+            m_out << "</div>\n";
+            return;
+        }
+        const std::size_t half = (entries.size() + 1) / 2;
+        m_out << "<div class=\"halves\">\n";
+        Pairs(entries.first(half));
+        Pairs(entries.subspan(half));
+        m_out << "</div>\n";
     }
 
     void Facts(const Section& section) {
@@ -186,13 +217,9 @@ private:
         } else if (section.isList && section.items.front().Entries().size() <= kMostColumns) {
             Rows(section.items);
         } else {
-            m_out << "<div class=\"cards\">\n";
             for (const Report& item : section.items) {
-                m_out << "<div class=\"" << (section.isList ? "card" : "fact") << "\">\n";
-                Pairs(item);
-                m_out << "</div>\n";
+                Columns(item.Entries());
             }
-            m_out << "</div>\n";
         }
         m_out << "</section>\n";
     }

@@ -24,6 +24,14 @@ constexpr struct Family {
     {"processes", "Threads, watchdog", TestProcesses},
 };
 
+/// A message as a sentence.
+std::string Sentence(std::string text) {
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') {
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    }
+    return text.ends_with('.') ? text : text + '.';
+}
+
 SelfTest Run(const Family& family) {
     SelfTest test;
     test.key = family.key;
@@ -39,6 +47,7 @@ SelfTest Run(const Family& family) {
         test.finding = exception.what();
         test.outcome = Outcome::failed;
     }
+    test.finding = Sentence(test.finding);
     test.seconds = SecondsSince(start);
     return test;
 }
@@ -58,7 +67,7 @@ std::vector<SelfTest> RunSelfTests(const std::function<void(const std::string&, 
 }
 
 std::string TestDevice(SelfTest& test) {
-    constexpr unsigned int kRounds = 5;
+    constexpr unsigned int kRounds = 3;
     const DeviceOutcome outcome = RunDeviceRounds(kRounds, false);
     AddDeviceOutcome(test.figures, kRounds, outcome);
     CheckDeviceReferences(outcome);

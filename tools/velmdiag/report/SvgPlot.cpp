@@ -7,7 +7,7 @@
 namespace velmdiag::report {
 namespace {
 
-constexpr double kWidth = 520;
+constexpr double kWidth = 474;  // of the figure on a wide page, so that text has the size of other text
 
 std::string TextAt(double x, double y, const char* anchor, const char* style, const std::string& text) {
     return "<text x=\"" + Fixed(x, 1) + "\" y=\"" + Fixed(y, 1) + "\" text-anchor=\"" + anchor +
@@ -43,7 +43,8 @@ std::string Columns(const Plot& plot) {
             drawn += Rectangle(middle - step / 2 + 3, kBase - height, step - 6, height, "bar");
             drawn += TextAt(middle, kBase - height - 6, "middle", "value", bar.text);
         }
-        drawn += TextAt(middle, kBase + 16, "middle", "label", bar.label);
+        drawn += TextAt(middle + step / 2, kBase + 18, "middle", "label", bar.edge);
+        drawn += Line(middle + step / 2, kBase, middle + step / 2, kBase + 4);
     }
     return drawn + Line(0, kBase, kWidth, kBase);
 }
@@ -51,7 +52,7 @@ std::string Columns(const Plot& plot) {
 /// A row for each value, in a frame as long as the limit.
 std::string Rows(const Plot& plot) {
     constexpr double kLeft = 92;
-    constexpr double kRight = 396;
+    constexpr double kRight = 346;
     constexpr double kRow = 30;
     const double full = std::max(plot.limit, LargestOf(plot));
     const double limit = kLeft + (kRight - kLeft) * plot.limit / full;
@@ -63,7 +64,7 @@ std::string Rows(const Plot& plot) {
         drawn += TextAt(kLeft - 10, top + 14, "end", "label", bar.label);
         drawn += Rectangle(kLeft, top, limit - kLeft, 20, "track");
         drawn += Rectangle(kLeft, top, length, 20, bar.value <= plot.limit ? "bar" : "over");
-        drawn += TextAt(kRight + 12, top + 14, "start", "value", bar.text);
+        drawn += TextAt(kRight + 10, top + 14, "start", "value", bar.text);
     }
     return drawn + Line(limit, 20, limit, 20 + kRow * static_cast<double>(plot.bars.size()));
 }
@@ -94,7 +95,7 @@ std::string Escaped(const std::string& text) {
 }
 
 std::string SvgOf(const Plot& plot) {
-    return "<svg viewBox=\"0 0 520 200\" role=\"img\" aria-label=\"" + Escaped(plot.title) + "\">\n" +
+    return "<svg viewBox=\"0 0 474 200\" role=\"img\" aria-label=\"" + Escaped(plot.title) + "\">\n" +
            (plot.limit > 0 ? Rows(plot) : Columns(plot)) + "</svg>\n";
 }
 

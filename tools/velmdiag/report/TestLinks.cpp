@@ -59,7 +59,7 @@ std::string TestLinks(SelfTest& test) {
     }
     test.figures.Add("good_links_accepted", static_cast<long long>(good));
     test.figures.Add("forged_links_refused", static_cast<long long>(forged));
-    test.figures.Add("longest_call", longest, "ms", 1);
+    AddTime(test.figures, "longest_call", longest * 1000);
     velm::UrlParser url;
     Require(!url.Parse("https://play.velm.example/a?lang=de#top").IsFailed() &&
                 url.Authority() == std::string("play.velm.example") && url.Param("lang") == std::string("de"),

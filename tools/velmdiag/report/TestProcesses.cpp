@@ -102,11 +102,11 @@ double CheckWatchdog() {
 
 std::string TestProcesses(SelfTest& test) {
     const double wakeUp = Exchange().MedianTime();
-    test.figures.Add("wake_ups", static_cast<long long>(Exchange::kRounds) * 2);
-    test.figures.Add("round_trip_between_threads", wakeUp, "\u00b5s", 1);
+    AddCount(test.figures, "wake_ups", 2ULL * Exchange::kRounds);
+    AddTime(test.figures, "round_trip_between_threads", wakeUp);
     const double watchdog = CheckWatchdog();
-    test.figures.Add("watchdog_period", 50.0, "ms", 0);
-    test.figures.Add("stalled_loop_ended_after", watchdog, "ms", 0);
+    AddTime(test.figures, "watchdog_period", 50'000);
+    AddTime(test.figures, "stalled_loop_ended_after", watchdog * 1000);
     return "Two threads woke each other " + Grouped(Exchange::kRounds) + " times, in " + Fixed(wakeUp, 0) +
            " \u00b5s a round; the watchdog ended a stalled loop.";
 }

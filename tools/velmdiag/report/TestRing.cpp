@@ -130,25 +130,30 @@ double Percentile(const std::vector<double>& sorted, double share) {
     return sorted[static_cast<std::size_t>(share * static_cast<double>(sorted.size() - 1))];
 }
 
+/// Columns of widths that grow with the delay, in steps of 1, 2, 5.
 Plot DistributionOf(const std::vector<double>& delays) {
     constexpr struct Bin {
-        double below;
-        const char* label;
-    } kBins[] = {{10, "<10 \u00b5s"}, {20, "20"},    {50, "50"}, {100, "100"}, {200, "200"},
-                 {500, "500"},        {1e3, "1 ms"}, {2e3, "2"}, {5e3, "5"},   {1e9, "more"}};
+        double end;
+        const char* edge;
+    } kBins[] = {{10, "10 \u00b5s"}, {20, "20"},    {50, "50"}, {100, "100"}, {200, "200"},
+                 {500, "500"},       {1e3, "1 ms"}, {2e3, "2"}, {5e3, "5"},   {1e9, ""}};
     Plot plot{"delay_distribution",
               "Delay of a frame through the ring",
-              "Share of frames that took less than the time below the column and no less than the one before",
+              "Share of frames with a delay between the two times, one frame every 2 ms, consumer waiting",
               {},
               0,
               ""};
-    double above = 0;
+    double begin = 0;
     for (const Bin& bin : kBins) {
         const auto count =
-            std::ranges::count_if(delays, [&](double delay) { return delay >= above && delay < bin.below; });
+            std::ranges::count_if(delays, [&](double delay) { return delay >= begin && delay < bin.end; });
         const double share = 100.0 * static_cast<double>(count) / static_cast<double>(delays.size());
-        plot.bars.push_back({bin.label, share, Fixed(share, share < 10 && count != 0 ? 1 : 0) + " %"});
-        above = bin.below;
+        const std::string label = *bin.edge == '\0'
+                                      ? "from 5,000 \u00b5s"
+                                      : Grouped(static_cast<unsigned long long>(begin)) + " to " +
+                                            Grouped(static_cast<unsigned long long>(bin.end)) + " \u00b5s";
+        plot.bars.push_back({label, share, Fixed(share, share < 10 && count != 0 ? 1 : 0) + " %", bin.edge});
+        begin = bin.end;
     }
     return plot;
 }
@@ -157,10 +162,12 @@ void AddDelays(SelfTest& test, const std::vector<double>& sorted) {
     constexpr struct {
         const char* key;
         double share;
-    } kShown[] = {
-        {"delay_median", 0.5}, {"delay_95_percent", 0.95}, {"delay_99_percent", 0.99}, {"delay_longest", 1}};
+    } kShown[] = {{"median_delay", 0.5},
+                  {"95_percent_within", 0.95},
+                  {"99_percent_within", 0.99},
+                  {"longest_delay", 1}};
     for (const auto& shown : kShown) {
-        test.figures.Add(shown.key, Percentile(sorted, shown.share), "\u00b5s", 0);
+        AddTime(test.figures, shown.key, Percentile(sorted, shown.share));
     }
 }
 
@@ -177,12 +184,11 @@ std::string TestRing(SelfTest& test) {
     const unsigned int sent = fast.Sent() + paced.Sent();
     const unsigned int lost = fast.Lost() + paced.Lost();
     const unsigned int damaged = fast.Damaged() + paced.Damaged();
-    test.figures.Add("frames", picojson::value(static_cast<double>(sent)), Grouped(sent));
+    AddCount(test.figures, "frames", sent);
     test.figures.Add("frames_lost", static_cast<long long>(lost));
     test.figures.Add("frames_damaged_or_out_of_order", static_cast<long long>(damaged));
-    const double rate = fast.Sent() / fast.Seconds();
-    test.figures.Add("frames_per_second", picojson::value(rate),
-                     Grouped(static_cast<unsigned long long>(rate)));
+    AddCount(test.figures, "frames_per_second",
+             static_cast<unsigned long long>(fast.Sent() / fast.Seconds()));
     std::vector<double>& delays = paced.Delays();
     std::ranges::sort(delays);
     if (!delays.empty()) {
