@@ -196,9 +196,11 @@ void AddCount(Report& report, const std::string& key, unsigned long long number)
 }
 
 void AddTime(Report& report, const std::string& key, double microseconds) {
-    const std::string text = microseconds < 10     ? Fixed(microseconds, 1) + " \u00b5s"
+    const std::string text = microseconds < 1      ? Fixed(microseconds * 1000, 0) + " ns"
+                             : microseconds < 10   ? Fixed(microseconds, 1) + " \u00b5s"
                              : microseconds < 1000 ? Fixed(microseconds, 0) + " \u00b5s"
-                                                   : Fixed(microseconds / 1000, 2) + " ms";
+                             : microseconds < 1e5  ? Fixed(microseconds / 1000, 1) + " ms"
+                                                   : Fixed(microseconds / 1000, 0) + " ms";
     report.Add(key, picojson::value(microseconds), text);
 }
 

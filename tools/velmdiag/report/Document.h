@@ -85,7 +85,7 @@ std::string Fixed(double number, int decimals);
 /// Adds a large number, which people read in groups of three digits.
 void AddCount(Report& report, const std::string& key, unsigned long long number);
 
-/// Adds a time, which people read in microseconds or milliseconds; JSON has microseconds.
+/// Adds a time, which people read in a unit that suits it; JSON has microseconds.
 void AddTime(Report& report, const std::string& key, double microseconds);
 
 }  // namespace velmdiag::report

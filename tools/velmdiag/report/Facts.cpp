@@ -83,10 +83,9 @@ Section Clock() {
     report.Add("source", velm::platform::ClockSource());
     report.Add("frequency", picojson::value(frequency),
                Grouped(static_cast<unsigned long long>(frequency)) + " Hz");
-    report.Add("resolution", 1e9 / frequency, "ns", 0);
-    report.Add("smallest_step_seen", static_cast<double>(smallest) / frequency * 1e9, "ns", 0);
-    report.Add("time_per_reading", static_cast<double>(before - start) / frequency * 1e9 / kReadings, "ns",
-               0);
+    AddTime(report, "resolution", 1e6 / frequency);
+    AddTime(report, "smallest_step_seen", static_cast<double>(smallest) / frequency * 1e6);
+    AddTime(report, "time_per_reading", static_cast<double>(before - start) / frequency * 1e6 / kReadings);
     AddCount(report, "milliseconds_since_start", velm::GetLocalMachineTime());
     return {"clock", "Clock", {report}, "", false};
 }

@@ -43,7 +43,7 @@ h1.passed { background: var(--good-back); } h1.failed { background: var(--bad-ba
 table { width: 100%; border-collapse: collapse; }
 th, td { padding: 7px 12px 7px 0; text-align: left; vertical-align: top; border-bottom: 1px solid var(--line); overflow-wrap: anywhere; }
 th { color: var(--soft); font-weight: 500; font-size: 13px; }
-td.state, td.name { font-weight: 600; white-space: nowrap; } td.name { padding-right: 24px; }
+td.state, td.name { font-weight: 600; white-space: nowrap; } td.state, td.name { padding-right: 22px; }
 td.number, th.number { text-align: right; padding-right: 0; white-space: nowrap; font-variant-numeric: tabular-nums; }
 .plots { display: grid; grid-template-columns: repeat(auto-fit, minmax(440px, 1fr)); gap: 28px; }
 figure { margin: 0; padding: 16px 20px; background: var(--card); border: 1px solid var(--line); border-radius: 8px; }
@@ -53,7 +53,7 @@ svg .label { fill: var(--soft); } svg .bar { fill: var(--accent); } svg .over { 
 svg .track { fill: var(--line); } svg .axis { stroke: var(--soft); stroke-width: 1; }
 .cards { columns: 2; column-gap: 28px; } .card { break-inside: avoid; margin: 0 0 22px; }
 .halves { display: grid; grid-template-columns: 1fr 1fr; gap: 0 28px; align-items: start; } .halves + .halves { margin-top: 22px; }
-th[scope=row] { width: 46%; font-size: 14px; padding: 4px 12px 4px 0; } th[scope=row] + td { padding: 4px 0; font-variant-numeric: tabular-nums; }
+th[scope=row] { width: 40%; font-size: 14px; padding: 4px 12px 4px 0; } th[scope=row] + td { padding: 4px 0; font-variant-numeric: tabular-nums; }
 .whole th[scope=row] { width: 22%; }
 pre { margin: 0; padding: 12px 16px; background: var(--card); border: 1px solid var(--line); border-radius: 8px;
   font: 13px/1.5 ui-monospace, Consolas, "DejaVu Sans Mono", monospace; white-space: pre-wrap; overflow-wrap: anywhere; }
@@ -79,13 +79,14 @@ std::string LabelOf(std::string key) {
         const char* key;
         const char* label;
     } kAcronyms[] = {
-        {"utf_16", "UTF-16"}, {"utf_8", "UTF-8"}, {"ini_", "INI "}, {"json_", "JSON "}, {"oem_", "OEM "}};
+        {"utf_16", "UTF 16"}, {"utf_8", "UTF 8"}, {"ini_", "INI "}, {"json_", "JSON "}, {"oem_", "OEM "}};
     for (const auto& acronym : kAcronyms) {
         if (const std::size_t at = key.find(acronym.key); at != std::string::npos) {
             key.replace(at, std::strlen(acronym.key), acronym.label);
         }
     }
     std::ranges::replace(key, '_', ' ');
+    std::ranges::replace(key, '-', ' ');
     if (!key.empty() && key.front() >= 'a' && key.front() <= 'z') {
         key.front() = static_cast<char>(key.front() - 'a' + 'A');
     }
@@ -131,13 +132,15 @@ private:
         m_out << "</dl>\n</header>\n";
     }
 
-    /// The first value of that key in a section.
+    /// The first value of that key in a section; with the verdict that follows the facts of an adapter.
     void Glance(const char* title, const std::string& sectionKey, const std::string& key) {
         std::string text = "none";
         for (const Section& section : m_document.sections) {
             if (section.key == sectionKey && !section.items.empty()) {
                 for (const Report::Entry& entry : section.items.front().Entries()) {
-                    text = entry.key == key ? entry.text : text;
+                    text = entry.key == key         ? entry.text
+                           : entry.key == "verdict" ? text + ", " + entry.text
+                                                    : text;
                 }
             }
         }

@@ -137,7 +137,8 @@ void AddReportCommand(CLI::App& app, int& exitStatus) {
                         "the file: .html, .json or .txt; standard output if not given");
     command->add_option("--rules", options->rules, "check the adapters by this rule file");
     command->add_flag("--full", options->full, "keep the user's name and home folder");
-    command->add_flag("--json", options->json, "print the report as one JSON object");
+    command->add_flag("--json", options->json,
+                      "print the report as one JSON object; times are in microseconds");
     command->callback([options, &exitStatus] { exitStatus = RunReport(*options); });
 }
 
