@@ -27,7 +27,7 @@ html { color-scheme: light dark; --page: #fff; --ink: #1c2430; --soft: #5c6878; 
   --accent: #2f6fb7; --good: #157347; --bad: #b3261e; --idle: #8a5a00; --good-back: #fff; --bad-back: #fff;
   --idle-back: #fff; }
   * { print-color-adjust: exact; -webkit-print-color-adjust: exact; }
-  section, figure, tr, .card { break-inside: avoid; } h2 { break-after: avoid; } }
+  figure, tr, .card { break-inside: avoid; } h2 { break-after: avoid; } }
 * { box-sizing: border-box; }
 body { margin: 0; background: var(--page); color: var(--ink);
   font: 15px/1.5 system-ui, -apple-system, "Segoe UI", Roboto, "Helvetica Neue", Arial, sans-serif; }
@@ -58,7 +58,9 @@ th[scope=row] { width: 40%; font-size: 14px; padding: 4px 12px 4px 0; } th[scope
 pre { margin: 0; padding: 12px 16px; background: var(--card); border: 1px solid var(--line); border-radius: 8px;
   font: 13px/1.5 ui-monospace, Consolas, "DejaVu Sans Mono", monospace; white-space: pre-wrap; overflow-wrap: anywhere; }
 footer { margin-top: 36px; padding-top: 12px; border-top: 1px solid var(--line); color: var(--soft); font-size: 13px; }
-@media (max-width: 760px) { .cards { columns: 1; } .halves, .plots, .glance { grid-template-columns: 1fr; } main { padding: 20px 16px; } }
+@media print { body { font-size: 12px; } main { padding: 0; } h1 { font-size: 21px; } h2 { margin-top: 24px; }
+  .plots { grid-template-columns: 1fr 1fr; } }
+@media screen and (max-width: 760px) { .cards { columns: 1; } .halves, .plots, .glance { grid-template-columns: 1fr; } main { padding: 20px 16px; } }
 </style>
 </head>
 <body>

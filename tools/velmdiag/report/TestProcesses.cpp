@@ -107,8 +107,8 @@ std::string TestProcesses(SelfTest& test) {
     const double watchdog = CheckWatchdog();
     AddTime(test.figures, "watchdog_period", 50'000);
     AddTime(test.figures, "stalled_loop_ended_after", watchdog * 1000);
-    return "Two threads woke each other " + Grouped(Exchange::kRounds) + " times, in " + Fixed(wakeUp, 0) +
-           " \u00b5s a round; the watchdog ended a stalled loop.";
+    return Grouped(Exchange::kRounds) + " round trips between two threads, " + Fixed(wakeUp, 0) +
+           " \u00b5s each; the watchdog ended a stalled loop.";
 }
 
 }  // namespace velmdiag::report
