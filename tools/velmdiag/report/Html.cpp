@@ -45,7 +45,7 @@ th, td { padding: 7px 12px 7px 0; text-align: left; vertical-align: top; border-
 th { color: var(--soft); font-weight: 500; font-size: 13px; }
 td.state, td.name { font-weight: 600; white-space: nowrap; } td.state, td.name { padding-right: 22px; }
 td.number, th.number { text-align: right; padding-right: 0; white-space: nowrap; font-variant-numeric: tabular-nums; }
-.plots { display: grid; grid-template-columns: repeat(auto-fit, minmax(440px, 1fr)); gap: 28px; }
+.plots { display: grid; grid-template-columns: repeat(auto-fill, minmax(440px, 1fr)); gap: 28px; }
 figure { margin: 0; padding: 16px 20px; background: var(--card); border: 1px solid var(--line); border-radius: 8px; }
 figcaption { color: var(--soft); font-size: 13px; } figure strong { display: block; margin-bottom: 8px; }
 svg { display: block; width: 100%; height: auto; } svg text { font-size: 12px; fill: var(--ink); }

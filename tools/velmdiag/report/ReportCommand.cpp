@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "AdapterReport.h"
 #include "Command.h"
@@ -60,20 +61,34 @@ std::string NowInUtc() {
     return text;
 }
 
+/// Shows on standard error, if that is a terminal, which self-test runs.
+class Progress {
+public:
+    ~Progress() { Show(""); }
+
+    void Show(const std::string& line) const {
+        if (m_shown) {
+            std::cerr << "\r\x1b[K" << line << std::flush;
+        }
+    }
+
+private:
+    bool m_shown = velm::platform::ErrorIsTerminal();
+};
+
+std::vector<report::SelfTest> RunSelfTestsWithProgress() {
+    const Progress progress;
+    return report::RunSelfTests([&](const std::string& title, std::size_t number) {
+        progress.Show(std::to_string(number) + "  " + title);
+    });
+}
+
 report::Document MakeDocument(const ReportOptions& options) {
-    const bool showProgress = velm::platform::ErrorIsTerminal();
     report::Document document;
     document.created = NowInUtc();
     document.version = VELM_VERSION;
     document.redacted = !options.full;
-    document.tests = report::RunSelfTests([&](const std::string& title, std::size_t number) {
-        if (showProgress) {
-            std::cerr << "\r\x1b[K" << number << "  " << title << std::flush;
-        }
-    });
-    if (showProgress) {
-        std::cerr << "\r\x1b[K" << std::flush;
-    }
+    document.tests = RunSelfTestsWithProgress();
     report::AddFacts(document, options.rules);
     if (document.redacted) {
         report::Transform(document, report::Redaction(report::UserOfThisProcess()));

@@ -2,6 +2,7 @@
 #include <corecrt_wstdlib.h>
 #include <picojson.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
