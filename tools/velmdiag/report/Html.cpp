@@ -38,7 +38,7 @@ h2 { margin: 36px 0 10px; font-size: 18px; }
 h3 { margin: 0 0 6px; font-size: 15px; }
 .passed { color: var(--good); } .failed { color: var(--bad); } .notrun { color: var(--idle); }
 h1.passed { background: var(--good-back); } h1.failed { background: var(--bad-back); } h1.notrun { background: var(--idle-back); }
-.glance { display: grid; grid-template-columns: 2fr 1.5fr 1.5fr 1fr; gap: 12px 28px; margin: 0; }
+.glance { display: grid; grid-template-columns: 2fr 2fr 1fr 1fr; gap: 12px 28px; margin: 0; }
 .glance dt { color: var(--soft); font-size: 13px; } .glance dd { margin: 0; font-weight: 600; overflow-wrap: anywhere; }
 table { width: 100%; border-collapse: collapse; }
 th, td { padding: 7px 12px 7px 0; text-align: left; vertical-align: top; border-bottom: 1px solid var(--line); overflow-wrap: anywhere; }
@@ -128,9 +128,9 @@ private:
               << "</p>\n<h1 class=\"" << ClassOf(outcome) << "\">" << MarkOf(outcome)
               << Escaped(VerdictOf(m_document)) << "</h1>\n<dl class=\"glance\">\n";
         Glance("System", "system", "system");
-        Glance("Processor", "system", "processor");
         Glance("Display adapter", "adapters", "description");
         Glance("Picture kernel", "system", "picture_kernel");
+        Glance("VelmUtil", "libraries", "version");
         m_out << "</dl>\n</header>\n";
     }
 
