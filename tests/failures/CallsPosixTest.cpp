@@ -55,6 +55,8 @@ const Failure kFailures[] = {
     {"ThreadCaller", "WaitForSingleObject", -1},
     {"ThreadCaller", kHarmless, 65535},
     {"SchedulingThread", "AvSetMmThreadCharacteristicsW AvSetMmThreadPriority", 0},
+    {"CallSetWindowText", "MultiByteToWideChar SetWindowTextW", 0},
+    {"GetMaxScreenSize", "EnumDisplayDevicesW CreateDCW GetDeviceCaps DeleteDC", 0},
     {"Watchdog", "SetTimer", VELM_ERROR_UTIL_UNKNOWN},
     {"MemoryInfo", "OpenProcess", 0xFFFFFFFF},
     {"MemoryInfo", "GetProcessMemoryInfo CloseHandle", 0},

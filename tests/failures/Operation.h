@@ -53,6 +53,7 @@ struct Operation {
     long long outcome = 0;              ///< when nothing fails, and allowed when something does
     std::vector<long long> noMemory{};  ///< the outcomes when an allocation fails
     bool keeps = false;                 ///< takes memory for good
+    int slowness = 1;                   ///< how many times as long as others it takes
 };
 
 const std::vector<Operation>& AllOperations();

@@ -11,6 +11,10 @@
 #include "velm/core/Semaphore.h"
 #include "velm/core/Thread.h"
 
+#ifndef _WIN32
+#include "velm/posix/Control.h"
+#endif
+
 namespace velm::test {
 namespace {
 
@@ -183,10 +187,11 @@ long long RegisterCode(const Attempt& attempt) {
 }
 
 long long LoadPlugin(const Attempt& attempt) {
+    std::string plugin;
+    W::GetFullPathForExecDirFile(plugin, "sample_plugin" VELM_MODULE_SUFFIX);
     LoadClassPointerFromDll loader;
     void* object = nullptr;
-    const char* const plugin = "../../bin/sample_plugin" VELM_MODULE_SUFFIX;
-    return attempt([&] { return loader.Initialize(plugin, &object); });
+    return attempt([&] { return loader.Initialize(plugin.c_str(), &object); });
 }
 
 long long StartAndJoin(const Attempt& attempt) {
@@ -227,6 +232,23 @@ long long StartWatchdog(const Attempt& attempt) {
     return code;
 }
 
+long long CallWindow(const Attempt& attempt) {
+    const UniqueWindow window = MakeWindow();
+    const long long done = attempt([&] { return W::CallSetWindowText(window.get(), kText.c_str()); });
+    MSG message;  // each new title leaves one, which takes memory until it is read
+    PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);
+    return done;
+}
+
+long long MeasureScreen(const Attempt& attempt) {
+#ifndef _WIN32
+    posix::SetDisplays({{L"DISPLAY", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 640, 480}});
+#endif
+    int width = 0;
+    int height = 0;
+    return attempt([&] { return W::GetMaxScreenSize(&width, &height, 0); });
+}
+
 ErrorCode ReportMemory() {
     MemoryInfo info;
     const ErrorCode result = info.Initialize("");
@@ -244,7 +266,7 @@ std::vector<Operation> MakeOperations() {
     return {
         {"AudioFrame", Does(CopyFrame), 0, {kNoMemory}},
         {"AudioStream", Does([] { return AudioStream(9, 2, 16).Initialize(); }), 0, {kNotReady}},
-        {"AudioFrameStream", MakeFrameRing, 0, {kNoMemory}},
+        {"AudioFrameStream", MakeFrameRing, 0, {kNoMemory}, false, 50},
         {"Yuv420ToArgb8888", Does(ConvertPicture)},
         {"D3d9AdapterCheckSet", CheckRules, 0, {kNoMemory}},
         {"D3d9AdapterRules", ReadRules, 0, {kNoMemory, kCoreNoMemory, kCoreUnknown}},
@@ -269,6 +291,8 @@ std::vector<Operation> MakeOperations() {
         {"ThreadCaller", StartCaller, 65535, {1, 2, 3}},
         {"SchedulingThread", RaiseThread, 1, {0}},
         {"Watchdog", StartWatchdog, 0, {kUnknown}},
+        {"CallSetWindowText", CallWindow, 1, {0}},
+        {"GetMaxScreenSize", MeasureScreen},
         {"MemoryInfo", Does(ReportMemory), 0, {0xFFFFFFFF}},
     };
 }
