@@ -1,6 +1,7 @@
 /// @file
 /// The Direct3D 9 interfaces, for the fake objects of tests: Linux has no Direct3D. IDirect3D9 is complete;
-/// the others declare, in Windows' order, only the methods that the libraries and their clients call.
+/// the others declare, in Windows' order, only the methods that the libraries and their clients call. Those
+/// that only clients call fail unless they are overridden.
 #pragma once
 
 #include "d3d9caps.h"
@@ -22,8 +23,8 @@ class IDirect3DDevice9;
 class IDirect3DSurface9 : public IUnknown {
 public:
     virtual HRESULT WINAPI GetDesc(D3DSURFACE_DESC* desc) = 0;
-    virtual HRESULT WINAPI LockRect(D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) = 0;
-    virtual HRESULT WINAPI UnlockRect() = 0;
+    virtual HRESULT WINAPI LockRect(D3DLOCKED_RECT*, const RECT*, DWORD) { return D3DERR_INVALIDCALL; }
+    virtual HRESULT WINAPI UnlockRect() { return D3DERR_INVALIDCALL; }
 };
 
 class IDirect3D9 : public IUnknown {
@@ -57,10 +58,12 @@ public:
 class IDirect3DDevice9 : public IUnknown {
 public:
     virtual HRESULT WINAPI Reset(D3DPRESENT_PARAMETERS* presentParameters) = 0;
-    virtual HRESULT WINAPI Present(const RECT* source, const RECT* target, HWND window,
-                                   const void* dirtyRegion) = 0;
-    virtual HRESULT WINAPI GetBackBuffer(UINT swapChain, UINT index, D3DBACKBUFFER_TYPE type,
-                                         IDirect3DSurface9** surface) = 0;
+    virtual HRESULT WINAPI Present(const RECT*, const RECT*, HWND, const void*) {
+        return D3DERR_INVALIDCALL;
+    }
+    virtual HRESULT WINAPI GetBackBuffer(UINT, UINT, D3DBACKBUFFER_TYPE, IDirect3DSurface9**) {
+        return D3DERR_INVALIDCALL;
+    }
     virtual HRESULT WINAPI CreateRenderTarget(UINT width, UINT height, D3DFORMAT format,
                                               D3DMULTISAMPLE_TYPE multiSample, DWORD quality, BOOL lockable,
                                               IDirect3DSurface9** surface, HANDLE* sharedHandle) = 0;
@@ -68,15 +71,20 @@ public:
                                                      D3DMULTISAMPLE_TYPE multiSample, DWORD quality,
                                                      BOOL discard, IDirect3DSurface9** surface,
                                                      HANDLE* sharedHandle) = 0;
-    virtual HRESULT WINAPI GetRenderTargetData(IDirect3DSurface9* source, IDirect3DSurface9* target) = 0;
-    virtual HRESULT WINAPI StretchRect(IDirect3DSurface9* source, const RECT* sourceRect,
-                                       IDirect3DSurface9* target, const RECT* targetRect,
-                                       D3DTEXTUREFILTERTYPE filter) = 0;
-    virtual HRESULT WINAPI CreateOffscreenPlainSurface(UINT width, UINT height, D3DFORMAT format,
-                                                       D3DPOOL pool, IDirect3DSurface9** surface,
-                                                       HANDLE* sharedHandle) = 0;
-    virtual HRESULT WINAPI SetRenderTarget(DWORD index, IDirect3DSurface9* surface) = 0;
-    virtual HRESULT WINAPI SetDepthStencilSurface(IDirect3DSurface9* surface) = 0;
-    virtual HRESULT WINAPI Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR color, float z,
-                                 DWORD stencil) = 0;
+    virtual HRESULT WINAPI GetRenderTargetData(IDirect3DSurface9*, IDirect3DSurface9*) {
+        return D3DERR_INVALIDCALL;
+    }
+    virtual HRESULT WINAPI StretchRect(IDirect3DSurface9*, const RECT*, IDirect3DSurface9*, const RECT*,
+                                       D3DTEXTUREFILTERTYPE) {
+        return D3DERR_INVALIDCALL;
+    }
+    virtual HRESULT WINAPI CreateOffscreenPlainSurface(UINT, UINT, D3DFORMAT, D3DPOOL, IDirect3DSurface9**,
+                                                       HANDLE*) {
+        return D3DERR_INVALIDCALL;
+    }
+    virtual HRESULT WINAPI SetRenderTarget(DWORD, IDirect3DSurface9*) { return D3DERR_INVALIDCALL; }
+    virtual HRESULT WINAPI SetDepthStencilSurface(IDirect3DSurface9*) { return D3DERR_INVALIDCALL; }
+    virtual HRESULT WINAPI Clear(DWORD, const D3DRECT*, DWORD, D3DCOLOR, float, DWORD) {
+        return D3DERR_INVALIDCALL;
+    }
 };
