@@ -22,24 +22,16 @@
 #include <csignal>
 #endif
 
-namespace velm {
-namespace {
-
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-using Frame = std::vector<short>;
 
-std::atomic<bool> g_wakesAreSlow{false};
-
-}  // namespace
-}  // namespace velm
+static std::atomic<bool> g_wakesAreSlow{false};
 
 #ifndef _WIN32
-// Linux lets a program replace what the libraries that it uses call.
+// On Linux a program can replace the functions that its libraries call.
 void WakeByAddressSingle(void* address) {
     reinterpret_cast<decltype(&WakeByAddressSingle)>(dlsym(RTLD_NEXT, __func__))(address);
-    if (velm::g_wakesAreSlow) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    if (g_wakesAreSlow) {
+        std::this_thread::sleep_for(20ms);
     }
 }
 #endif
@@ -47,19 +39,22 @@ void WakeByAddressSingle(void* address) {
 namespace velm {
 namespace {
 
-constexpr unsigned int kSamples = 4;  // of a frame, mono, 16 bits
+using Clock = std::chrono::steady_clock;
+using Frame = std::vector<short>;
+
+constexpr unsigned int kSamples = 4;  // per frame; mono, 16 bits
 constexpr unsigned int kFrames = 4;
 
 Frame FrameOf(int value) {
     return Frame(kSamples, static_cast<short>(value));
 }
 
-/// A ring and what puts a frame in and takes one out: with data and without, at the back and the front.
+/// A ring, and the operations that push and take one frame: with and without data, at the back and the front.
 struct Ring {
     Ring() { EXPECT_EQ(stream.Initialize(), 0U); }
 
     AudioFrameStream stream{kSamples, kFrames, 1, 16};
-    Frame frame = FrameOf(0);  // that is pushed or taken
+    Frame frame = FrameOf(0);  // pushed or taken
     const std::function<ErrorCode()> pushes[4] = {[this] { return stream.PushBackFrame(frame.data()); },
                                                   [this] { return stream.PushFrontFrame(frame.data()); },
                                                   [this] { return stream.PushBackClearFrame(); },
@@ -70,7 +65,7 @@ struct Ring {
                                                  [this] { return stream.DropFrontFrame(); }};
 };
 
-/// Runs an operation on a thread of its own, for as long as it blocks.
+/// An operation that blocks, on a thread of its own.
 class Blocked {
 public:
     template <typename Operation>
@@ -85,7 +80,7 @@ private:
     std::future<ErrorCode> m_result;
 };
 
-TEST(AudioFrameStream, DoesWhatAQueueOfFramesWouldDo) {
+TEST(AudioFrameStream, MatchesAQueueOfFrames) {
     std::mt19937 random = test::SeededRandom();
     Ring ring;
     std::deque<int> queue;
@@ -113,7 +108,7 @@ TEST(AudioFrameStream, DoesWhatAQueueOfFramesWouldDo) {
     EXPECT_EQ(ring.stream.GetFreeFrameSize(), 0U);
 }
 
-TEST(AudioFrameStream, EveryOperationWaitsUnlessItHasNoFrame) {
+TEST(AudioFrameStream, BlocksWhileFullOrEmpty) {
     for (int which = 0; which < 4; ++which) {
         SCOPED_TRACE(which);
         Ring ring;
@@ -131,7 +126,7 @@ TEST(AudioFrameStream, EveryOperationWaitsUnlessItHasNoFrame) {
     }
 }
 
-TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
+TEST(AudioFrameStream, NeverHangsWithoutAUsableShape) {
     const unsigned int shapes[][4] = {
         {0, 4, 2, 16},  {4, 4, 0, 16}, {0xFFFFFFFF, 4, 2, 16}, {65536, 65535, 1, 8}, {480, 0xFFFFFFFF, 2, 16},
         {480, 0, 2, 16}};
@@ -148,7 +143,7 @@ TEST(AudioFrameStream, ArgumentsWithoutMeaningNeverHang) {
     }
 }
 
-TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
+TEST(AudioFrameStream, UnlockForceReleasesOneAndTerminateAll) {
     for (const bool full : {false, true}) {
         SCOPED_TRACE(full ? "pushes" : "takes");
         Ring ring;
@@ -156,41 +151,41 @@ TEST(AudioFrameStream, ForceLetsOneThreadOfEachSideGoAndTheEndAll) {
         if (full) {
             ASSERT_EQ(ring.stream.PushAllClearFrame(), 0U);
         }
-        ring.stream.UnlockForce();  // lets the next through, as nobody waits, and only that
+        ring.stream.UnlockForce();  // nobody blocks: releases the next thread, and only that
         EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
         Blocked forced(wait);
         ring.stream.UnlockForce();
         EXPECT_EQ(forced.Result(), VELM_ERROR_UTIL_UNKNOWN);
         Blocked ended[] = {Blocked(wait), Blocked(wait)};
-        // Were they to go on to the ring, they would find room, or a frame, and the lock free.
+        // If they reached the ring, they would find room, or a frame, and the lock free.
         full ? ring.stream.DropAllSamples() : ring.stream.PushBackClearSamples(kSamples);
         g_wakesAreSlow = true;
         const auto begin = Clock::now();
         ring.stream.Terminate();
         g_wakesAreSlow = false;
-        EXPECT_GE(Clock::now() - begin, 49ms) << "no time for the threads to leave";
+        EXPECT_GE(Clock::now() - begin, 49ms) << "the threads had no time to leave";
         for (Blocked& thread : ended) {
             EXPECT_EQ(thread.Result(), VELM_ERROR_UTIL_UNKNOWN);
         }
         EXPECT_EQ(ring.stream.GetUsedFrameSize(), full ? 0U : 1U);
-        EXPECT_EQ(wait(), 0U) << "it no longer waits";
+        EXPECT_EQ(wait(), 0U) << "still blocks";
         EXPECT_EQ(wait(), full ? 0U : VELM_ERROR_UTIL_UNKNOWN);
     }
 }
 
-TEST(AudioFrameStream, ForceOnAHalfFullRingIsKeptForLater) {
+TEST(AudioFrameStream, KeepsUnlockForceUntilAThreadBlocks) {
     Ring ring;
     ASSERT_EQ(ring.stream.PushBackClearFrame(), 0U);
     ring.stream.UnlockForce();
     EXPECT_EQ(ring.stream.DropFrontFrame(), 0U);
     EXPECT_EQ(ring.stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
     Blocked renewed(ring.takes[0]);
-    ASSERT_EQ(ring.stream.Initialize(), 0U) << "once more, which nobody should do";
+    ASSERT_EQ(ring.stream.Initialize(), 0U) << "misuse: a second time";
     EXPECT_EQ(renewed.Result(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
 #ifndef _WIN32
-// A frame of one page that holds up the thread that touches it, until it is released.
+// A frame of one page; a thread that touches it is held until it is released.
 alignas(4096) short g_page[2048] = {};
 std::atomic<bool> g_held{false};
 std::atomic<bool> g_released{false};
@@ -202,9 +197,8 @@ void HoldUp(int) {
     mprotect(g_page, sizeof g_page, PROT_READ | PROT_WRITE);
 }
 
-// The end waits for a push that is at the ring, unless it takes so long that its thread must have been
-// killed.
-TEST(AudioFrameStream, TheEndLetsNobodyInBesideThePush) {
+// Terminate waits for a push in progress, unless it takes so long that its thread must have been killed.
+TEST(AudioFrameStream, TerminateLetsNobodyInDuringAPush) {
     const auto handler = std::signal(SIGSEGV, &HoldUp);
     for (const bool killed : {false, true}) {
         SCOPED_TRACE(killed);
@@ -220,27 +214,27 @@ TEST(AudioFrameStream, TheEndLetsNobodyInBesideThePush) {
         }
         Blocked takes[] = {Blocked(take), Blocked(take)};  // one waits for the ring, one for a frame
         Blocked end([&] { return stream.Terminate(), ErrorCode(0); });
-        EXPECT_TRUE(takes[0].Blocks() || takes[1].Blocks()) << "at the ring beside the push";
+        EXPECT_TRUE(takes[0].Blocks() || takes[1].Blocks()) << "let in during the push";
         if (killed) {
             end.Result();
         }
         g_released = true;
         EXPECT_EQ(push.Result(), 0U);
         const int failed = takes[0].Result().IsFailed() + takes[1].Result().IsFailed();
-        EXPECT_GE(failed, 1) << "took a frame that the end had let it through for";
+        EXPECT_GE(failed, 1) << "took a frame after Terminate released it";
         EXPECT_EQ(stream.GetUsedFrameSize(), static_cast<unsigned int>(failed));
     }
     std::signal(SIGSEGV, handler);
 }
 #endif
 
-/// Threads that push and take numbers; a frame is full of one.
+/// Threads that push and take frames, each filled with one number.
 struct Soak {
     static constexpr unsigned int kNumbers = 16;
 
     AudioFrameStream stream{kNumbers, 4, 2, 16};
     std::atomic<long long> held{0};           // frames
-    std::atomic<unsigned int> difference{0};  // of the sums of all numbers pushed and taken
+    std::atomic<unsigned int> difference{0};  // between the sums of the numbers pushed and taken
     std::atomic<unsigned long long> taken{0};
 
     void Push(unsigned int number) {
@@ -263,7 +257,7 @@ struct Soak {
         }
     }
 
-    /// Threads at work, let go by force while they are, until they are told to stop and have left.
+    /// Runs the threads under constant UnlockForce, then stops and joins them.
     void Work() {
         std::atomic<bool> stop{false};
         std::atomic<int> running{6};
@@ -290,12 +284,11 @@ struct Soak {
 };
 
 // VELM_SOAK_SECONDS makes it longer.
-TEST(AudioFrameStreamSoak, NothingIsLostOrTornThroughForceAndEnds) {
+TEST(AudioFrameStreamSoak, LosesAndTearsNoFrames) {
     const char* const given = std::getenv("VELM_SOAK_SECONDS");
     const auto end = Clock::now() + std::chrono::seconds(given != nullptr ? std::atoi(given) : 1);
     Soak soak;
-    unsigned int rounds = 0;
-    for (; Clock::now() < end; ++rounds) {
+    while (Clock::now() < end) {
         ASSERT_EQ(soak.stream.Initialize(), 0U);
         soak.Work();
         soak.stream.Terminate();
@@ -303,7 +296,7 @@ TEST(AudioFrameStreamSoak, NothingIsLostOrTornThroughForceAndEnds) {
         ASSERT_EQ(soak.difference, 0U);
     }
     EXPECT_GT(soak.taken, 0U);
-    std::printf("%u rounds, %llu frames\n", rounds, soak.taken.load());
+    std::printf("%llu frames\n", soak.taken.load());
 }
 
 }  // namespace

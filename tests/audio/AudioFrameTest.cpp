@@ -12,39 +12,39 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-void ExpectNoFrame(AudioFrame& frame) {
-    EXPECT_EQ(frame.GetFrameBuffer(), nullptr);
-    EXPECT_EQ(frame.GetFrameBufferSize(), 0U);
-    EXPECT_EQ(frame.GetDataBuffer(), nullptr);
-    EXPECT_EQ(frame.GetDataBufferSize(), 0U);
-    EXPECT_EQ(frame.GetCounter(), 0);
-    EXPECT_EQ(frame.GetFrameType(), -1);
+/// Expects a frame of these bytes; none: no frame.
+void ExpectFrame(AudioFrame& frame, const Bytes& bytes) {
+    const bool held = !bytes.empty();
+    ASSERT_EQ(frame.GetFrameBufferSize(), bytes.size());
+    EXPECT_EQ(frame.GetFrameBuffer() != nullptr, held);
+    EXPECT_EQ(Bytes(frame.GetFrameBuffer(), frame.GetFrameBuffer() + bytes.size()), bytes);
+    EXPECT_EQ(frame.GetDataBuffer(), held ? frame.GetFrameBuffer() + 6 : nullptr);
+    EXPECT_EQ(frame.GetDataBufferSize(), held ? bytes[4] + 256U * bytes[5] : 0);
+    EXPECT_EQ(frame.GetCounter(), held ? bytes[2] + 256 * bytes[3] : 0);
+    EXPECT_EQ(frame.GetFrameType(), held ? bytes[1] : -1);
+    EXPECT_EQ(frame.IsRawCodec(), held && bytes[1] < 2);
+    EXPECT_EQ(frame.IsOpusCodec(), held && bytes[1] >= 2);
 }
 
-// Two frames take turns, so that each has been the other before.
-TEST(AudioFrame, EveryTypeTravelsFromWriterToReader) {
+// The two frames swap roles, so each starts with the other role's state.
+TEST(AudioFrame, CarriesEveryTypeFromWriterToReader) {
     Bytes data = test::Pattern(300);
     AudioFrame frames[2];
-    for (int type = 0; type < 4; ++type) {
-        SCOPED_TRACE(type);
+    for (unsigned char type = 0; type < 4; ++type) {
+        SCOPED_TRACE(int{type});
         AudioFrame& writer = frames[type & 1];
         AudioFrame& reader = frames[~type & 1];
-        ASSERT_EQ(writer.InitilizeWriter(static_cast<E_FrameType>(type), 0x1234, 300, data.data()), 0U);
-        Bytes expected = {6, static_cast<unsigned char>(type), 0x34, 0x12, 0x2C, 0x01};
+        Bytes expected = {6, type, 0x34, 0x12, 0x2C, 0x01};
         expected.insert(expected.end(), data.begin(), data.end());
-        ASSERT_EQ(writer.GetFrameBufferSize(), expected.size());
-        EXPECT_EQ(Bytes(writer.GetFrameBuffer(), writer.GetFrameBuffer() + expected.size()), expected);
+        ASSERT_EQ(writer.InitilizeWriter(static_cast<E_FrameType>(type), 0x1234, 300, data.data()), 0U);
+        ExpectFrame(writer, expected);
         ASSERT_EQ(reader.InitilizeReader(expected.data(), writer.GetFrameBufferSize()), 0U);
-        EXPECT_EQ(reader.GetFrameType(), type);
-        EXPECT_EQ(reader.IsRawCodec(), type < 2);
-        EXPECT_EQ(reader.IsOpusCodec(), type >= 2);
-        EXPECT_EQ(reader.GetCounter(), 0x1234);
-        EXPECT_EQ(reader.GetDataBuffer(), expected.data() + 6);
-        EXPECT_EQ(reader.GetDataBufferSize(), 300U);
+        ExpectFrame(reader, expected);
+        EXPECT_EQ(reader.GetFrameBuffer(), expected.data());
     }
 }
 
-TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
+TEST(AudioFrame, ReaderRejectsInvalidHeaders) {
     const std::tuple<const char*, Bytes, unsigned int> cases[] = {
         {"bytes to spare", {6, 0, 0, 0, 1, 0, 9, 9, 9}, 0},
         {"header alone", {6, 2, 0, 0, 1, 0}, VELM_ERROR_UTIL_INVALID_PARAM},
@@ -59,13 +59,11 @@ TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
         SCOPED_TRACE(what);
         Bytes bytes = header;
         EXPECT_EQ(frame.InitilizeReader(bytes.data(), static_cast<unsigned int>(bytes.size())), code);
+        ExpectFrame(frame, code == 0 ? bytes : Bytes());
         if (code != 0) {
-            ExpectNoFrame(frame);
             continue;
         }
-        EXPECT_EQ(frame.GetFrameBuffer(), bytes.data());
-        EXPECT_EQ(frame.GetFrameBufferSize(), bytes.size());
-        // The getters trust no header that changes under them.
+        // The getters check again: the bytes belong to the caller, who may change them.
         bytes[4] = static_cast<unsigned char>(bytes.size() - 5);
         EXPECT_EQ(frame.GetDataBufferSize(), 0U);
         bytes[1] = 9;
@@ -78,7 +76,7 @@ TEST(AudioFrame, ReaderChecksEveryByteOfTheHeader) {
     EXPECT_EQ(frame.InitilizeReader(nullptr, 100), VELM_ERROR_UTIL_INVALID_PARAM);
 }
 
-TEST(AudioFrame, WriterTakesSizesOfEveryKind) {
+TEST(AudioFrame, WriterAcceptsAnySizeThatFits) {
     Bytes data = test::Pattern(70'000);
     AudioFrame frame;
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 3, 0, nullptr), 0U);
@@ -87,17 +85,17 @@ TEST(AudioFrame, WriterTakesSizesOfEveryKind) {
     EXPECT_EQ(frame.GetFrameBufferSize(), 70'006U);
     EXPECT_EQ(frame.GetDataBufferSize(), 70'000U % 65536U);
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
-    EXPECT_EQ(frame.GetDataBuffer()[2], 4) << "its own frame, wrapped once more";
+    EXPECT_EQ(frame.GetDataBuffer()[2], 4) << "its own frame as data";
     unsigned char* const buffer = frame.GetFrameBuffer();
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
     EXPECT_EQ(frame.GetFrameBuffer(), buffer) << "allocated although it fits";
-    const std::tuple<int, unsigned int, unsigned char*> refused[] = {
+    const std::tuple<int, unsigned int, unsigned char*> invalid[] = {
         {0, 1, nullptr}, {0, 0xFFFFFFFA, data.data()}, {-1, 9, data.data()}, {4, 9, data.data()}};
-    for (const auto& [type, size, bytes] : refused) {
+    for (const auto& [type, size, bytes] : invalid) {
+        SCOPED_TRACE(testing::Message() << type << ", " << size);
         EXPECT_EQ(frame.InitilizeWriter(static_cast<E_FrameType>(type), 6, size, bytes),
-                  VELM_ERROR_UTIL_INVALID_PARAM)
-            << type << ", " << size;
-        ExpectNoFrame(frame);
+                  VELM_ERROR_UTIL_INVALID_PARAM);
+        ExpectFrame(frame, {});
     }
 }
 

@@ -16,7 +16,7 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-/// Runs the operations in random order, on the ring and on a plain queue of bytes.
+/// Runs the operations in random order on the ring and on a plain queue of bytes.
 void RunRandomly(std::mt19937& random, unsigned int capacity, unsigned int channels, unsigned int bits) {
     AudioStream stream(capacity, channels, bits);
     ASSERT_EQ(stream.Initialize(), 0U);
@@ -67,7 +67,7 @@ void RunRandomly(std::mt19937& random, unsigned int capacity, unsigned int chann
     }
 }
 
-TEST(AudioStream, DoesWhatAQueueOfBytesWouldDo) {
+TEST(AudioStream, MatchesAQueueOfBytes) {
     std::mt19937 random = test::SeededRandom();
     const unsigned int shapes[][3] = {{1, 1, 8},   {4, 2, 16},  {8, 2, 16},
                                       {37, 2, 24}, {64, 6, 32}, {481, 1, 15}};
@@ -77,7 +77,7 @@ TEST(AudioStream, DoesWhatAQueueOfBytesWouldDo) {
     }
 }
 
-TEST(AudioStream, WithoutStorageOrDataNothingMoves) {
+TEST(AudioStream, FailsWithoutStorageOrData) {
     unsigned char data[3] = {1, 2, 3};
     AudioStream used(4, 1, 8);
     EXPECT_EQ(used.PushBackSamples(nullptr, 1), VELM_ERROR_UTIL_INVALID_PARAM);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,25 +15,21 @@
 namespace velm {
 namespace {
 
-using test::Chunk;
-using test::Le16;
-using test::Le32;
-using test::PcmFormat;
-using test::Riff;
+using namespace test;
 
 std::string Samples(std::size_t size) {
-    const auto bytes = test::Pattern(size);
+    const auto bytes = Pattern(size);
     return {bytes.begin(), bytes.end()};
 }
 
-/// A helper over a file with given bytes.
+/// A helper that reads a file of these bytes.
 struct Wave {
     explicit Wave(const std::string& bytes) : file("wave.wav", bytes) {
         EXPECT_EQ(reader.Open(file.Name()), 0U);
         initialized = helper.Initialize(&reader);
     }
 
-    /// All sample data, in blocks of 10 ms. A copy goes on where the helper stood.
+    /// All sample data, in blocks of 10 ms, each read by a copy: copies continue where the original was.
     std::string ReadAll() {
         std::string all;
         std::vector<unsigned char> block(1 << 16);
@@ -47,13 +44,27 @@ struct Wave {
         return all;
     }
 
-    test::TemporaryFile file;
+    TemporaryFile file;
     FileReader reader;
     WaveFileReadHelper helper;
     ErrorCode initialized;
 };
 
-TEST(WaveFileReadHelper, DeliversTheDataOfAWaveFileAndNothingElse) {
+/// Expects the tag, channels, sample rate and depth of the body of a "fmt " chunk.
+void ExpectFormat(WaveFileReadHelper& helper, const std::string& format) {
+    unsigned int rate = 0;
+    unsigned int channels = 0;
+    unsigned int bits = 0;
+    unsigned int tag = 0;
+    EXPECT_EQ(helper.GetSampleRate(&rate), 0U);
+    EXPECT_EQ(helper.GetChannelNum(&channels), 0U);
+    EXPECT_EQ(helper.GetBitsPerSample(&bits), 0U);
+    EXPECT_EQ(helper.GetFormatTag(&tag), 0U);
+    EXPECT_EQ(Le16(tag) + Le16(channels) + Le32(rate), format.substr(0, 8));
+    EXPECT_EQ(Le16(bits), format.substr(14, 2));
+}
+
+TEST(WaveFileReadHelper, DeliversSampleDataAndNothingElse) {
     const std::string pcm = PcmFormat(2, 48000, 16);
     const std::string format = Chunk("fmt ", pcm);
     const std::string even = Samples(960 * 3 + 100);
@@ -69,8 +80,8 @@ TEST(WaveFileReadHelper, DeliversTheDataOfAWaveFileAndNothingElse) {
         {"chunks before the format", Riff(Chunk("JUNK", Samples(70'001)) + format + data), even},
         {"empty chunks", Riff(format + Chunk("JUNK", "") + Chunk("data", "") + data), even},
         {"odd chunks", Riff(format + Chunk("data", odd) + Chunk("LIST", "odd") + data), odd + even},
-        {"tags in other letters", Riff(format + Chunk("DATA", odd) + Chunk("Fmt ", odd) + data), even},
-        {"a second format, cut", Riff(format + data + std::string("fmt \x12\0\0\0", 8)), even},
+        {"tags in another case", Riff(format + Chunk("DATA", odd) + Chunk("Fmt ", odd) + data), even},
+        {"truncated second format", Riff(format + data + std::string("fmt \x12\0\0\0", 8)), even},
         {"big-endian", "RIFX" + Le32(40) + "WAVE" + format + data, "", VELM_ERROR_UTIL_UNKNOWN},
         {"another form", "RIFF" + Le32(40) + "AVI " + format + data, "", VELM_ERROR_UTIL_UNKNOWN},
         {"chunk as large as the whole", "RIFF" + Le32(16) + "WAVE" + format, "", VELM_ERROR_UTIL_DATA_BROKEN},
@@ -83,17 +94,12 @@ TEST(WaveFileReadHelper, DeliversTheDataOfAWaveFileAndNothingElse) {
         ASSERT_EQ(wave.initialized, c.code);
         if (c.code == 0) {
             EXPECT_TRUE(wave.ReadAll() == c.expected);
-            unsigned int rate = 0;
-            unsigned int channels = 0;
-            EXPECT_EQ(wave.helper.GetSampleRate(&rate), 0U);
-            EXPECT_EQ(wave.helper.GetChannelNum(&channels), 0U);
-            EXPECT_EQ(rate, 48000U);
-            EXPECT_EQ(channels, 2U);
+            ExpectFormat(wave.helper, pcm);
         }
     }
 }
 
-TEST(WaveFileReadHelper, ChoosesBlocksAsThePlayTimeSays) {
+TEST(WaveFileReadHelper, SizesBlocksByPlayTime) {
     const struct {
         unsigned int channels, rate, milliSec, bufferSize;
         unsigned int code, blockSize;
@@ -115,56 +121,42 @@ TEST(WaveFileReadHelper, ChoosesBlocksAsThePlayTimeSays) {
         ASSERT_EQ(wave.helper.GetWaveData(bytes, &size, c.bufferSize, c.milliSec), c.code);
         EXPECT_EQ(size, c.blockSize);
         EXPECT_EQ(buffer, data.substr(0, c.blockSize) + std::string(4096 - c.blockSize, '#'));
-        if (c.bufferSize == 959) {  // a refusal moves nothing: better arguments give the first block
+        if (c.bufferSize == 959) {  // an error skips no data: valid arguments get the first block
             ASSERT_EQ(wave.helper.GetWaveData(bytes, &size, 960, 20), 0U);
             EXPECT_EQ(buffer.substr(0, 960), data.substr(0, 960));
         }
     }
 }
 
-TEST(WaveFileReadHelper, AFileCutAnywhereGivesWhatItHasAndThenFails) {
+// Of a second format that is cut, the bytes that are there replace those of the first; a chunk under 18 bytes
+// clears the first before.
+TEST(WaveFileReadHelper, ReadsAFileCutAnywhereAsFarAsItGoes) {
     const std::string data = Samples(250);
-    const std::string before = Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("LIST", "odd");
-    const std::string whole = Riff(before + Chunk("data", data));
-    const std::size_t dataBegin = 12 + before.size() + 8;
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-        SCOPED_TRACE(size);
-        Wave wave(whole.substr(0, size));
-        ASSERT_EQ(wave.initialized, size < dataBegin ? VELM_ERROR_CORE_END_OF_DATA : 0U);
-        if (size >= dataBegin) {
-            EXPECT_EQ(wave.ReadAll(), data.substr(0, size - dataBegin));
-        }
-    }
-}
-
-// The bytes that are there replace those of the earlier format, which a chunk under 18 bytes empties first.
-TEST(WaveFileReadHelper, ACutSecondFormatLeavesADefinedRest) {
     const std::string first = PcmFormat(1, 8000, 8) + std::string(2, '\0');
     const std::string second = PcmFormat(2, 44100, 16) + std::string(2, '\1');
-    for (const std::size_t size : {16U, 18U}) {
+    for (const std::size_t formatSize : {16U, 18U}) {
+        const std::string before = Chunk("fmt ", first) + Chunk("LIST", "odd");
         const std::string whole =
-            Riff(Chunk("fmt ", first) + Chunk("data", "abcd") + Chunk("fmt ", second.substr(0, size)));
-        for (std::size_t left = 0; left < size; ++left) {
-            SCOPED_TRACE(testing::Message() << left << " of " << size);
-            Wave wave(whole.substr(0, whole.size() - size + left));
-            EXPECT_EQ(wave.ReadAll(), "abcd");
+            Riff(before + Chunk("data", data) + Chunk("fmt ", second.substr(0, formatSize)));
+        const std::size_t dataBegin = 12 + before.size() + 8;
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            SCOPED_TRACE(testing::Message() << size << ", format of " << formatSize);
+            Wave wave(whole.substr(0, size));
+            ASSERT_EQ(wave.initialized, size < dataBegin ? VELM_ERROR_CORE_END_OF_DATA : 0U);
+            if (size < dataBegin) {
+                continue;
+            }
+            EXPECT_EQ(wave.ReadAll(), data.substr(0, size - dataBegin));
+            const std::size_t left = formatSize - std::min(formatSize, whole.size() - size);
+            const bool cleared = formatSize < 18 && whole.size() - size <= formatSize;
             const std::string format =
-                second.substr(0, left) + (size < 18 ? std::string(18, '\0') : first).substr(left);
-            unsigned int rate = 0;
-            unsigned int channels = 0;
-            EXPECT_EQ(wave.helper.GetSampleRate(&rate), 0U);
-            EXPECT_EQ(wave.helper.GetChannelNum(&channels), 0U);
-            unsigned int bits = 0;
-            unsigned int tag = 0;
-            EXPECT_EQ(wave.helper.GetBitsPerSample(&bits), 0U);
-            EXPECT_EQ(wave.helper.GetFormatTag(&tag), 0U);
-            EXPECT_EQ(Le16(tag) + Le16(channels) + Le32(rate), format.substr(0, 8));
-            EXPECT_EQ(Le16(bits), format.substr(14, 2));
+                second.substr(0, left) + (cleared ? std::string(18, '\0') : first).substr(left);
+            ExpectFormat(wave.helper, format);
         }
     }
 }
 
-TEST(WaveFileReadHelper, ChecksItsArgumentsAndItsState) {
+TEST(WaveFileReadHelper, RejectsInvalidArgumentsAndState) {
     Wave wave(Riff(Chunk("data", "abcd") + Chunk("fmt ", PcmFormat(1, 8000, 8))));
     WaveFileReadHelper fresh;
     WaveFileReadHelper& helper = wave.helper;
