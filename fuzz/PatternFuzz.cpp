@@ -20,7 +20,7 @@ bool IsTame(const std::string& address, const std::string& pattern) {
     static const std::regex longNumber("[0-9][0-9]");
     const std::size_t most = pattern.find('{') == std::string::npos ? 3 : 2;
     return address.size() <= (quantifiers <= 2 ? 8U : 4U) && pattern.size() <= 48 && quantifiers <= most &&
-           !std::regex_search(pattern, longNumber) && !velm::test::MayDepart(pattern);
+           !std::regex_search(pattern, longNumber) && !velm::test::MayDiffer(pattern);
 }
 
 }  // namespace

@@ -20,26 +20,25 @@
 namespace velm {
 namespace {
 
-// The first test of the program, so that all the threads meet an empty registry.
-TEST(ErrorRegistry, ThreadsThatRegisterAtOnceLoseAndDoubleNoCode) {
+// The first test of the program, so that all the threads find the registry empty.
+TEST(ErrorRegistry, LosesAndDoublesNoCodeUnderThreads) {
     constexpr unsigned int kThreads = 4;
     constexpr unsigned int kCodes = 200;
     std::atomic<unsigned int> arrived{0};
-    std::vector<std::jthread> threads;
-    for (unsigned int number = 0; number < kThreads; ++number) {
-        threads.emplace_back([&arrived] {
-            for (unsigned int i = 0; i < kCodes; ++i) {
-                // Not std::barrier, which stands still under Wine.
-                for (++arrived; arrived < kThreads * (i + 1);) {
-                    std::this_thread::yield();
-                }
-                const unsigned int code = 0xA0000000 + i;
-                RegisterErrorCode(code, "THREADS", std::to_string(code).c_str());
-                EXPECT_NE(FindErrorCode(code), nullptr);
+    const auto registerAll = [&] {
+        for (unsigned int i = 0; i < kCodes; ++i) {
+            // std::barrier hangs under Wine.
+            for (++arrived; arrived < kThreads * (i + 1);) {
+                std::this_thread::yield();
             }
-        });
+            RegisterErrorCode(0xA0000000 + i, "THREADS", std::to_string(0xA0000000 + i).c_str());
+            EXPECT_NE(FindErrorCode(0xA0000000 + i), nullptr);
+        }
+    };
+    {
+        const std::jthread threads[kThreads] = {std::jthread(registerAll), std::jthread(registerAll),
+                                                std::jthread(registerAll), std::jthread(registerAll)};
     }
-    threads.clear();  // joins
     std::set<std::string> names;
     for (const ErrorCodeInfo& info : GetRegisteredErrorCodes()) {
         if (info.facility == std::string("THREADS")) {
@@ -52,7 +51,7 @@ TEST(ErrorRegistry, ThreadsThatRegisterAtOnceLoseAndDoubleNoCode) {
 
 bool g_registered = false;
 
-TEST(ErrorRegistry, KeepsItsOwnCopyOfTheFirstRegistration) {
+TEST(ErrorRegistry, KeepsTheTextOfTheFirstRegistration) {
     std::string facility = "A_FACILITY";
     std::string name = "A_NAME";
     RegisterErrorCode(0x90000001, facility.c_str(), name.c_str());
@@ -67,8 +66,8 @@ TEST(ErrorRegistry, KeepsItsOwnCopyOfTheFirstRegistration) {
 }
 
 #ifndef _WIN32
-// Exit handlers run in reverse order: one that is registered before any library is initialised runs after all
-// their destructors, as a thread may that nobody stopped.
+// Exit handlers run in reverse order: one registered before the libraries initialize runs after their
+// destructors, like a thread that is still running.
 void LookUpAfterTheEnd(int, void*) {
     const ErrorCodeInfo* const info = FindErrorCode(0x90000001);
     if (g_registered && (info == nullptr || std::string_view(info->name) != "A_NAME")) {
@@ -83,7 +82,7 @@ void LookUpAfterTheEnd(int, void*) {
 [[maybe_unused]] const int g_overwriteFreed = mallopt(M_PERTURB, 1);
 #endif
 
-TEST(ErrorRegistry, KnowsTheCoreCodesAndNoOthers) {
+TEST(ErrorRegistry, KnowsAllCoreCodes) {
     EXPECT_EQ(FindErrorCode(VELM_ERROR_CORE_UNKNOWN - 1), nullptr);
     for (unsigned int code = VELM_ERROR_CORE_UNKNOWN; code <= VELM_ERROR_CORE_NOTHING_TO_READ; ++code) {
         EXPECT_NE(FindErrorCode(code), nullptr) << code;

@@ -15,7 +15,7 @@ namespace {
 using test::TemporaryFile;
 
 // The reader's buffer holds 262144 bytes.
-TEST(FileReader, DeliversTheSameBytesInPiecesOfAnySize) {
+TEST(FileReader, ReadsTheSameBytesInAnyPieces) {
     const auto pattern = test::Pattern(600'000);
     const std::string content(pattern.begin(), pattern.end());
     const TemporaryFile file("pieces.bin", content);
@@ -31,7 +31,7 @@ TEST(FileReader, DeliversTheSameBytesInPiecesOfAnySize) {
             const ErrorCode result = reader.Read(&readSize, part.data(), piece);
             ASSERT_EQ(result, readSize == piece ? 0U : VELM_ERROR_CORE_END_OF_DATA);
             read.append(part, 0, readSize);
-            // A byte in between, so that the two ways of reading share one position.
+            // A single byte in between: Read and ReadU8 share one position.
             if (reader.ReadU8(&byte) == 0) {
                 read += static_cast<char>(byte);
             }
@@ -44,7 +44,7 @@ TEST(FileReader, DeliversTheSameBytesInPiecesOfAnySize) {
     }
 }
 
-TEST(FileReader, SaysWhyAFileCannotBeRead) {
+TEST(FileReader, ReportsWhyReadingFails) {
     std::filesystem::create_directory("a-directory");
     FileReader reader;
     unsigned char byte = 0;
@@ -66,7 +66,7 @@ TEST(FileReader, SaysWhyAFileCannotBeRead) {
     const TemporaryFile second("second.bin", "xyz");
     ASSERT_EQ(reader.Open(second.Name()), 0U);
     EXPECT_EQ(reader.ReadU8(&byte), 0U);
-    EXPECT_EQ(byte, 'x') << "and not what was left of the first file";
+    EXPECT_EQ(byte, 'x') << "a byte of the first file";
     reader.Skip(1);
     EXPECT_EQ(reader.ReadU8(&byte), 0U);
     EXPECT_EQ(byte, 'z');

@@ -9,7 +9,7 @@
 namespace velm {
 namespace {
 
-TEST(PathHelper, DirectoryEndsBeforeTheLastSeparator) {
+TEST(PathHelper, FindsTheDirectory) {
     const char* const cases[][2] = {
         {"D:\\a.exe", "D:"}, {"/a", ""}, {"a.exe", "."}, {"C:/x\\y/z", "C:/x\\y"}, {"a/\\/b", "a"}};
     for (const auto& [path, directory] : cases) {
@@ -19,8 +19,8 @@ TEST(PathHelper, DirectoryEndsBeforeTheLastSeparator) {
     }
 }
 
-TEST(PathHelper, DirectoryNeverLeavesItsBuffer) {
-    const std::string path = "D:\\app\\a.exe";  // whose directory takes 6 bytes and a NUL
+TEST(PathHelper, NeverWritesPastTheBuffer) {
+    const std::string path = "D:\\app\\a.exe";  // its directory takes 6 bytes and a NUL
     for (std::size_t size = 0; size <= 8; ++size) {
         std::string out(9, '#');
         const ErrorCode result = PathHelper::GetFileDir(out.data(), size, path.c_str());
@@ -35,7 +35,7 @@ TEST(PathHelper, DirectoryNeverLeavesItsBuffer) {
 }
 
 // Up to 512 units are converted on the stack.
-TEST(PathHelper, ConvertsTextOfAnySizeWithItsNuls) {
+TEST(PathHelper, ConvertsAnySizeAndNuls) {
     for (const std::size_t size : {0U, 1U, 512U, 513U, 5000U}) {
         SCOPED_TRACE(size);
         std::wstring wide = L"old";

@@ -19,50 +19,44 @@
 #include <csignal>
 #endif
 
-namespace velm {
-namespace {
-
 using namespace std::chrono_literals;
 
-// How often the system was asked to put a thread to sleep and to wake some; counted on Linux alone.
-std::atomic<int> g_waits{0};
-std::atomic<int> g_wakes{0};
-std::atomic<bool> g_processEnds{false};
-
-}  // namespace
-}  // namespace velm
+// Calls that put a thread to sleep, and calls that wake threads; on Linux only.
+static std::atomic<int> g_waits{0};
+static std::atomic<int> g_wakes{0};
+static std::atomic<bool> g_processEnds{false};
 
 #ifndef _WIN32
-// Linux lets a program replace what the libraries that it uses call.
+// On Linux a program can replace the functions that its libraries call.
 template <typename Call>
 Call* Replaced(Call*, const char* name) {
     return reinterpret_cast<Call*>(dlsym(RTLD_NEXT, name));
 }
 
 BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds) {
-    ++velm::g_waits;
+    ++g_waits;
     return Replaced(&WaitOnAddress, __func__)(address, compare, size, milliseconds);
 }
 
 void WakeByAddressSingle(void* address) {
-    ++velm::g_wakes;
+    ++g_wakes;
     Replaced(&WakeByAddressSingle, __func__)(address);
 }
 
 void WakeByAddressAll(void* address) {
-    ++velm::g_wakes;
+    ++g_wakes;
     Replaced(&WakeByAddressAll, __func__)(address);
 }
 
 unsigned char RtlDllShutdownInProgress() {
-    return velm::g_processEnds;
+    return g_processEnds;
 }
 #endif
 
 namespace velm {
 namespace {
 
-/// Runs something that puts nobody to sleep and asks the system so often to wake threads.
+/// Expects that an operation never sleeps and makes a number of calls that wake threads.
 template <typename Run>
 void ExpectWakes([[maybe_unused]] int wakes, Run run) {
     g_waits = g_wakes = 0;
@@ -83,18 +77,18 @@ struct Waiters {
 #ifdef _WIN32
                 ++g_waits;
 #endif
-                (wait() == 0 ? released : turnedAway) += 1;
+                (wait() == 0 ? released : failed) += 1;
             });
         }
         while (g_waits < count) {
             std::this_thread::yield();
         }
-        // Give the last one the time to get from there to sleep, on a busy machine, too.
+        // The last one needs time to fall asleep, even on a busy machine.
         std::this_thread::sleep_for(30ms);
-        EXPECT_EQ(g_waits, count) << "a thread does not sleep";
+        EXPECT_EQ(g_waits, count) << "a thread is not asleep";
     }
 
-    /// Waits until so many were released, and for a while whether it stays with them.
+    /// Waits until this many are released, and a little longer in case more follow.
     void ExpectReleased(int count) {
         while (released < count) {
             std::this_thread::sleep_for(1ms);
@@ -104,11 +98,11 @@ struct Waiters {
     }
 
     std::atomic<int> released{0};
-    std::atomic<int> turnedAway{0};
+    std::atomic<int> failed{0};
     std::vector<std::jthread> threads;
 };
 
-TEST(Mutex, RefusesWhatItCannotDo) {
+TEST(Mutex, RejectsUnlockByNonOwners) {
     Mutex mutex;
     EXPECT_EQ(mutex.Lock(), VELM_ERROR_CORE_NOT_INITIALIZED);
     EXPECT_EQ(mutex.Initialize(), 0U);
@@ -120,7 +114,7 @@ TEST(Mutex, RefusesWhatItCannotDo) {
     EXPECT_EQ(mutex.Unlock(), VELM_ERROR_CORE_ILLEGAL_CALL);
 }
 
-TEST(Mutex, LetsOneThreadInAtATime) {
+TEST(Mutex, AdmitsOneThreadAtATime) {
 #ifndef _WIN32
     std::signal(SIGUSR1, [](int) { usleep(20); });
 #endif
@@ -133,7 +127,7 @@ TEST(Mutex, LetsOneThreadInAtATime) {
         for (; !stop; ++rounds) {
             ASSERT_EQ(mutex.Lock(), 0U);
             ++count;
-            ASSERT_EQ(mutex.Unlock(), 0U) << "another thread is the owner";
+            ASSERT_EQ(mutex.Unlock(), 0U) << "another thread owns it";
         }
     };
     std::vector<std::jthread> threads;
@@ -141,7 +135,7 @@ TEST(Mutex, LetsOneThreadInAtATime) {
     threads.emplace_back(work);
     for (int i = 0; i < 2000 || rounds < 50'000; ++i) {
 #ifndef _WIN32
-        pthread_kill(threads[0].native_handle(), SIGUSR1);  // holds it up wherever it is
+        pthread_kill(threads[0].native_handle(), SIGUSR1);  // delays it anywhere
 #endif
         std::this_thread::sleep_for(20us);
     }
@@ -150,7 +144,7 @@ TEST(Mutex, LetsOneThreadInAtATime) {
     EXPECT_EQ(count, rounds);
 }
 
-TEST(Mutex, EverySleeperIsWokenAndNobodyElse) {
+TEST(Mutex, WakesEverySleeperAndNobodyElse) {
     Mutex mutex;
     mutex.Initialize();
     mutex.Lock();
@@ -169,14 +163,14 @@ TEST(Semaphore, NeverExceedsItsMaximum) {
         Semaphore semaphore(initial, maximum);
         EXPECT_EQ(semaphore.Post(most + 1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
         EXPECT_EQ(semaphore.Post(0xFFFFFFFF), VELM_ERROR_CORE_LIMIT_EXCEEDED);
-        EXPECT_EQ(semaphore.Post(most), 0U) << "a refused post leaves the count";
+        EXPECT_EQ(semaphore.Post(most), 0U) << "a failed post changed the count";
         EXPECT_EQ(semaphore.Post(1), VELM_ERROR_CORE_LIMIT_EXCEEDED);
         EXPECT_EQ(semaphore.TryTake(), maximum != 0);
         EXPECT_EQ(semaphore.Post(1), maximum != 0 ? 0U : VELM_ERROR_CORE_LIMIT_EXCEEDED);
     }
 }
 
-// A lost wake-up leaves both threads waiting for good. Run for longer with VELM_PING_PONG_ROUNDS=10000000.
+// A lost wake-up hangs both threads. VELM_PING_PONG_ROUNDS=10000000 makes it longer.
 TEST(Semaphore, LosesNoWakeUpInPingPong) {
     const char* const given = std::getenv("VELM_PING_PONG_ROUNDS");
     const auto play = [rounds = given != nullptr ? std::atol(given) : 50'000](Semaphore& mine,
@@ -192,7 +186,7 @@ TEST(Semaphore, LosesNoWakeUpInPingPong) {
     play(pong, ping);
 }
 
-TEST(Semaphore, WakesAsManyAsWerePostedAndNobodyElse) {
+TEST(Semaphore, WakesAsManyAsPosted) {
     Semaphore semaphore(0, 8);
     {
         Waiters waiters(8, [&] { return semaphore.Wait(); });
@@ -204,17 +198,17 @@ TEST(Semaphore, WakesAsManyAsWerePostedAndNobodyElse) {
     ExpectWakes(0, [&] { semaphore.Post(1), semaphore.Wait(); });
 }
 
-TEST(Semaphore, DestructorTurnsEveryBlockedThreadAway) {
+TEST(Semaphore, DestructorReleasesBlockedThreads) {
     for (int round = 0; round < 10; ++round) {
         auto semaphore = std::make_unique<Semaphore>(0, 1);
         Waiters waiters(6, [&] { return semaphore->Wait(); });
         semaphore.reset();
         waiters.threads.clear();
-        EXPECT_EQ(waiters.turnedAway, 6);
+        EXPECT_EQ(waiters.failed, 6);
     }
 }
 
-TEST(Semaphore, MayBeDestroyedByTheThreadThatAPostWakes) {
+TEST(Semaphore, WokenThreadMayDestroyIt) {
     for (int round = 0; round < 1'000; ++round) {
         auto* const semaphore = new Semaphore(0, 1);
         std::jthread waiter([semaphore] {
@@ -227,12 +221,12 @@ TEST(Semaphore, MayBeDestroyedByTheThreadThatAPostWakes) {
 
 TEST(SyncEvent, SetReleasesOneWaiterOrAll) {
     SyncEvent one(false, false);
+    SyncEvent all(true, false);
     Waiters waiters(3, [&] { return one.Wait(); });
     for (int released = 0; released < 3; ++released) {
         waiters.ExpectReleased(released);
         one.Set();
     }
-    SyncEvent all(true, false);
     Waiters others(3, [&] { return all.Wait(); });
     all.Set();
     others.ExpectReleased(3);
@@ -240,8 +234,8 @@ TEST(SyncEvent, SetReleasesOneWaiterOrAll) {
     EXPECT_EQ(SyncEvent(false, true).Wait(), 0U) << "set from the start";
 }
 
-// For the thread sanitizer: the setters are counted without any order, so that the event alone gives one.
-TEST(SyncEvent, WaitSeesWhatEverySetterWrote) {
+// For the thread sanitizer: the counter is relaxed, so only the event orders the writes.
+TEST(SyncEvent, WaitSeesTheWritesOfAllSetters) {
     SyncEvent event(false, false);
     std::atomic<int> set{0};
     int written[2] = {};
@@ -259,7 +253,7 @@ TEST(SyncEvent, WaitSeesWhatEverySetterWrote) {
 }
 
 #ifndef _WIN32
-TEST(Synchronization, NobodyWaitsWhileTheProcessEnds) {
+TEST(Synchronization, NeverBlocksWhileTheProcessEnds) {
     Mutex mutex;
     mutex.Initialize();
     std::thread([&] { mutex.Lock(); }).join();

@@ -20,7 +20,7 @@ void Start(Thread& thread, int (*function)(void*), void* argument, const ThreadC
     ASSERT_EQ(thread.Start(nullptr), 0U);
 }
 
-/// Counts, and throws at the third time.
+/// Counts its runs; throws in the third.
 int CountToThree(void* counter) {
     if (++*static_cast<int*>(counter) == 3) {
         throw std::runtime_error("on purpose");
@@ -28,7 +28,7 @@ int CountToThree(void* counter) {
     return -7;
 }
 
-TEST(Thread, RunsAgainAndAgainAndRefusesCallsOutOfOrder) {
+TEST(Thread, RunsAgainAndRejectsCallsOutOfOrder) {
     int runs = 0;
     Thread thread;
     EXPECT_EQ(thread.Initialize(ThreadConfig(), nullptr, nullptr), VELM_ERROR_CORE_INVALID_PARAM);
@@ -47,7 +47,7 @@ TEST(Thread, RunsAgainAndAgainAndRefusesCallsOutOfOrder) {
     }
 }
 
-TEST(Thread, DestructionWaitsUnlessTheThreadItselfDestroysOrJoins) {
+TEST(Thread, DestructorWaitsExceptOnItsOwnThread) {
     static std::unique_ptr<Thread> self;
     static SyncEvent destroyed(false, false);
     const auto destroySelf = [](void*) {
@@ -71,14 +71,14 @@ TEST(Thread, DestructionWaitsUnlessTheThreadItselfDestroysOrJoins) {
 }
 
 #ifndef _WIN32
-TEST(Thread, MayEndByPthreadExit) {
+TEST(Thread, SurvivesPthreadExit) {
     Thread thread;
     Start(
         thread, [](void*) -> int { pthread_exit(nullptr); }, nullptr);
     EXPECT_EQ(thread.Join(nullptr), VELM_ERROR_CORE_THREAD_EXCEPTION);
 }
 
-TEST(Thread, HasTheNameAndTheStackThatItIsGiven) {
+TEST(Thread, AppliesNameAndStackSize) {
     ThreadConfig config;
     config.SetName(nullptr);
     config.SetName("audio consumer thread");

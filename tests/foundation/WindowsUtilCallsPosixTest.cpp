@@ -11,7 +11,7 @@
 #include "velm/posix/Control.h"
 #include "velm/WindowsUtil.h"
 
-// A heap that leaves an error behind as it frees, as Windows' may.
+// A heap that changes the last error when it frees, as that of Windows may.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return operator new(size, std::nothrow);
 }
@@ -35,7 +35,7 @@ protected:
     void TearDown() override { posix::Reset(); }
 };
 
-TEST_F(WindowsUtilPosixTest, TheLastErrorOfTheCallSurvivesTheCleanUp) {
+TEST_F(WindowsUtilPosixTest, CleanUpKeepsTheLastError) {
     const test::UniqueWindow window = test::MakeWindow();
     for (const char* const call : {"SetWindowTextW", "GetClassNameW", "WideCharToMultiByte"}) {
         posix::FailCall(call, ERROR_ACCESS_DENIED);
@@ -48,14 +48,14 @@ TEST_F(WindowsUtilPosixTest, TheLastErrorOfTheCallSurvivesTheCleanUp) {
     }
 }
 
-TEST_F(WindowsUtilPosixTest, ArgumentsArriveInTheirPlaces) {
+TEST_F(WindowsUtilPosixTest, PassesArgumentsInOrder) {
     const test::UniqueWindow window = test::MakeWindow();
     WindowsUtil::CallLoadImage(nullptr, "image", 1, 2, 3, 4);
     WindowsUtil::CallOutputDebugString("text");
     WindowsUtil::CallMessageBox(window.get(), "text", "caption", 5);
     EXPECT_EQ(WindowsUtil::CallMessageBox(window.get(), "text", nullptr, 5), 0) << "without a text";
     WindowsUtil::CallSetWindowText(window.get(), "text");
-    // Two UTF-16 units in place of four bytes: the count goes through as it is.
+    // Four bytes become two UTF-16 units; the count is passed on unchanged.
     WindowsUtil::CallTextOut(nullptr, -1, -2, "\xF0\x9F\x98\x80x", 2);
     std::wstring shown;
     for (const posix::ShownCall& call : posix::ShownCalls()) {
@@ -76,12 +76,18 @@ TEST_F(WindowsUtilPosixTest, ArgumentsArriveInTheirPlaces) {
               L"TextOutW \xD83D\xDE00 -1 -2\n");
 }
 
-TEST_F(WindowsUtilPosixTest, NamesThatDoNotFitOrFailLeaveTheBuffer) {
+TEST_F(WindowsUtilPosixTest, WritesOnlyNamesThatFit) {
     const test::UniqueWindow window = test::MakeWindow(L"\u00E4\u20AC");
-    char buffer[7] = "??????";
-    EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, 5), 5);
-    EXPECT_STREQ(buffer, "\xC3\xA4\xE2\x82\xAC?");
-    EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, 4), 0);
+    // The wide name is cut to size - 1 units before it is converted.
+    for (const auto& [size, result] : {std::pair{-1, 0}, {0, 0}, {1, 0}, {2, 2}, {5, 5}, {6, 5}}) {
+        SCOPED_TRACE(size);
+        std::string buffer(7, '?');
+        EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer.data(), size), result);
+        const auto written = static_cast<std::size_t>(result);
+        EXPECT_EQ(buffer, std::string("\xC3\xA4\xE2\x82\xAC", written) + std::string(7 - written, '?'));
+    }
+    char tooSmall[4];
+    EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), tooSmall, 4), 0);
     for (const char* const call : {"GetModuleFileNameW", "WideCharToMultiByte"}) {
         posix::FailCall(call, ERROR_ACCESS_DENIED);
         char path[500] = "old";
@@ -90,7 +96,7 @@ TEST_F(WindowsUtilPosixTest, NamesThatDoNotFitOrFailLeaveTheBuffer) {
     }
 }
 
-TEST_F(WindowsUtilPosixTest, PathsNearTheLimitOf260) {
+TEST_F(WindowsUtilPosixTest, HandlesPathsNearTheLimit) {
     // "D:\" and folders of a length, then the executable.
     const auto executable = [](std::size_t units, wchar_t letter) {
         return L"D:\\" + std::wstring(units - 9, letter) + L"\\a.exe";
@@ -98,9 +104,9 @@ TEST_F(WindowsUtilPosixTest, PathsNearTheLimitOf260) {
     const struct {
         const char* what;
         std::wstring file;
-        std::string folder;  // none: refused
+        std::string folder;  // empty: an error
     } rows[] = {
-        {"cut by the system behind the folder", executable(260, L'x'), "D:\\" + std::string(251, 'x')},
+        {"truncated after the folder", executable(260, L'x'), "D:\\" + std::string(251, 'x')},
         {"259 bytes", executable(256, L'x') + L"\u20AC", "D:\\" + std::string(247, 'x')},
         {"too many bytes", executable(200, L'\u00FC'), ""},
         {"no folder", L"a.exe", "."},
@@ -115,7 +121,7 @@ TEST_F(WindowsUtilPosixTest, PathsNearTheLimitOf260) {
     }
 }
 
-TEST_F(WindowsUtilPosixTest, ScreensCountAsFarAsTheyMatch) {
+TEST_F(WindowsUtilPosixTest, MeasuresMatchingScreens) {
     const auto screen = [](int width, int height, DWORD flags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP) {
         return posix::Display{L"\\\\.\\DISPLAY" + std::to_wstring(width), flags, width, height};
     };
@@ -133,7 +139,7 @@ TEST_F(WindowsUtilPosixTest, ScreensCountAsFarAsTheyMatch) {
     seventeen.push_back(screen(115, 215));
     seventeen.push_back(screen(116, 216));
     posix::SetDisplays(seventeen);
-    EXPECT_EQ(maxScreenSize(0), std::pair(115, 215)) << "sixteen are looked at";
+    EXPECT_EQ(maxScreenSize(0), std::pair(115, 215)) << "the limit is sixteen";
 }
 
 }  // namespace

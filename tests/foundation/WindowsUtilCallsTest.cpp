@@ -4,14 +4,13 @@
 #include <cstring>
 #include <string>
 
-#include "MessageLoop.h"
 #include "TemporaryFile.h"
 #include "velm/WindowsUtil.h"
 
 namespace velm {
 namespace {
 
-TEST(WindowsUtilCalls, ProfileValuesComeFromUtf8Names) {
+TEST(WindowsUtilCalls, ReadsProfilesByUtf8Names) {
     const char* const path = "./profile.ini";
     const test::TemporaryFile file(path, "[numbers]\r\nminus=-7\r\n[texts]\r\nlong=value\r\n");
     wchar_t value[40];
@@ -22,18 +21,7 @@ TEST(WindowsUtilCalls, ProfileValuesComeFromUtf8Names) {
     EXPECT_STREQ(value, L"valu");
 }
 
-TEST(WindowsUtilCalls, ClassNamesFitOrGiveNothing) {
-    const test::UniqueWindow window = test::MakeWindow(L"STATIC");
-    // The wide name is cut to size - 1 units before it is converted.
-    for (const auto& [size, result] : {std::pair{-1, 0}, {0, 0}, {1, 0}, {2, 1}, {7, 6}, {8, 6}}) {
-        SCOPED_TRACE(size);
-        char buffer[9] = "????????";
-        EXPECT_EQ(WindowsUtil::CallGetClassName(window.get(), buffer, size), result);
-        EXPECT_EQ(std::string(buffer + result), std::string(static_cast<std::size_t>(8 - result), '?'));
-    }
-}
-
-TEST(WindowsUtilCalls, ModuleFileNamesFitOrGiveNothing) {
+TEST(WindowsUtilCalls, WritesModuleFileNamesThatFit) {
     char whole[1000];
     const unsigned long length = WindowsUtil::CallGetModuleFileName(nullptr, whole, sizeof whole);
     EXPECT_EQ(std::strlen(whole), length);
@@ -46,6 +34,40 @@ TEST(WindowsUtilCalls, ModuleFileNamesFitOrGiveNothing) {
     EXPECT_EQ(WindowsUtil::CallGetModuleFileName(nullptr, buffer.data(), length - 1), 0U);
     EXPECT_EQ(WindowsUtil::CallGetModuleFileName(nullptr, buffer.data(), 0), 0U);
     EXPECT_EQ(WindowsUtil::CallGetModuleFileName(nullptr, nullptr, 100), 0U);
+}
+
+TEST(WindowsUtilPaths, AreBesideTheExecutable) {
+    char executable[1000];
+    ASSERT_NE(WindowsUtil::CallGetModuleFileName(nullptr, executable, sizeof executable), 0U);
+    std::string folder(executable);
+    folder.replace(folder.find_last_of("\\/"), std::string::npos, "\\");
+    std::string path = "b.png";
+    EXPECT_EQ(WindowsUtil::GetFullPathForResourcesDirFile(path, path), 0U);
+    EXPECT_EQ(path, folder + "resources\\b.png");
+    EXPECT_EQ(WindowsUtil::GetFullPathForResourcesDir(path), 0U);
+    EXPECT_EQ(path, folder + "resources\\");
+    EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(path, "a.txt"), 0U);
+    EXPECT_EQ(path, folder + "a.txt");
+    for (const std::size_t size : {std::size_t{1}, path.size(), path.size() + 1}) {
+        SCOPED_TRACE(size);
+        const bool fits = size > path.size();
+        std::string buffer(size + 1, '?');
+        EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(buffer.data(), size, "a.txt"),
+                  fits ? 0U : VELM_ERROR_UTIL_DATA_LENGTH);
+        EXPECT_EQ(buffer, fits ? path + '\0' + '?' : std::string(size + 1, '?'));
+    }
+}
+
+TEST(WindowsUtilPaths, RejectMissingArguments) {
+    char buffer[4] = "abc";
+    EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(buffer, 0, "a"), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(buffer, 4, nullptr), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(WindowsUtil::GetFullPathForExecDirFile(nullptr, 4, "a"), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_STREQ(buffer, "abc");
+    int size = -1;
+    EXPECT_EQ(WindowsUtil::GetMaxScreenSize(nullptr, &size, 0), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(WindowsUtil::GetMaxScreenSize(&size, nullptr, 0), VELM_ERROR_UTIL_INVALID_PARAM);
+    EXPECT_EQ(size, -1);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ void ExpectNear(const Vector& actual, const Vector& expected) {
     EXPECT_NEAR(actual.z, expected.z, 1e-6F);
 }
 
-TEST(CrossDotRotate, DividesByNoLengthThatIsTooShort) {
+TEST(CrossDotRotate, NeverDividesByShortLengths) {
     CrossDotRotate rotate;
     Vector a = {2, 2, 0};
     Vector b = {-3, 0, 0};
@@ -33,17 +33,17 @@ TEST(CrossDotRotate, DividesByNoLengthThatIsTooShort) {
     ExpectNear(v, {0, 0, 0});
     b = {0, 3, 0};
     rotate.AdjustNormalizedOrthogonalVector(&a, &b);
-    ExpectNear(a, {1, 0, 0});  // on the side that it was on
+    ExpectNear(a, {1, 0, 0});  // on its side
     ExpectNear(b, {0, 1, 0});
 }
 
-TEST(CrossDotRotate, TurnsAPointAboutAnAxis) {
+TEST(CrossDotRotate, RotatesAPointAboutAnAxis) {
     const struct {
         const char* what;
         Vector axis, center;
         float cosValue, sinValue;
         int result;
-        Vector turned;  // what becomes of (1, 2, 3)
+        Vector rotated;  // from (1, 2, 3)
     } rows[] = {
         {"a third about the diagonal", {1, 1, 1}, {0, 0, 0}, -0.5F, 0.8660254F, 1, {3, 1, 2}},
         {"a quarter about z through the center", {0, 0, 2}, {3, 1, 4}, 0, 5, 1, {2, -1, 3}},
@@ -55,14 +55,14 @@ TEST(CrossDotRotate, TurnsAPointAboutAnAxis) {
         SCOPED_TRACE(row.what);
         CrossDotRotate rotate;
         Vector point = {1, 2, 3};
-        rotate.Rotato(&point);  // which leaves it alone, as there is no rotation yet
+        rotate.Rotato(&point);  // no effect: no rotation is set
         EXPECT_EQ(rotate.SetParam(&row.axis, &row.center, row.cosValue, row.sinValue), row.result);
         rotate.Rotato(&point);
-        ExpectNear(point, row.turned);
+        ExpectNear(point, row.rotated);
     }
 }
 
-TEST(CrossDotRotate, TurnsOneVectorTowardsAnotherByTheRatio) {
+TEST(CrossDotRotate, RotatesOneVectorTowardsAnother) {
     CrossDotRotate rotate;
     Vector from = {2, 0, 0};
     Vector to = {1, 1, 0};

@@ -13,15 +13,14 @@
 namespace velm {
 namespace {
 
-/// A resource that writes down what it is told: "L" of a loss, "R" of a recovery; in lower case, its
-/// callbacks.
+/// A resource that logs "L" for a loss and "R" for a recovery, and "l" and "r" for its callbacks.
 class Probe final : public D3D9ResourceBase {
 public:
     explicit Probe(std::string* log) : m_log(log) {}
 
     using D3D9ResourceBase::Register;
 
-    void WriteCallbacks() {
+    void LogCallbacks() {
         SetUserCallback(
             m_log, [](D3D9ResourceBase*, void* log) { *static_cast<std::string*>(log) += "l"; },
             [](D3D9ResourceBase*, void* log, IDirect3DDevice9*, const D3DPRESENT_PARAMETERS&) {
@@ -49,7 +48,7 @@ protected:
     D3D9ResourceManagerTest() { m_parameters.BackBufferWidth = 640; }
     ~D3D9ResourceManagerTest() override { D3D9ResourceManager::Finalize(); }
 
-    /// What a loss and a recovery make the probes write.
+    /// What the probes log for a loss and a recovery.
     std::string Broadcast() {
         m_log.clear();
         D3D9ResourceManager::OnLost();
@@ -61,7 +60,7 @@ protected:
     std::string m_log;
 };
 
-TEST_F(D3D9ResourceManagerTest, OnlyALivingManagerReachesResources) {
+TEST_F(D3D9ResourceManagerTest, BroadcastsWhileInitialized) {
     auto probe = std::make_unique<Probe>(&m_log);
     probe->Register();
     EXPECT_EQ(Broadcast(), "");
@@ -79,19 +78,19 @@ TEST_F(D3D9ResourceManagerTest, OnlyALivingManagerReachesResources) {
     Probe other(&m_log);
     other.Register();  // both have the number 1
     probe.reset();
-    EXPECT_EQ(Broadcast(), "LR") << "an earlier manager's number removed somebody else";
+    EXPECT_EQ(Broadcast(), "LR") << "an earlier manager's number removed another resource";
     D3D9ResourceManager::Finalize();  // before the resource
 }
 
-TEST_F(D3D9ResourceManagerTest, EveryCopyHasAnEntryOfItsOwn) {
+TEST_F(D3D9ResourceManagerTest, RegistersEveryCopyOnItsOwn) {
     D3D9ResourceManager::Initialize();
     Probe probe(&m_log);
     const Probe ofUnregistered(probe);
     EXPECT_EQ(Broadcast(), "");
-    probe.WriteCallbacks();
+    probe.LogCallbacks();
     probe.Register();
     probe.Register();
-    EXPECT_EQ(Broadcast(), "lLRr") << "twice, or the callbacks are not around the resource's own work";
+    EXPECT_EQ(Broadcast(), "lLRr") << "twice, or the callbacks in the wrong order";
     {
         Probe constructed(probe);
         Probe assigned(&m_log);
@@ -102,12 +101,12 @@ TEST_F(D3D9ResourceManagerTest, EveryCopyHasAnEntryOfItsOwn) {
         EXPECT_EQ(constructed.seen, assigned.seen) << "a broadcast shows every resource the same copy";
         EXPECT_NE(constructed.seen, &m_parameters);
     }
-    EXPECT_EQ(Broadcast(), "lLRr") << "the end of a copy took the source's entry";
+    EXPECT_EQ(Broadcast(), "lLRr") << "destroying a copy removed the source's entry";
     probe = ofUnregistered;
-    EXPECT_EQ(Broadcast(), "LR") << "an assignment took the object's own entry, or left the callbacks";
+    EXPECT_EQ(Broadcast(), "LR") << "assignment removed the object's entry, or kept the callbacks";
 }
 
-TEST_F(D3D9ResourceManagerTest, ThreadsRegisterAndLeaveAtOnce) {
+TEST_F(D3D9ResourceManagerTest, SurvivesConcurrentRegistration) {
     D3D9ResourceManager::Initialize();
     std::vector<std::string> logs(8);
     std::deque<Probe> staying;

@@ -15,7 +15,8 @@ namespace {
 /// A surface that counts its references and leaves its device's set with the last one.
 class FakeSurface final : public IDirect3DSurface9 {
 public:
-    FakeSurface(std::set<FakeSurface*>& living, const D3DSURFACE_DESC& given) : desc(given), m_living(living) {}
+    FakeSurface(std::set<FakeSurface*>& living, const D3DSURFACE_DESC& given)
+        : desc(given), m_living(living) {}
 
     HRESULT WINAPI QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG WINAPI AddRef() override { return ++count; }

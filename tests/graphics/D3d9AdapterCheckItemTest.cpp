@@ -16,7 +16,7 @@ using Item = D3d9AdapterCheckItem;
 constexpr GUID kGuid = {0xABCDEF01, 0x2345, 0x6789, {0x0A, 1, 2, 3, 4, 5, 6, 0xFF}};
 constexpr GUID kOtherGuid = {0xABCDEF01, 0x2345, 0x6789, {0x0A, 1, 2, 3, 4, 5, 6, 0xFE}};
 
-/// By which of the operators -1 to 9 a rule with this operand holds for a fact, as bits.
+/// The operators, of -1 to 9, by which a rule with this operand holds for a fact; as bits.
 template <typename T, typename Set, typename Check>
 unsigned int Holding(T actual, T value, Set set, Check check) {
     unsigned int holding = 0;
@@ -28,7 +28,7 @@ unsigned int Holding(T actual, T value, Set set, Check check) {
     return holding;
 }
 
-// The operators that hold for each relation of fact and operand; the bit tests stand apart.
+// The operators that hold for each relation of fact and operand, without the bit tests.
 constexpr unsigned int kLess = 0x32;     // !=, <=, <
 constexpr unsigned int kEqual = 0x19;    // ==, >=, <=
 constexpr unsigned int kGreater = 0x0E;  // !=, >, >=
@@ -45,7 +45,7 @@ void ExpectIntegers(Set set, Check check, T smaller, T greater, unsigned int bit
     EXPECT_EQ(Holding<T>(0, 0, set, check), kEqual | kNoneSet);
 }
 
-TEST(D3d9AdapterCheckItem, IntegersCompareWithTheirOwnSignAndWidth) {
+TEST(D3d9AdapterCheckItem, ComparesIntegersBySignAndWidth) {
     ExpectIntegers<int>(&Item::SetAsInt32, &Item::CheckAsInt32, INT_MIN, 1, kNoneSet);
     ExpectIntegers<DWORD>(&Item::SetAsDWORD, &Item::CheckAsDWORD, 1, 0xFFFFFFFF, kAny);
     ExpectIntegers<unsigned int>(&Item::SetAsUINT, &Item::CheckAsUINT, 1, 0x80000000, kNoneSet);
@@ -53,7 +53,7 @@ TEST(D3d9AdapterCheckItem, IntegersCompareWithTheirOwnSignAndWidth) {
                               kAny);
 }
 
-TEST(D3d9AdapterCheckItem, OnlyNotEqualHoldsForANaN) {
+TEST(D3d9AdapterCheckItem, NotEqualAloneHoldsForNaN) {
     const float nan = std::nanf("");
     const struct {
         float actual, value;
@@ -69,14 +69,14 @@ TEST(D3d9AdapterCheckItem, OnlyNotEqualHoldsForANaN) {
     EXPECT_EQ(Holding<double>(1.0, 1.0 + DBL_EPSILON, &Item::SetAsDouble, &Item::CheckAsDouble), kLess);
 }
 
-TEST(D3d9AdapterCheckItem, TextsCompareWholeByUnsignedBytes) {
+TEST(D3d9AdapterCheckItem, ComparesTextsByUnsignedBytes) {
     const struct {
         const char *actual, *value;
         unsigned int holding;
     } rows[] = {{"AMD", "Intel", kLess},
                 {"Intel Arc", "Intel", kGreater},
                 {"\x80", "z", kGreater},
-                {"", nullptr, kEqual},  // no text counts as the empty one
+                {"", nullptr, kEqual},  // null counts as empty
                 {nullptr, "", 0}};
     for (const auto& [actual, value, holding] : rows) {
         EXPECT_EQ(Holding<const char*>(actual, value, &Item::SetAsString, &Item::CheckAsString), holding)
@@ -86,7 +86,7 @@ TEST(D3d9AdapterCheckItem, TextsCompareWholeByUnsignedBytes) {
     EXPECT_EQ(Holding<GUID>(kGuid, kOtherGuid, &Item::SetAsGUID, &Item::CheckAsGUID), 0x02U);
 }
 
-TEST(D3d9AdapterCheckItem, LongTextIsCutAt127Bytes) {
+TEST(D3d9AdapterCheckItem, CutsLongTextAt127Bytes) {
     const std::string tooLong(128, 'x');
     Item item;
     item.SetAsString(D3D9_ADAPTER_CHECK_VENDOR_NAME, D3D9_ADAPTER_COMPARE_EQUAL, tooLong.c_str());
@@ -95,7 +95,7 @@ TEST(D3d9AdapterCheckItem, LongTextIsCutAt127Bytes) {
     EXPECT_EQ(item.AsString(), tooLong.substr(101)) << "set from its own text";
 }
 
-/// What an item says of itself: its type, its text, what each getter reads, and which comparisons hold.
+/// The type, the text, all getters and all comparisons of an item.
 std::string ReadAll(Item item) {
     const GUID guid = item.AsGUID();
     std::ostringstream all;
@@ -108,7 +108,7 @@ std::string ReadAll(Item item) {
     return all.str();
 }
 
-TEST(D3d9AdapterCheckItem, AnotherTypeReadsAsZeroAndSatisfiesNothing) {
+TEST(D3d9AdapterCheckItem, ReadsOtherTypesAsZero) {
     const auto command = D3D9_ADAPTER_CHECK_CAPS3;
     const auto compare = D3D9_ADAPTER_COMPARE_NOT_EQUAL;
     Item items[9];

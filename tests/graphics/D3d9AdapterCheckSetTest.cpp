@@ -32,7 +32,7 @@ ItemPtr Number(D3d9AdapterCheckCommand command, DWORD value) {
     return Rule(&Item::SetAsDWORD, command, value);
 }
 
-/// What a check with the rules gave, and which rules its callback named.
+/// The result of a check, and the rules that its callback got.
 struct Outcome {
     unsigned int result = 0;
     bool passed = true;
@@ -54,7 +54,7 @@ Outcome CheckRules(const std::vector<ItemPtr>& rules, D3d9AdapterContext context
     return outcome;
 }
 
-TEST(D3d9AdapterCheckSet, StopsAtTheFirstRuleThatFailsAndNamesIt) {
+TEST(D3d9AdapterCheckSet, StopsAtTheFirstFailingRule) {
     const ItemPtr intel = Vendor("Intel");
     const ItemPtr amd = Vendor("AMD");
     const ItemPtr badType = Number(D3D9_ADAPTER_CHECK_VENDOR_NAME, 0x8087);
@@ -79,8 +79,8 @@ TEST(D3d9AdapterCheckSet, StopsAtTheFirstRuleThatFailsAndNamesIt) {
     }
 }
 
-// Each number is that of its command.
-TEST(D3d9AdapterCheckSet, EveryFactComesFromItsOwnField) {
+// Every fact has its command's number.
+TEST(D3d9AdapterCheckSet, ReadsEveryFactFromItsField) {
     constexpr GUID kIdentifier = {5, 6, 7, {8}};
     D3d9AdapterContext context;
     context.m_identifier.DriverVersion.QuadPart = -0x100000000LL + 7;
@@ -118,7 +118,7 @@ TEST(D3d9AdapterCheckSet, EveryFactComesFromItsOwnField) {
     }
 }
 
-TEST(D3d9AdapterContext, AFactThatCannotBeReadStaysAsItWas) {
+TEST(D3d9AdapterContext, KeepsFactsThatCannotBeRead) {
     FakeDirect3D9 first;
     first.identifier.VendorId = 1;
     first.caps.Caps = 2;
@@ -135,7 +135,7 @@ TEST(D3d9AdapterContext, AFactThatCannotBeReadStaysAsItWas) {
         second.failFrom = failFrom;
         second.queries = 0;
         EXPECT_EQ(context.Setup(&second, 5), VELM_ERROR_UTIL_D3D9_FAILED);
-        EXPECT_EQ(second.queries, failFrom + 1U) << "asked on after a failure";
+        EXPECT_EQ(second.queries, failFrom + 1U) << "queried on after a failure";
         EXPECT_EQ(context.m_pD3d9, &second);
         EXPECT_EQ(context.m_nAdapter, 5U);
         EXPECT_EQ(context.m_identifier.VendorId, failFrom > FakeDirect3D9::kIdentifier ? 11U : 1U);
@@ -147,7 +147,7 @@ TEST(D3d9AdapterContext, AFactThatCannotBeReadStaysAsItWas) {
     }
 }
 
-TEST(D3d9AdapterCheckSet, NullArgumentsNeverPassAnAdapter) {
+TEST(D3d9AdapterCheckSet, RejectsNullArguments) {
     D3d9AdapterCheckSet set;
     FakeDirect3D9 d3d;
     D3d9AdapterContext context;
@@ -165,7 +165,7 @@ TEST(D3d9AdapterCheckSet, NullArgumentsNeverPassAnAdapter) {
     EXPECT_EQ(type, D3D9_ADAPTER_PARAM_FLOAT);
 }
 
-TEST(D3d9AdapterCheckSet, BothKindsOfPointerKeepTheItem) {
+TEST(D3d9AdapterCheckSet, OwnsItemsOfBothPointerTypes) {
     const ItemPtr counted = Vendor("AMD");
     const std::shared_ptr<Item> standard(new Item);
     {

@@ -21,7 +21,7 @@ inline std::vector<yuv::Kernel> RunnableKernels() {
     return kernels;
 }
 
-/// The formula, with the numbers of the two standards written out.
+/// The formula, with the coefficients of the two standards.
 inline std::uint32_t PixelOf(const yuv::Matrix& matrix, int luma, int cb, int cr) {
     const auto clamp = [](int value) { return std::clamp(value >> 6, 0, 255); };
     const int y = 74 * (luma - 16);
@@ -34,13 +34,13 @@ inline std::uint32_t PixelOf(const yuv::Matrix& matrix, int luma, int cb, int cr
     return static_cast<std::uint32_t>(red << 16 | green << 8 | blue);
 }
 
-/// How a picture lies in memory. Rows may overlap in the planes that are read.
+/// Where a picture is in memory. Rows of the planes that are read may overlap.
 struct PictureLayout {
     std::size_t width, height;
     std::size_t yStride, uvStride;
     std::size_t argbStride;  // a multiple of 4, and at least the pixels of a row
     Guard guard;
-    std::size_t odd = 0;  // what the address and the stride of the output are over a multiple of 4
+    std::size_t odd = 0;  // added to the address and the stride of the output, both multiples of 4
 };
 
 /// A picture with each plane and the output in guarded memory of its own.
@@ -65,8 +65,9 @@ public:
     }
 
     /// Converts the picture.
-    /// @return the first row that is not what the formula gives, or has something written behind it, and how
-    ///         the picture lies; empty when there is none
+    /// @return the first row that differs from the formula or was written past its end, with the layout;
+    /// empty
+    ///         if none
     std::string FirstWrongRow(const yuv::Kernel& kernel, const yuv::Matrix& matrix) {
         const auto [width, height, yStride, uvStride, argbStride, guard, odd] = m_at;
         for (std::size_t row = 0; row < height; ++row) {

@@ -15,7 +15,7 @@ inline bool Matches(const std::string& text, std::string pattern) {
     return UrlSchemeUtil::checkDomain(text, pattern) == 0U;
 }
 
-/// The standard library's answer; empty if it calls the pattern invalid.
+/// The standard library's answer; empty if it rejects the pattern.
 inline std::optional<bool> MatchesStandard(const std::string& text, const std::string& pattern) {
     try {
         return std::regex_match(text, std::regex(pattern));
@@ -24,9 +24,9 @@ inline std::optional<bool> MatchesStandard(const std::string& text, const std::s
     }
 }
 
-/// Whether libstdc++ may depart from ECMAScript: `^`, `\b` or `\B` in a look-ahead, `\c`, and `\u` above
+/// Whether libstdc++ may differ from ECMAScript: `^`, `\b` or `\B` in a look-ahead, `\c`, and `\u` above
 /// 00FF.
-inline bool MayDepart(const std::string& pattern) {
+inline bool MayDiffer(const std::string& pattern) {
     static const std::regex departures(R"(\(\?[=!][^]*(\^|\\[bB])|\\c|\\u(?!00))");
     return std::regex_search(pattern, departures);
 }

@@ -9,7 +9,7 @@
 
 namespace velm::test {
 
-/// The components and the parameters, each as its text.
+/// The components, then the parameters, as text.
 using UrlParts = std::vector<std::string>;
 
 inline UrlParts WithParameters(UrlParts parts, const std::map<std::string, std::string>& parameters) {
@@ -25,8 +25,8 @@ inline UrlParts PartsOf(const UrlParser& parser) {
         parser.ParamMap());
 }
 
-/// The same from the expression of RFC 3986 and a split of the query; six empty texts if the URL is invalid.
-/// Uses the stack for every character.
+/// The same by the regular expression of RFC 3986 and a split of the query; six empty texts if the URL is
+/// invalid. Stack use grows with the text.
 inline UrlParts PartsByExpression(const std::string& url) {
     static const std::regex whole(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
     static const std::regex pairs("([^=&]*=[^=&]*(&[^=&]*=[^=&]*)*)?");

@@ -12,7 +12,7 @@
 namespace velm {
 namespace {
 
-TEST(UrlParser, ItsOwnTextNoTextAndUnknownNames) {
+TEST(UrlParser, ParsesItsOwnTextAndNull) {
     UrlParser parser;
     ASSERT_EQ(parser.Parse("s://h/p?k=v#f"), 0U);
     const UrlParser copy(parser);
@@ -25,7 +25,7 @@ TEST(UrlParser, ItsOwnTextNoTextAndUnknownNames) {
     EXPECT_EQ(test::PartsOf(parser), test::UrlParts(6));
 }
 
-TEST(UrlParser, EqualsTheExpressionOnRandomText) {
+TEST(UrlParser, MatchesTheExpressionOnRandomText) {
     const std::string_view alphabet = "::://///???###&&&&====aabZ09.-%+ \r\n\x7F\x80\xC3\xFF";
     std::mt19937 random = test::SeededRandom();
     UrlParser parser;

@@ -58,9 +58,7 @@ public:
 class IDirect3DDevice9 : public IUnknown {
 public:
     virtual HRESULT WINAPI Reset(D3DPRESENT_PARAMETERS* presentParameters) = 0;
-    virtual HRESULT WINAPI Present(const RECT*, const RECT*, HWND, const void*) {
-        return D3DERR_INVALIDCALL;
-    }
+    virtual HRESULT WINAPI Present(const RECT*, const RECT*, HWND, const void*) { return D3DERR_INVALIDCALL; }
     virtual HRESULT WINAPI GetBackBuffer(UINT, UINT, D3DBACKBUFFER_TYPE, IDirect3DSurface9**) {
         return D3DERR_INVALIDCALL;
     }
