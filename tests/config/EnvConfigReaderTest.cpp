@@ -16,28 +16,28 @@ std::string Read(const std::string& name) {
     return value;
 }
 
-TEST(EnvConfigReader, VariablesAreNotTakenForOneAnother) {
+TEST(EnvConfigReader, FindsVariablesByName) {
     ASSERT_EQ(_wputenv(L"VELM_TEST=a=b \x20AC\xD83D\xDE00"), 0);
     ASSERT_EQ(_wputenv(L"VELM_TEST_GONE=x"), 0);
     ASSERT_EQ(_wputenv(L"VELM_TEST_GONE="), 0);
     ASSERT_EQ(_wputenv(L"VELM_TEST_\xE9=accent"), 0);
-#if !defined(_MSC_VER)  // its runtime has an environment of its own, where nothing can be set but empty
+#if !defined(_MSC_VER)  // its runtime copies the environment and has no empty variables
     ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_EMPTY", L""));
     EXPECT_EQ(Read("VELM_TEST_EMPTY"), "") << "set but empty is not missing";
 #endif
     const std::pair<std::string, std::string> rows[] = {
         {std::string("velm_Test\0x", 11), "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
         {"VELM_TEST_GONE", "old"},
-        {"VELM_TEST_\x82", "accent"},   // the letter in code page 437
-        {"VELM_TEST_\xC3\xA9", "old"},  // and in UTF-8, which is not that of names
+        {"VELM_TEST_\x82", "accent"},   // in code page 437
+        {"VELM_TEST_\xC3\xA9", "old"},  // in UTF-8, which names do not use
     };
     for (const auto& [name, value] : rows) {
         EXPECT_EQ(Read(name), value) << name;
     }
 }
 
-#if !defined(_MSC_VER)  // there the runtime itself reads the value, and Wine's takes no lock for it
-TEST(EnvConfigReader, AValueThatChangesIsReadWhole) {
+#if !defined(_MSC_VER)  // its runtime reads the value itself, in Wine without a lock
+TEST(EnvConfigReader, ReadsChangingValuesWhole) {
     const std::wstring longEntry = L"VELM_TEST_RACE=" + std::wstring(5000, L'l');
     ASSERT_EQ(_wputenv(L"VELM_TEST_RACE=short"), 0);
     std::atomic<bool> stop{false};

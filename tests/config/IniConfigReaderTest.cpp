@@ -7,7 +7,7 @@
 
 #include "TemporaryFile.h"
 
-// The expectations are what Wine 8 answers.
+// What Wine 8 answers.
 namespace velm {
 namespace {
 
@@ -30,7 +30,7 @@ void ExpectRead(const Setting& row) {
     EXPECT_EQ(value, row.value) << testing::PrintToString(row.file);
 }
 
-TEST(IniConfigReader, TextsFollowTheRulesOfTheSystem) {
+TEST(IniConfigReader, ReadsTextsLikeTheSystem) {
     for (const Setting& row : {
              Setting{"[s]\n  k  =  a b  \n", "a b"},
              {"[s]\nk=\n", ""},
@@ -50,7 +50,7 @@ TEST(IniConfigReader, TextsFollowTheRulesOfTheSystem) {
     }
 }
 
-TEST(IniConfigReader, NumbersFollowTheRulesOfTheSystem) {
+TEST(IniConfigReader, ReadsNumbersLikeTheSystem) {
     const std::pair<std::string, int> rows[] = {
         {"k=  +7 ", 7}, {"k=-5x", -5},        {"k=- 5", 0}, {"k=0xabCDefg", 0xABCDEF},
         {"k=010", 10},  {"k=4294967295", -1}, {"k=", -3},   {"j=1", -3}};
@@ -62,7 +62,7 @@ TEST(IniConfigReader, NumbersFollowTheRulesOfTheSystem) {
     }
 }
 
-TEST(IniConfigReader, NoFileGivesTheDefault) {
+TEST(IniConfigReader, GivesTheDefaultWithoutAFile) {
     const std::string folder = std::filesystem::current_path().string();
     for (const std::string& missing : {folder + "/none.ini", folder}) {
         std::string value;
@@ -71,12 +71,12 @@ TEST(IniConfigReader, NoFileGivesTheDefault) {
     }
 }
 
-TEST(IniConfigReader, LongValuesAreCutAtTheBuffer) {
+TEST(IniConfigReader, TruncatesLongValues) {
     const std::string as(1023, 'a');
     for (const std::string& value : {as, '"' + as + "b\"", as + std::string(1 << 20, 'b')}) {
         ExpectRead({"[s]\nk=" + value + "\n", as});
     }
-    const std::string text = as.substr(1);  // and a pair that is cut in two
+    const std::string text = as.substr(1);  // then a surrogate pair cut in two
     ExpectRead({"\xEF\xBB\xBF[s]\nk=" + text + "\xF0\x9F\x98\x80", text + "\xEF\xBF\xBD"});
 }
 

@@ -16,7 +16,7 @@
 namespace velm {
 namespace {
 
-/// The value, written out, or what is wrong.
+/// The value as text, or the error.
 std::string Parse(JsonConfigReader& reader) {
     picojson::value value;
     std::string error;
@@ -46,10 +46,11 @@ std::string Repeat(const std::string& text, int count) {
 
 const std::string kError = "syntax error at line 1 near: ";
 
-TEST(JsonConfigReader, FilesAreReadAsTheirLinesJoined) {
+TEST(JsonConfigReader, ReadsFilesAsJoinedLines) {
+    JsonConfigReader reader;
     for (const auto& [content, answer] : {std::pair<std::string, std::string>{"[1\n2]\n", "[12]"},
                                           {"[1\r\n2]", "[12]"},
-                                          {"[1\r2]", kError + "2]"},  // a CR alone is a blank
+                                          {"[1\r2]", kError + "2]"},  // a lone CR is white space
                                           {"[\"a\r\r\nb\"]", kError + "b\"]"},
                                           {"\xEF\xBB\xBF[1]", "[1]"},
                                           {"\xEF\xBB", kError + "\xEF\xBB"},
@@ -57,13 +58,12 @@ TEST(JsonConfigReader, FilesAreReadAsTheirLinesJoined) {
                                           {"[1\x1A]", kError},
                                           {"", kError}}) {
         const test::TemporaryFile file("file.json", content);
-        JsonConfigReader reader;
         ASSERT_EQ(reader.ReadFile(file.Name()), 0);
         EXPECT_EQ(Parse(reader), answer) << testing::PrintToString(content);
     }
 }
 
-TEST(JsonConfigReader, UnreadableFilesKeepTheTextHeld) {
+TEST(JsonConfigReader, KeepsItsTextIfNoFileOpens) {
     JsonConfigReader reader;
     reader.Read("[1]");
     EXPECT_EQ(reader.ReadFile("none.json"), 1);
@@ -71,7 +71,7 @@ TEST(JsonConfigReader, UnreadableFilesKeepTheTextHeld) {
     EXPECT_EQ(reader.ReadFile(std::filesystem::current_path().string()), 1);
 }
 
-TEST(JsonConfigReader, WhatFollowsIsIgnoredAndNoNumberIsInfinite) {
+TEST(JsonConfigReader, IgnoresTheRestAndRejectsInfinity) {
     for (const auto& [text, answer] :
          {std::pair<std::string, std::string>{"{} word", "{}"},
           {"1 " + Repeat("[", 200), "1"},
@@ -83,7 +83,7 @@ TEST(JsonConfigReader, WhatFollowsIsIgnoredAndNoNumberIsInfinite) {
     }
 }
 
-/// The bits of the number that a text is read as.
+/// The bits of the double that the reader makes of a number.
 std::uint64_t ReadBits(const std::string& text) {
     JsonConfigReader reader;
     picojson::value value;
@@ -93,8 +93,8 @@ std::uint64_t ReadBits(const std::string& text) {
     return value.is<double>() ? std::bit_cast<std::uint64_t>(value.get<double>()) : ~std::uint64_t{0};
 }
 
-TEST(JsonConfigReader, LongNumbersAreExactAndTakeNoTime) {
-    const auto start = std::chrono::steady_clock::now();
+TEST(JsonConfigReader, ReadsLongNumbersExactlyAndFast) {
+    const auto begin = std::chrono::steady_clock::now();
     const std::string zeros(100'000, '0');
     const std::pair<std::string, double> rows[] = {{std::string(100'000, '9') + "e-100000", 1},
                                                    {"-1" + zeros + "e-100000", -1},
@@ -111,12 +111,12 @@ TEST(JsonConfigReader, LongNumbersAreExactAndTakeNoTime) {
     }
     EXPECT_EQ(ParseText("[1" + zeros + "e-99000, 2]"), kError + ", 2]");
     EXPECT_EQ(ParseText("[1e99999999999999999999]"), kError + "]");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << "43 s in quadratic time";
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2)) << "43 s in quadratic time";
 }
 
-// A long double, where it is longer than a double, holds the middle between two doubles, which takes up to
-// 767 digits to write.
-TEST(JsonConfigReader, NumbersAreTheNearestDouble) {
+// A long double, where it is longer than a double, holds the midpoint of two doubles, which has up to 767
+// digits.
+TEST(JsonConfigReader, RoundsNumbersToTheNearestDouble) {
     std::mt19937_64 random(test::SeededRandom()());
     for (int i = 0; i < 2000; ++i) {
         const std::uint64_t low = random() % 0x7FEFFFFFFFFFFFFF >> (i % 8 == 0 ? 12 : 0);
@@ -136,7 +136,7 @@ TEST(JsonConfigReader, NumbersAreTheNearestDouble) {
     }
 }
 
-TEST(JsonConfigReader, AnErrorOnEntryIsNeverASuccess) {
+TEST(JsonConfigReader, KeepsAnEarlierError) {
     JsonConfigReader reader;
     picojson::value value;
     std::string error = "x";
@@ -146,12 +146,12 @@ TEST(JsonConfigReader, AnErrorOnEntryIsNeverASuccess) {
     EXPECT_EQ(value.serialize(), "[1]");
     reader.Read(Repeat("[{\"a\":", 100));
     EXPECT_FALSE(reader.getJsonValue(value, error));
-    EXPECT_EQ(error, kError + "{\"a\":" + Repeat("[{\"a\":", 49)) << "behind the bracket of level 101";
-    EXPECT_EQ(value.serialize(), "[1]") << "too deep a text changes nothing";
-    EXPECT_EQ(ParseText("[1 2\n" + Repeat("[", 200)), kError + "2") << "an error ahead of that bracket";
+    EXPECT_EQ(error, kError + "{\"a\":" + Repeat("[{\"a\":", 49)) << "after the bracket of level 101";
+    EXPECT_EQ(value.serialize(), "[1]") << "text that is too deep changed the value";
+    EXPECT_EQ(ParseText("[1 2\n" + Repeat("[", 200)), kError + "2") << "an error before that bracket";
 }
 
-TEST(JsonConfigReader, RandomTextsGetPicojsonsAnswer) {
+TEST(JsonConfigReader, MatchesPicojsonOnRandomText) {
     std::mt19937 random = test::SeededRandom();
     const std::string any[] = {"[",  "]", "{",      "}",       "\"",   "\\", ",", ":",  "1",
                                "\n", " ", "\"a\":", "\\u00e9", "null", ".",  "-", "e-", "+"};
@@ -162,7 +162,7 @@ TEST(JsonConfigReader, RandomTextsGetPicojsonsAnswer) {
             for (auto left = random() % 40; left != 0; --left) {
                 text += any[random() % std::size(any)];
             }
-        } else {  // brackets in strings of all lengths, then arrays that are just deep enough or too deep
+        } else {  // brackets in strings of any length, then arrays at the depth limit or one deeper
             for (auto strings = random() % 8; strings != 0; --strings) {
                 text += '"';
                 for (auto left = random() % 100; left != 0; --left) {

@@ -10,17 +10,17 @@ namespace {
 
 using Bytes = std::array<unsigned char, 34>;
 
-TEST(KeyStringToByteData, DigitsOfEveryKindGiveTheirHalfByte) {
+TEST(KeyStringToByteData, ConvertsEveryKindOfDigit) {
     std::string text = "0123456789abcdefABCDEFgG z/:@`\xFF\x80\xC3\xA9";
     text.resize(64, '0');
     const Bytes expected = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF, 0xAB,
                             0xCD, 0xEF, 0x77, 0x0A, 0xFA, 0x00, 0xF0, 0x39};
     Bytes buffer{};
     EXPECT_EQ(KeyStringToByteData::Translate(100, (text + "ffff").c_str(), 34, buffer.data()), 0U);
-    EXPECT_EQ(buffer, expected) << "of 64 digits, and nothing behind";
+    EXPECT_EQ(buffer, expected) << "64 digits and no more";
 }
 
-TEST(KeyStringToByteData, LengthsBelowTheMinimumTouchNothing) {
+TEST(KeyStringToByteData, RejectsShortLengths) {
     const std::string text(64, 'f');
     Bytes buffer{};
     for (const auto& [textLength, bufferLength] : {std::pair{63, 32}, {64, 31}, {-1, 32}, {64, -1}}) {

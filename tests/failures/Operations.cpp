@@ -224,19 +224,25 @@ long long RaiseThread(const Attempt& attempt) {
     return attempt([&] { return thread.StartThreadPriorityHigh(); });
 }
 
+/// Windows leave messages, which take memory until they are read.
+void EmptyMessageQueue() {
+    for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+    }
+}
+
 long long StartWatchdog(const Attempt& attempt) {
     const UniqueWindow window = MakeWindow();
     WatchdogChecker checker;
     const long long code = attempt([&] { return Watchdog::GetInstance()->Start(window.get(), &checker); });
     Watchdog::GetInstance()->Stop();
+    EmptyMessageQueue();
     return code;
 }
 
 long long CallWindow(const Attempt& attempt) {
     const UniqueWindow window = MakeWindow();
     const long long done = attempt([&] { return W::CallSetWindowText(window.get(), kText.c_str()); });
-    MSG message;  // each new title leaves one, which takes memory until it is read
-    PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);
+    EmptyMessageQueue();
     return done;
 }
 

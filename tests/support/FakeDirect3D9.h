@@ -5,7 +5,7 @@
 
 namespace velm::test {
 
-/// Direct3D with made-up adapters: each query answers what was set, or fails from `failFrom` on.
+/// Direct3D with one made-up adapter. Queries give its facts; those from `failFrom` on fail.
 class FakeDirect3D9 final : public IDirect3D9 {
 public:
     enum Query { kIdentifier, kCaps, kMode, kNone };
@@ -26,7 +26,7 @@ public:
         return Answer(kMode, mode, out);
     }
 
-    // What the library does not call.
+    // The library does not call these.
     HRESULT WINAPI QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG WINAPI AddRef() override { return 1; }
     ULONG WINAPI Release() override { return 1; }

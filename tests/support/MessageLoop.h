@@ -17,11 +17,11 @@ inline UniqueWindow MakeWindow(const wchar_t* className = L"STATIC") {
         CreateWindowExW(0, className, L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr));
 }
 
-/// What a message loop saw.
+/// What a message loop received.
 struct LoopResult {
     bool quit = false;
     int exitCode = 0;
-    int ticks = 0;  // timer messages with a function
+    int ticks = 0;  // timer messages with a callback
 };
 
 /// Runs the calling thread's message loop until a quit message, or for a time.

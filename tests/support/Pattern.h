@@ -5,7 +5,7 @@
 
 namespace velm::test {
 
-/// Bytes that differ from their neighbours, so that a lost, doubled or swapped one shows.
+/// Pseudo-random bytes, so that a lost, repeated or swapped one shows.
 inline std::vector<unsigned char> Pattern(std::size_t size, unsigned int seed = 1) {
     std::vector<unsigned char> bytes(size);
     for (unsigned char& byte : bytes) {

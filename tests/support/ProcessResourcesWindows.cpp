@@ -41,7 +41,7 @@ long long CountHeapBytes() {
     return bytes;
 }
 
-/// Wine does not tell how many there are, but finds each by its place in the table alone.
+/// Wine does not count them, but finds each by its index in the table alone.
 long long CountGraphicsObjects() {
     const long long told = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     long long found = 0;

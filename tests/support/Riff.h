@@ -4,7 +4,7 @@
 
 namespace velm::test {
 
-/// RIFF text, piece by piece.
+/// Numbers, chunks and files in RIFF format.
 inline std::string Le16(unsigned int value) {
     return {static_cast<char>(value), static_cast<char>(value >> 8)};
 }
@@ -13,7 +13,7 @@ inline std::string Le32(unsigned int value) {
     return Le16(value) + Le16(value >> 16);
 }
 
-/// A chunk whose size field says what its body has, with the pad byte of an odd one.
+/// A chunk with the right size field, and a pad byte after an odd body.
 inline std::string Chunk(const std::string& tag, const std::string& body) {
     return tag + Le32(static_cast<unsigned int>(body.size())) + body + std::string(body.size() % 2, '\0');
 }

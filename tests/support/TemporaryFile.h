@@ -7,7 +7,7 @@
 
 namespace velm::test {
 
-/// A file with given content, in the folder of the test, removed at the end.
+/// A file with the given content, removed by the destructor.
 class TemporaryFile {
 public:
     /// @param name  UTF-8
