@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <tuple>
-#include <vector>
 
 #include "Pattern.h"
 
-namespace velm {
-namespace {
+namespace velm::audio_frame_test {
 
 using Bytes = std::vector<unsigned char>;
 
@@ -99,5 +97,4 @@ TEST(AudioFrame, WriterAcceptsAnySizeThatFits) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::audio_frame_test

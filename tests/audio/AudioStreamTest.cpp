@@ -6,13 +6,11 @@
 #include <deque>
 #include <functional>
 #include <iterator>
-#include <vector>
 
 #include "Pattern.h"
 #include "RandomSeed.h"
 
-namespace velm {
-namespace {
+namespace velm::audio_stream_test {
 
 using Bytes = std::vector<unsigned char>;
 
@@ -99,5 +97,4 @@ TEST(AudioStream, FailsWithoutStorageOrData) {
     EXPECT_EQ(shapes[0].GetFreeSampleSize(), 0U);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::audio_stream_test

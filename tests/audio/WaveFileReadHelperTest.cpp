@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <string>
-#include <vector>
 
 #include "Pattern.h"
 #include "Riff.h"
@@ -12,8 +10,7 @@
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/FileReader.h"
 
-namespace velm {
-namespace {
+namespace velm::wave_file_read_helper_test {
 
 using namespace test;
 
@@ -176,5 +173,4 @@ TEST(WaveFileReadHelper, RejectsInvalidArgumentsAndState) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::wave_file_read_helper_test

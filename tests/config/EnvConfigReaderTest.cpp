@@ -7,8 +7,7 @@
 #include <cstdlib>
 #include <thread>
 
-namespace velm {
-namespace {
+namespace velm::env_config_reader_test {
 
 std::string Read(const std::string& name) {
     std::string value = "old";
@@ -55,5 +54,4 @@ TEST(EnvConfigReader, ReadsChangingValuesWhole) {
 }
 #endif
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::env_config_reader_test

@@ -3,13 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
 
 #include "TemporaryFile.h"
 
 // What Wine 8 answers.
-namespace velm {
-namespace {
+namespace velm::ini_config_reader_test {
 
 using namespace std::string_literals;
 
@@ -80,5 +78,4 @@ TEST(IniConfigReader, TruncatesLongValues) {
     ExpectRead({"\xEF\xBB\xBF[s]\nk=" + text + "\xF0\x9F\x98\x80", text + "\xEF\xBF\xBD"});
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::ini_config_reader_test

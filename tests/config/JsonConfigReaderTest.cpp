@@ -7,14 +7,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <random>
-#include <string>
 
 #include "RandomSeed.h"
 #include "TemporaryFile.h"
 
-namespace velm {
-namespace {
+namespace velm::json_config_reader_test {
 
 /// The value as text, or the error.
 std::string Parse(JsonConfigReader& reader) {
@@ -177,5 +174,4 @@ TEST(JsonConfigReader, MatchesPicojsonOnRandomText) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::json_config_reader_test

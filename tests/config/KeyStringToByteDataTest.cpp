@@ -5,8 +5,7 @@
 #include <array>
 #include <string>
 
-namespace velm {
-namespace {
+namespace velm::key_string_to_byte_data_test {
 
 using Bytes = std::array<unsigned char, 34>;
 
@@ -32,5 +31,4 @@ TEST(KeyStringToByteData, RejectsShortLengths) {
     EXPECT_EQ(buffer[31], 0xFF);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::key_string_to_byte_data_test

@@ -3,14 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
 
 #include "Pattern.h"
 #include "TemporaryFile.h"
 #include "velm/core/CoreErrorCode.h"
 
-namespace velm {
-namespace {
+namespace velm::file_reader_test {
 
 using test::TemporaryFile;
 
@@ -74,5 +72,4 @@ TEST(FileReader, ReportsWhyReadingFails) {
     EXPECT_EQ(reader.ReadU8(&byte), VELM_ERROR_CORE_NOT_INITIALIZED);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::file_reader_test

@@ -2,12 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "velm/core/CoreErrorCode.h"
 
-namespace velm {
-namespace {
+namespace velm::path_helper_test {
 
 TEST(PathHelper, FindsTheDirectory) {
     const char* const cases[][2] = {
@@ -48,5 +45,4 @@ TEST(PathHelper, ConvertsAnySizeAndNuls) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::path_helper_test

@@ -53,8 +53,7 @@ unsigned char RtlDllShutdownInProgress() {
 }
 #endif
 
-namespace velm {
-namespace {
+namespace velm::synchronization_test {
 
 /// Expects that an operation never sleeps and makes a number of calls that wake threads.
 template <typename Run>
@@ -267,5 +266,4 @@ TEST(Synchronization, NeverBlocksWhileTheProcessEnds) {
 }
 #endif
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::synchronization_test

@@ -12,8 +12,7 @@
 #include <pthread.h>
 #endif
 
-namespace velm {
-namespace {
+namespace velm::thread_test {
 
 void Start(Thread& thread, int (*function)(void*), void* argument, const ThreadConfig& config = {}) {
     ASSERT_EQ(thread.Initialize(config, function, argument), 0U);
@@ -102,5 +101,4 @@ TEST(Thread, AppliesNameAndStackSize) {
 }
 #endif
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::thread_test

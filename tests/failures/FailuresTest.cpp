@@ -1,5 +1,5 @@
 /// @file
-/// Fails each allocation that the libraries make, one at a time in every operation.
+/// Fails each allocation that the libraries make, one at a time, in every operation.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -24,10 +24,10 @@ bool Fail(const Operation& operation, Shortage shortage) {
     };
     const long long blocks = g_memory.blocks;
     const long long outcome = RunOne(operation, {begin, [] { g_memory.isShort = false; }});
-    // The first runs, which lack nothing, fill what the system below keeps.
+    // The first runs, without a shortage, fill the system's caches.
     if (shortage.from != kNever && !operation.keeps) {
         for (int i = 0; i < 1000 && g_memory.blocks > blocks; ++i) {
-            Sleep(1);  // a thread that has been joined may still be winding up
+            Sleep(1);  // a joined thread may still be exiting
         }
         EXPECT_LE(g_memory.blocks, blocks);
     }
@@ -37,7 +37,7 @@ bool Fail(const Operation& operation, Shortage shortage) {
     return g_memory.didFail;
 }
 
-TEST(Failures, MemoryThatRunsOutGivesTheDocumentedOutcome) {
+TEST(Failures, ShortMemoryGivesTheDocumentedOutcome) {
     ReplaceAllocator();
     int cases = 0;
     for (const Operation& operation : AllOperations()) {

@@ -1,5 +1,5 @@
 /// @file
-/// Memory that runs out in the libraries. MemoryPosix.cpp and MemoryWindows.cpp replace what allocates.
+/// Makes the libraries run out of memory. MemoryPosix.cpp and MemoryWindows.cpp replace the allocator.
 #pragma once
 
 #include <atomic>
@@ -7,7 +7,7 @@
 
 namespace velm::test {
 
-/// Which allocations fail: all from the one of this number on, or that one only.
+/// Which allocations fail: all from this number on, or only this one.
 struct Shortage {
     long long from = 0;
     bool once = false;
@@ -32,7 +32,7 @@ inline bool MayAllocate() {
         return true;
     }
     g_memory.didFail = true;
-    errno = ENOMEM;  // which the C library relies on when it starts a thread
+    errno = ENOMEM;  // the C library needs it when it starts a thread
     return false;
 }
 
@@ -42,10 +42,10 @@ inline void* CountBlock(void* block) {
     return block;
 }
 
-/// Begins to count blocks and to fail allocations in the libraries.
+/// Starts to count blocks and to fail allocations in the libraries.
 void ReplaceAllocator();
 
-/// The handles and the like that the process has open.
+/// The number of open handles, and of device contexts on Linux.
 long long CountOpen();
 
 }  // namespace velm::test

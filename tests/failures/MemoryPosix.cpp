@@ -1,5 +1,5 @@
 /// @file
-/// On Linux a program can replace the allocator for the libraries that it uses, too.
+/// On Linux a program can replace the allocator of its libraries, too.
 #include <cstdlib>
 #include <new>
 
@@ -12,7 +12,7 @@ using velm::test::MayAllocate;
 #define VELM_TEST_MALLOC std::malloc  // the sanitizer has replaced it already
 #else
 #define VELM_TEST_MALLOC __libc_malloc
-// The C library's own, for what it and the layer below the libraries allocate.
+// The C library's own functions, for its allocations and those of the layer below the libraries.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

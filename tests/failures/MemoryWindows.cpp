@@ -1,7 +1,6 @@
 /// @file
-/// On Windows each library calls the allocator through a table of addresses of its own, which is overwritten
-/// here. That of the test program itself is, too: it frees what the libraries allocate. Its own allocations
-/// do not fail.
+/// On Windows each library calls the allocator through its own import table, which is overwritten here. So is
+/// that of the test program, because it frees blocks of the libraries; its own allocations do not fail.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -25,7 +24,7 @@ const auto g_calloc = Original("calloc", &calloc);
 const auto g_realloc = Original("realloc", &realloc);
 const auto g_free = Original("free", &free);
 
-/// The allocator that the libraries see, or the program.
+/// The allocator of the libraries, or of the program.
 template <bool canFail>
 struct Allocator {
     static bool May() { return !canFail || MayAllocate(); }
@@ -68,7 +67,7 @@ void ReplaceIn(const wchar_t* moduleName) {
 
 void ReplaceAllocator() {
     try {
-        throw 0;  // for which the program's runtime, unlike the libraries', takes memory the first time
+        throw 0;  // the program's runtime allocates for its first exception
     } catch (int) {
     }
     ReplaceIn<true>(L"VelmCore.dll");

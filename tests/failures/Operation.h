@@ -1,5 +1,5 @@
 /// @file
-/// What the libraries do, and what each of it makes of a failure.
+/// The operations of the libraries, and the outcomes of each when something below fails.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,10 +14,10 @@
 
 namespace velm::test {
 
-/// The outcome of an operation that lets std::bad_alloc pass.
+/// The outcome of an operation that throws std::bad_alloc.
 constexpr long long kThrew = -1000;
 
-/// The outcomes of what writes a text and gives no code: as it was, emptied, or the expected.
+/// The outcomes of operations that write a text and give no code: unchanged, emptied, or as expected.
 enum Written : long long { kOld, kEmpty, kNew };
 
 inline long long Number(ErrorCode code) {
@@ -28,7 +28,7 @@ long long Number(T value) {
     return static_cast<long long>(value);
 }
 
-/// One run of an operation: what it prepares succeeds, and what it hands to the attempt may fail.
+/// One run of an operation: its preparation succeeds; the body that it passes on may fail.
 struct Attempt {
     std::function<void()> begin;
     std::function<void()> end;
@@ -46,14 +46,14 @@ struct Attempt {
     }
 };
 
-/// One of a class, or of what goes the same way.
+/// One per class, or per group of functions with the same code path.
 struct Operation {
     std::string what;
     std::function<long long(const Attempt&)> run;
-    long long outcome = 0;              ///< when nothing fails, and allowed when something does
+    long long outcome = 0;              ///< when nothing fails; also allowed otherwise
     std::vector<long long> noMemory{};  ///< the outcomes when an allocation fails
-    bool keeps = false;                 ///< takes memory for good
-    int slowness = 1;                   ///< how many times as long as others it takes
+    bool keeps = false;                 ///< never frees its memory
+    int slowness = 1;                   ///< run time compared with the others
 };
 
 const std::vector<Operation>& AllOperations();

@@ -28,7 +28,7 @@ constexpr long long kCoreNoMemory = VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
 constexpr long long kCoreInvalid = VELM_ERROR_CORE_INVALID_PARAM;
 constexpr long long kCoreUnknown = VELM_ERROR_CORE_UNKNOWN;
 
-// Texts that do not fit into a string object itself.
+// Texts that need memory of their own.
 const std::string kText = "a text that is longer than a string object";
 const std::wstring kWide(kText.begin(), kText.end());
 
@@ -36,7 +36,7 @@ const std::string kFile = "./a-file-with-a-long-name.ini";
 const std::string kKey = "a section or a key with a long name";
 const TemporaryFile g_file(kFile, '[' + kKey + "]\n" + kKey + '=' + kText + '\n');
 
-/// An operation that gives a text and a code: when it fails, the text stays.
+/// An operation that gives a text and a code; on failure it keeps the text.
 template <typename Text, typename Body>
 auto Converts(const Text& expected, Body body) {
     return [=](const Attempt& attempt) {
@@ -44,7 +44,7 @@ auto Converts(const Text& expected, Body body) {
         Text out = old;
         const long long code = attempt([&] { return body(out); });
         EXPECT_EQ(out, code == 0 ? expected : old);
-        EXPECT_EQ(body(out), 0U) << "a second time";
+        EXPECT_EQ(body(out), 0U) << "a retry";
         return code;
     };
 }
@@ -59,7 +59,7 @@ auto Writes(Body body) {
     };
 }
 
-/// An operation that needs nothing prepared.
+/// An operation without preparation.
 template <typename Body>
 auto Does(Body body) {
     return [=](const Attempt& attempt) { return attempt(body); };
@@ -75,13 +75,6 @@ long long MakeFrameRing(const Attempt& attempt) {
     const long long code = attempt([&] { return stream.Initialize(); });
     EXPECT_EQ(stream.PushBackClearFrame(), 0U);
     return code;
-}
-
-ErrorCode ConvertPicture() {
-    unsigned char plane[4] = {};
-    unsigned int argb[4];
-    Yuv420ToArgb8888_BT601(plane, plane, plane, 2, 1, 2, 2, argb, sizeof argb / 2);
-    return 0;
 }
 
 long long CheckRules(const Attempt& attempt) {
@@ -167,7 +160,7 @@ ErrorCode ReadLink() {
                                parts[0], parts[1]);
 }
 
-// One byte through the buffer, and a block past it.
+// One byte by way of the buffer, then a block that bypasses it.
 ErrorCode ReadFileThrough() {
     static const TemporaryFile file("failures.bin", std::string(300'000, 'x'));
     static std::string buffer(200'000, '\0');
@@ -205,7 +198,8 @@ long long StartAndJoin(const Attempt& attempt) {
         return result.IsFailed() ? result : thread.Join(nullptr);
     };
     const long long code = attempt(run);
-    EXPECT_TRUE(code == 0 || thread.Join(nullptr) == 0U || run() == 0U) << "neither joined nor started again";
+    EXPECT_TRUE(code == 0 || thread.Join(nullptr) == 0U || run() == 0U)
+        << "could be neither joined nor restarted";
     return code;
 }
 
@@ -273,7 +267,6 @@ std::vector<Operation> MakeOperations() {
         {"AudioFrame", Does(CopyFrame), 0, {kNoMemory}},
         {"AudioStream", Does([] { return AudioStream(9, 2, 16).Initialize(); }), 0, {kNotReady}},
         {"AudioFrameStream", MakeFrameRing, 0, {kNoMemory}, false, 50},
-        {"Yuv420ToArgb8888", Does(ConvertPicture)},
         {"D3d9AdapterCheckSet", CheckRules, 0, {kNoMemory}},
         {"D3d9AdapterRules", ReadRules, 0, {kNoMemory, kCoreNoMemory, kCoreUnknown}},
         {"D3D9ResourceManager", ManageResource, 1, {kNoMemory, 0}},

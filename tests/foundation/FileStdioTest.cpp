@@ -6,8 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace velm {
-namespace {
+namespace velm::file_stdio_test {
 
 std::string Content(const char* path) {
     FileStdio file;
@@ -18,7 +17,7 @@ std::string Content(const char* path) {
     return {text, std::fread(text, 1, sizeof text, file.Get())};
 }
 
-TEST(FileStdio, OpenClosesTheEarlierStreamEvenWhenItFails) {
+TEST(FileStdio, OpenAlwaysClosesTheEarlierStream) {
     FileStdio file;
     EXPECT_EQ(file.Get(), nullptr);
     const char* const refused[][2] = {{"no such folder/file", "wb"},
@@ -37,7 +36,7 @@ TEST(FileStdio, OpenClosesTheEarlierStreamEvenWhenItFails) {
     EXPECT_EQ(Content("refused"), "(none)");
 }
 
-TEST(FileStdio, AStreamIsClosedOnceByItsOwner) {
+TEST(FileStdio, OwnerClosesTheStreamOnce) {
     auto source = std::make_unique<FileStdio>();
     ASSERT_NE(source->Open("stdio-copied", "wb"), nullptr);
     {
@@ -52,14 +51,13 @@ TEST(FileStdio, AStreamIsClosedOnceByItsOwner) {
         *source = assigned;
         ASSERT_NE(copy.Open("stdio-other", "wb"), nullptr);
         std::fputs("other", copy.Get());
-        copy.Close(source->Get());  // closes its own, not what it is given
+        copy.Close(source->Get());  // closes its own stream, not the argument
         EXPECT_EQ(Content("stdio-other"), "other");
     }
-    EXPECT_GE(std::fputs("written after the copies went", source->Get()), 0);
+    EXPECT_GE(std::fputs("written after the copies", source->Get()), 0);
     const FileStdio outlives(*source);
     source.reset();
-    EXPECT_EQ(Content("stdio-copied"), "written after the copies went");
+    EXPECT_EQ(Content("stdio-copied"), "written after the copies");
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::file_stdio_test

@@ -3,12 +3,9 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "velm/WindowsUtil.h"
 
-namespace velm {
-namespace {
+namespace velm::load_class_pointer_from_dll_test {
 
 std::string PluginPath(const std::string& name) {
     std::string path;
@@ -16,7 +13,7 @@ std::string PluginPath(const std::string& name) {
     return path;
 }
 
-TEST(LoadClassPointerFromDll, GivesTheStatusOfEachStep) {
+TEST(LoadClassPointerFromDll, ReportsTheStepThatFails) {
     LoadClassPointerFromDll plugin;
     int marker = 0;
     void* object = &marker;
@@ -33,7 +30,7 @@ TEST(LoadClassPointerFromDll, GivesTheStatusOfEachStep) {
     EXPECT_EQ(plugin.Initialize(PluginPath("sample_plugin").c_str(), nullptr), 1);
 }
 
-TEST(LoadClassPointerFromDll, ReleasesEachObjectOnceWhoeverGoesFirst) {
+TEST(LoadClassPointerFromDll, ReleasesEachObjectOnce) {
     const std::string path = PluginPath("sample_plugin");
     const HMODULE module = WindowsUtil::CallLoadLibrary(path.c_str());
     ASSERT_NE(module, nullptr);
@@ -65,5 +62,4 @@ TEST(LoadClassPointerFromDll, ReleasesEachObjectOnceWhoeverGoesFirst) {
     FreeLibrary(module);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::load_class_pointer_from_dll_test

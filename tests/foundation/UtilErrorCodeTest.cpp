@@ -7,10 +7,9 @@
 #include "velm/AudioFrame.h"
 #include "velm/core/ErrorRegistry.h"
 
-namespace velm {
-namespace {
+namespace velm::util_error_code_test {
 
-TEST(UtilErrorCode, LoadRegistersTheTenCodesInOrder) {
+TEST(UtilErrorCode, RegistersItsTenCodesInOrder) {
     const AudioFrame keepsTheLibraryLoaded;
     const auto codes = GetRegisteredErrorCodes();
     const char* const names[] = {"UNKNOWN",         "NOT_ENOUGH_MEMORY", "INVALID_PARAM", "ILLEGAL_CALL",
@@ -24,5 +23,4 @@ TEST(UtilErrorCode, LoadRegistersTheTenCodesInOrder) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::util_error_code_test

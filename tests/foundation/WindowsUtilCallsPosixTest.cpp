@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <new>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -26,8 +25,7 @@ void operator delete[](void* block, std::size_t) noexcept {
     operator delete[](block);
 }
 
-namespace velm {
-namespace {
+namespace velm::windows_util_calls_posix_test {
 
 class WindowsUtilPosixTest : public testing::Test {
 protected:
@@ -142,5 +140,4 @@ TEST_F(WindowsUtilPosixTest, MeasuresMatchingScreens) {
     EXPECT_EQ(maxScreenSize(0), std::pair(115, 215)) << "the limit is sixteen";
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::windows_util_calls_posix_test

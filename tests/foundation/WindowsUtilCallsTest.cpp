@@ -2,13 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
 
 #include "TemporaryFile.h"
 #include "velm/WindowsUtil.h"
 
-namespace velm {
-namespace {
+namespace velm::windows_util_calls_test {
 
 TEST(WindowsUtilCalls, ReadsProfilesByUtf8Names) {
     const char* const path = "./profile.ini";
@@ -70,5 +68,4 @@ TEST(WindowsUtilPaths, RejectMissingArguments) {
     EXPECT_EQ(size, -1);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::windows_util_calls_test

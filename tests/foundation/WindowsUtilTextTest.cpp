@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 
 #include "velm/WindowsUtil.h"
 
-namespace velm {
-namespace {
+namespace velm::windows_util_text_test {
 
 using Decode = ErrorCode (*)(unsigned int, const std::string&, std::wstring&);
 using Encode = ErrorCode (*)(const std::wstring&, unsigned int, std::string&);
@@ -48,7 +46,7 @@ void ExpectEncoded(const Conversion& row) {
     EXPECT_EQ(out, row.text) << row.codePage << ": " << testing::PrintToString(row.text);
 }
 
-TEST(WindowsUtilText, EveryEncodingGoesThereAndBack) {
+TEST(WindowsUtilText, RoundTripsEveryEncoding) {
     for (const Conversion& row :
          {Conversion{kUtf8, "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF", L"\x7F\x80\x7FF\x800\xFFFF"},
           {kUtf8, "\xEF\xBB\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\xFEFF\xD800\xDC00\xDBFF\xDFFF"},
@@ -64,14 +62,14 @@ TEST(WindowsUtilText, EveryEncodingGoesThereAndBack) {
     }
 }
 
-TEST(WindowsUtilText, WhatHasNoEqualIsReplaced) {
+TEST(WindowsUtilText, ReplacesUnmappableCharacters) {
     ExpectDecoded({kUtf8, "\x80\xBF\xFE\xFF\xF5\x80", std::wstring(6, 0xFFFD)});
     ExpectDecoded({kUtf8, "a\xC2", L"a\xFFFD"});
     ExpectEncoded({kUtf8, "\xEF\xBF\xBD\xEF\xBF\xBDz\xEF\xBF\xBD", L"\xDE00\xD83Dz\xD83D"});
     ExpectEncoded({kOem, "??z?", L"\xD83D\xDE00z\x3042"});
 }
 
-TEST(WindowsUtilText, EncodingEndsAtTheFirstNul) {
+TEST(WindowsUtilText, EncodesUpToTheFirstNul) {
     ExpectDecoded({kUtf8, "a\0b"s, L"a\0b"s});
     ExpectEncoded({kUtf8, "ab", L"ab\0cd"s});
     std::string out = "old";
@@ -86,11 +84,11 @@ TEST(WindowsUtilText, EncodingEndsAtTheFirstNul) {
     EXPECT_EQ(wide, L"ab");
 }
 
-TEST(WindowsUtilText, NewBufferHasTheTerminatorAndOneMore) {
+TEST(WindowsUtilText, AllocatesTheTerminatorAndOneMore) {
     const struct {
         const char* in;
         int inLength;
-        std::wstring out;  // none: refused
+        std::wstring out;  // empty: an error
     } rows[] = {{"abc", -1, L"abc\0"s}, {"abc", 2, L"ab"}, {"abc", 0, L""}, {nullptr, -1, L""}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.inLength);
@@ -109,5 +107,4 @@ TEST(WindowsUtilText, NewBufferHasTheTerminatorAndOneMore) {
     delete[] out;
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::windows_util_text_test

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace velm {
-namespace {
+namespace velm::cross_dot_rotate_test {
 
 using Vector = CrossDotRotate::_Vector3D;
 
@@ -73,5 +72,4 @@ TEST(CrossDotRotate, RotatesOneVectorTowardsAnother) {
     ExpectNear(point, {0.89442719F, -0.44721360F, 0});
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::cross_dot_rotate_test

@@ -10,8 +10,7 @@
 
 #include "velm/D3D9ResourceBase.h"
 
-namespace velm {
-namespace {
+namespace velm::d3_d9_resource_manager_test {
 
 /// A resource that logs "L" for a loss and "R" for a recovery, and "l" and "r" for its callbacks.
 class Probe final : public D3D9ResourceBase {
@@ -126,5 +125,4 @@ TEST_F(D3D9ResourceManagerTest, SurvivesConcurrentRegistration) {
     EXPECT_EQ(logs, std::vector<std::string>(logs.size(), "LR"));
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::d3_d9_resource_manager_test

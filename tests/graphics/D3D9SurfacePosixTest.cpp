@@ -9,8 +9,7 @@
 
 #include "velm/D3D9ResourceManager.h"
 
-namespace velm {
-namespace {
+namespace velm::d3_d9_surface_posix_test {
 
 /// A surface that counts its references and leaves its device's set with the last one.
 class FakeSurface final : public IDirect3DSurface9 {
@@ -167,5 +166,4 @@ TEST_F(D3D9SurfaceTest, HoldsOneReferencePerObject) {
     EXPECT_NE(first.GetSurface(), nullptr) << "binding null lost the description";
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::d3_d9_surface_posix_test

@@ -8,8 +8,7 @@
 #include <cstring>
 #include <sstream>
 
-namespace velm {
-namespace {
+namespace velm::d3d9_adapter_check_item_test {
 
 using Item = D3d9AdapterCheckItem;
 
@@ -141,5 +140,4 @@ TEST(D3d9AdapterCheckItem, ReadsOtherTypesAsZero) {
     EXPECT_EQ(items[7].ValueToString().size(), 255U);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::d3d9_adapter_check_item_test

@@ -8,8 +8,7 @@
 
 #include "FakeDirect3D9.h"
 
-namespace velm {
-namespace {
+namespace velm::d3d9_adapter_check_set_test {
 
 using Item = D3d9AdapterCheckItem;
 using ItemPtr = std::tr1::shared_ptr<Item>;
@@ -179,5 +178,4 @@ TEST(D3d9AdapterCheckSet, OwnsItemsOfBothPointerTypes) {
     EXPECT_EQ(standard.use_count(), 1);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::d3d9_adapter_check_set_test

@@ -8,8 +8,7 @@
 #include "GuardedPicture.h"
 #include "RandomSeed.h"
 
-namespace velm {
-namespace {
+namespace velm::yuv_to_argb_test {
 
 using test::Guard;
 using test::PictureLayout;
@@ -130,5 +129,4 @@ TEST(CpuFeatures, EveryMissingFeatureLowersTheLevel) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::yuv_to_argb_test

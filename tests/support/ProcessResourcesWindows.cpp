@@ -2,26 +2,20 @@
 #include <psapi.h>
 #include <tlhelp32.h>
 
-#include <memory>
-
 #include "ProcessResources.h"
 
 namespace velm::test {
 namespace {
 
-struct HandleCloser {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-
 long long CountThreads() {
-    const std::unique_ptr<void, HandleCloser> snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
     THREADENTRY32 entry{};
     entry.dwSize = sizeof entry;
     long long threads = 0;
-    for (BOOL more = Thread32First(snapshot.get(), &entry); more;
-         more = Thread32Next(snapshot.get(), &entry)) {
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
         threads += entry.th32OwnerProcessID == GetCurrentProcessId();
     }
+    CloseHandle(snapshot);
     return threads;
 }
 

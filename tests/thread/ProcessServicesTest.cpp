@@ -7,10 +7,9 @@
 #include "velm/AbortMessage.h"
 #include "velm/Scheduling.h"
 
-namespace velm {
-namespace {
+namespace velm::process_services_test {
 
-TEST(ProcessServices, AMessageOfAnyLengthReturnsAndThePriorityIsRaised) {
+TEST(ProcessServices, SurvivesLongMessagesRaisesPriority) {
     AbortMessage("%s", std::string(10'000, 'x').c_str());
     AbortMessage("%.99999999d", 5);
     AbortMessage(nullptr);
@@ -19,5 +18,4 @@ TEST(ProcessServices, AMessageOfAnyLengthReturnsAndThePriorityIsRaised) {
     SetPriorityClass(GetCurrentProcess(), NORMAL_PRIORITY_CLASS);
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::process_services_test

@@ -10,8 +10,7 @@
 #include "velm/AutoResetSyncEventWrapper.h"
 #include "velm/core/Thread.h"
 
-namespace velm {
-namespace {
+namespace velm::thread_caller_test {
 
 int Count(void* counter) {
     ++*static_cast<std::atomic<int>*>(counter);
@@ -27,14 +26,14 @@ int WaitFor(void* event) {
     return 0;
 }
 
-/// The identifier is the first member; no operation gives it.
+/// The identifier is the first member and has no getter.
 int IdOf(const ThreadCaller& caller) {
     int id = 0;
     std::memcpy(&id, &caller, sizeof id);
     return id;
 }
 
-TEST(ThreadCaller, RunsTheFunctionOnceAndCountsEveryStart) {
+TEST(ThreadCaller, RunsOnceAndCountsEveryStart) {
     std::atomic<int> runs{0};
     ThreadCaller caller;
     const int before = ThreadCaller::mCount;
@@ -47,7 +46,7 @@ TEST(ThreadCaller, RunsTheFunctionOnceAndCountsEveryStart) {
     caller.Stop();
     EXPECT_EQ(caller.GetState(), 65535);
     caller.Start(nullptr, nullptr, 8);
-    EXPECT_EQ(IdOf(caller), 8000 + before + 2) << "a start that fails counts";
+    EXPECT_EQ(IdOf(caller), 8000 + before + 2) << "a failed start counts, too";
     caller.Stop();
     EXPECT_EQ(caller.GetState(), 2);
     caller.Start(&Count, &runs, nullptr, 2147483647);
@@ -56,13 +55,13 @@ TEST(ThreadCaller, RunsTheFunctionOnceAndCountsEveryStart) {
     EXPECT_EQ(caller.GetState(), -1);
     {
         ThreadCaller destroyed;
-        destroyed.Start(&CountLate, &runs, "waited for");
+        destroyed.Start(&CountLate, &runs, "joined");
     }
     EXPECT_EQ(runs, 3);
 }
 
-// An earlier thread must neither hold up Start nor be lost: it works on an event of this function's.
-TEST(ThreadCaller, StartTwiceWaitsForBothThreadsInStop) {
+// Start must neither wait for an earlier thread nor forget it: it uses an event of this function's.
+TEST(ThreadCaller, StopJoinsBothThreadsAfterTwoStarts) {
     AutoResetSyncEventWrapper event;
     EXPECT_EQ(event.Initialize(), 0U);
     EXPECT_EQ(event.Terminate(), 0U);
@@ -84,26 +83,25 @@ TEST(ThreadCaller, StartTwiceWaitsForBothThreadsInStop) {
     }
 }
 
-TEST(ThreadCaller, ACopyNeverJoinsOrDeletesASecondTime) {
+TEST(ThreadCaller, CopiesNeverJoinOrDeleteTwice) {
     AutoResetSyncEventWrapper event;
     std::atomic<int> runs{0};
     auto source = std::make_unique<ThreadCaller>();
     source->Start(&WaitFor, &event, "source", 5);
     ThreadCaller copied(*source);
     ThreadCaller assigned;
-    assigned.Start(&CountLate, &runs, "would be lost");
+    assigned.Start(&CountLate, &runs, "replaced");
     assigned = *source;
-    EXPECT_EQ(runs, 1) << "not waited for";
+    EXPECT_EQ(runs, 1) << "not joined";
     ThreadCaller& same = *source;
     *source = same;
     for (ThreadCaller* const copy : {&copied, &assigned}) {
         EXPECT_EQ(copy->GetState(), 0);
         EXPECT_EQ(IdOf(*copy), IdOf(*source));
-        copy->Stop();  // must not wait: the thread runs on
+        copy->Stop();  // must not wait for the running thread
         EXPECT_EQ(copy->GetState(), 65535);
     }
     event.Trigger();
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::thread_caller_test

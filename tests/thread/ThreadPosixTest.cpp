@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "MessageLoop.h"
@@ -12,8 +11,7 @@
 #include "velm/Scheduling.h"
 #include "velm/Watchdog.h"
 
-namespace velm {
-namespace {
+namespace velm::thread_posix_test {
 
 using namespace test;
 
@@ -22,7 +20,7 @@ protected:
     void TearDown() override { posix::Reset(); }
 };
 
-TEST_F(ThreadPosixTest, SchedulingAsksForCriticalAndACopyRevertsNothing) {
+TEST_F(ThreadPosixTest, SchedulingSetsAndRevertsCritical) {
     posix::StartRecording();
     SchedulingThread thread;
     ASSERT_TRUE(thread.StartThreadPriorityHigh());
@@ -34,14 +32,14 @@ TEST_F(ThreadPosixTest, SchedulingAsksForCriticalAndACopyRevertsNothing) {
     EXPECT_TRUE(thread.EndThreadPriority());
     posix::FailCall("AvSetMmThreadPriority", ERROR_ACCESS_DENIED);
     EXPECT_FALSE(thread.StartThreadPriorityHigh());
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED)) << "why, and not what followed";
-    EXPECT_FALSE(thread.EndThreadPriority()) << "it has been reverted";
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED)) << "the cause, not a later error";
+    EXPECT_FALSE(thread.EndThreadPriority()) << "already reverted";
     posix::StartRecording();
     EXPECT_TRUE(SchedulingThread().StartThreadPriorityHigh());
     EXPECT_EQ(posix::RecordedCalls().back(), "AvRevertMmThreadCharacteristics");
 }
 
-TEST_F(ThreadPosixTest, ARefusedTimerLeavesTheWatchdogsEarlierOne) {
+TEST_F(ThreadPosixTest, FailedTimerKeepsTheEarlierOne) {
     const UniqueWindow window = MakeWindow();
     WatchdogChecker checker;
     Watchdog* const watchdog = Watchdog::GetInstance();
@@ -53,7 +51,7 @@ TEST_F(ThreadPosixTest, ARefusedTimerLeavesTheWatchdogsEarlierOne) {
     watchdog->Stop();
 }
 
-TEST_F(ThreadPosixTest, MemoryInfoClosesEveryHandleOnce) {
+TEST_F(ThreadPosixTest, MemoryInfoClosesHandlesOnce) {
     const unsigned int before = posix::OpenHandles();
     {
         MemoryInfo info;
@@ -77,10 +75,10 @@ TEST_F(ThreadPosixTest, MemoryInfoClosesEveryHandleOnce) {
     EXPECT_EQ(posix::OpenHandles(), before);
 }
 
-TEST_F(ThreadPosixTest, NoReadingOfTheClockIsTooLargeToConvert) {
+TEST_F(ThreadPosixTest, ConvertsLargeClockReadings) {
     constexpr unsigned long long kCases[][3] = {
         {25'000'001, 10'000'000, 2500},
-        // Multiplied by 1000 before the division, these would not fit 64 bits; the second is the reading -1.
+        // Times 1000 these overflow 64 bits; the second is the reading -1.
         {0x7FFFFFFFFFFFFFFF, 1'000'000'000, 9'223'372'036'854},
         {0xFFFFFFFFFFFFFFFF, 1'000, 0xFFFFFFFFFFFFFFFF},
     };
@@ -94,5 +92,4 @@ TEST_F(ThreadPosixTest, NoReadingOfTheClockIsTooLargeToConvert) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::thread_posix_test

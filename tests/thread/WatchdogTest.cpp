@@ -4,14 +4,13 @@
 
 #include "MessageLoop.h"
 
-namespace velm {
-namespace {
+namespace velm::watchdog_test {
 
 using namespace test;
 
 constexpr unsigned int kPeriod = 20;  // in milliseconds
 
-/// Alive for a number of ticks.
+/// Reports activity for a number of ticks.
 struct Checker : WatchdogChecker {
     explicit Checker(int ticks = 1'000'000) : left(ticks) {}
     bool IsActive() override {
@@ -34,7 +33,7 @@ protected:
     const UniqueWindow m_window = MakeWindow();
 };
 
-TEST_F(WatchdogTest, TheLastStartCountsAndALivingActivityIsNeverEnded) {
+TEST_F(WatchdogTest, LastStartCountsAndActivityIsSpared) {
     const UniqueWindow other = MakeWindow();
     Checker first;
     Checker alive;
@@ -51,11 +50,11 @@ TEST_F(WatchdogTest, TheLastStartCountsAndALivingActivityIsNeverEnded) {
     EXPECT_EQ(alive.asked, result.ticks);
     EXPECT_TRUE(m_watchdog->IsActive());
     ASSERT_EQ(m_watchdog->Start(other.get(), &alive), 0U);
-    EXPECT_EQ(RunLoop(m_window.get(), 5 * kPeriod).ticks, 0) << "of either window's timer";
+    EXPECT_EQ(RunLoop(m_window.get(), 5 * kPeriod).ticks, 0) << "ticks of either window's timer";
 }
 
-// The timer is not ended by the quit message: a loop that goes on is told again.
-TEST_F(WatchdogTest, EveryTickOfAStallEndsTheLoopWithTheExitCode) {
+// The timer survives the quit message: a loop that continues is told again.
+TEST_F(WatchdogTest, EveryTickOfAStallQuitsTheLoop) {
     EXPECT_EQ(m_watchdog->GetExitCode(), 16);
     m_watchdog->SetExitCode(-3);
     Checker stalls(2);
@@ -69,15 +68,15 @@ TEST_F(WatchdogTest, EveryTickOfAStallEndsTheLoopWithTheExitCode) {
     EXPECT_FALSE(m_watchdog->IsActive());
 }
 
-// What the system calls the watchdog's timer may be the name of another one.
-TEST_F(WatchdogTest, StopEndsEveryTickAndSparesTheClientsOwnTimers) {
+// The system's number for the watchdog's timer may be that of another timer.
+TEST_F(WatchdogTest, StopEndsTicksAndKeepsOtherTimers) {
     for (UINT_PTR id = 1; id <= 3; ++id) {
         SetTimer(m_window.get(), id, 1'000'000, nullptr);
     }
     Checker dead(0);
     ASSERT_EQ(m_watchdog->Start(m_window.get(), &dead), 0U);
     ASSERT_EQ(m_watchdog->Start(m_window.get(), &dead), 0U);
-    MSG tick{};  // that the loop holds while the watchdog is stopped
+    MSG tick{};  // received before the watchdog stops, dispatched after
     ASSERT_GT(GetMessageW(&tick, nullptr, 0, 0), 0);
     ASSERT_EQ(tick.message, static_cast<UINT>(WM_TIMER));
     m_watchdog->Stop();
@@ -92,5 +91,4 @@ TEST_F(WatchdogTest, StopEndsEveryTickAndSparesTheClientsOwnTimers) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::watchdog_test

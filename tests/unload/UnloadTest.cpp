@@ -1,6 +1,5 @@
 /// @file
-/// Loads and frees the library by hand. The program is not linked with it: operations are found by their
-/// exported names.
+/// Loads and frees the library, which this program is not linked with; functions are found by exported name.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -13,7 +12,7 @@
 
 namespace velm {
 
-/// The class as a program sees it that is not linked with the library.
+/// The class as declared by a program without the library's headers.
 class WatchdogChecker {
 public:
     virtual ~WatchdogChecker() = default;
@@ -35,7 +34,7 @@ Result Call(HMODULE library, const char* name, Arguments... arguments) {
     return reinterpret_cast<Result (*)(Arguments...)>(address)(arguments...);
 }
 
-/// Uses everything that lives until the library is unloaded.
+/// Uses everything that lasts until the library is unloaded.
 void UseAll(HMODULE library, HWND window, WatchdogChecker* checker) {
     void* const watchdog = Call<void*>(library, "_ZN4velm8Watchdog11GetInstanceEv");
     Call<void>(library, "_ZN4velm8Watchdog9SetElapseEj", watchdog, kPeriod);
@@ -49,8 +48,8 @@ void UseAll(HMODULE library, HWND window, WatchdogChecker* checker) {
                1, &argb, 4U);
 }
 
-// Memory that a load leaves behind adds up: the runtime sets 72 KiB aside for exceptions.
-TEST(Unload, ManyLoadsLeaveNothingBehindAndNotOneTickReachesUnloadedCode) {
+// Leaks per load add up: the runtime reserves 72 KiB for exceptions.
+TEST(Unload, LeaksNothingAndStopsTicks) {
     constexpr int kRounds = 50;
     const UniqueWindow window = MakeWindow();
     wchar_t executable[4096];
@@ -65,7 +64,7 @@ TEST(Unload, ManyLoadsLeaveNothingBehindAndNotOneTickReachesUnloadedCode) {
         const HMODULE library = LoadLibraryW(path.c_str());
         ASSERT_NE(library, nullptr);
         UseAll(library, window.get(), &checker);
-        EXPECT_TRUE(DisableThreadLibraryCalls(library)) << "every thread is announced to it";
+        EXPECT_TRUE(DisableThreadLibraryCalls(library)) << "the library gets a call for every thread";
         if (round < -7) {
             EXPECT_GE(RunLoop(window.get(), 5 * kPeriod).ticks, 1);
             EXPECT_GE(checker.asked, 1);

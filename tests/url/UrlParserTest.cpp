@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-#include <string>
 #include <string_view>
 
 #include "RandomSeed.h"
 #include "UrlOracle.h"
 
-namespace velm {
-namespace {
+namespace velm::url_parser_test {
 
 TEST(UrlParser, ParsesItsOwnTextAndNull) {
     UrlParser parser;
@@ -40,5 +37,4 @@ TEST(UrlParser, MatchesTheExpressionOnRandomText) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::url_parser_test

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
-namespace velm {
-namespace {
+namespace velm::url_scheme_util_test {
 
 using namespace std::string_literals;
 
@@ -84,5 +81,4 @@ TEST(UrlSchemeUtil, AcceptsServiceAddressesOnly) {
     expectRejected("http://a.localhost");
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::url_scheme_util_test

@@ -1,6 +1,5 @@
 /// @file
-/// A library that somebody left in the current folder under the name of one of Windows' own: it grants
-/// everything.
+/// A library that an attacker planted in the current folder under the name of a Windows library.
 #include <windows.h>
 
 extern "C" {

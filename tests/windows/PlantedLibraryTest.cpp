@@ -1,6 +1,5 @@
 /// @file
-/// Runs in a folder that holds PlantedLibrary.cpp as avrt.dll, in a process where Wine's own may not stand in
-/// for a file.
+/// Runs in a folder with PlantedLibrary.cpp as avrt.dll, in a process where Wine must not substitute its own.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -12,11 +11,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Takes avrt.dll out of the system's folder, as on a Windows without its media features.
+/// Moves avrt.dll out of the system folder, like a Windows without media features.
 class WithoutSystemLibrary {
 public:
     WithoutSystemLibrary() {
-        if (!fs::exists(m_aside)) {  // it does when an earlier run was killed
+        if (!fs::exists(m_aside)) {  // left by a killed run
             fs::rename(m_library, m_aside);
         }
     }
@@ -33,7 +32,7 @@ private:
     const fs::path m_aside = SystemFolder() / L"avrt.dll.aside";
 };
 
-TEST(DelayLoad, RunsNoLibraryOfTheCurrentFolder) {
+TEST(DelayLoad, LoadsNoLibraryOfTheCurrentFolder) {
     const WithoutSystemLibrary missing;
     SchedulingThread scheduling;
     EXPECT_FALSE(scheduling.StartThreadPriorityHigh());

@@ -9,14 +9,12 @@
 #include <fstream>
 #include <functional>
 #include <memory>
-#include <string>
 
 #include "velm/AudioFrameStream.h"
 #include "velm/core/Semaphore.h"
 #include "velm/WindowsUtil.h"
 
-namespace velm {
-namespace {
+namespace velm::plumbing_test {
 
 namespace fs = std::filesystem;
 
@@ -117,5 +115,4 @@ TEST(KilledWaiter, DelaysDestructorsBriefly) {
     }
 }
 
-}  // namespace
-}  // namespace velm
+}  // namespace velm::plumbing_test
