@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "RandomSeed.h"
+#include "Random.h"
 
 #ifndef _WIN32
 #include <dlfcn.h>

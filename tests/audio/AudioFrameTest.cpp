@@ -4,7 +4,7 @@
 
 #include <tuple>
 
-#include "Pattern.h"
+#include "Random.h"
 
 namespace velm::audio_frame_test {
 
@@ -26,7 +26,7 @@ void ExpectFrame(AudioFrame& frame, const Bytes& bytes) {
 
 // The two frames swap roles, so each starts with the other role's state.
 TEST(AudioFrame, CarriesEveryTypeFromWriterToReader) {
-    Bytes data = test::Pattern(300);
+    Bytes data = test::RandomBytes(300);
     AudioFrame frames[2];
     for (unsigned char type = 0; type < 4; ++type) {
         SCOPED_TRACE(int{type});
@@ -75,7 +75,7 @@ TEST(AudioFrame, ReaderRejectsInvalidHeaders) {
 }
 
 TEST(AudioFrame, WriterAcceptsAnySizeThatFits) {
-    Bytes data = test::Pattern(70'000);
+    Bytes data = test::RandomBytes(70'000);
     AudioFrame frame;
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 3, 0, nullptr), 0U);
     EXPECT_EQ(frame.GetFrameBufferSize(), 6U);

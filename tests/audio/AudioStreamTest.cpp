@@ -7,8 +7,7 @@
 #include <functional>
 #include <iterator>
 
-#include "Pattern.h"
-#include "RandomSeed.h"
+#include "Random.h"
 
 namespace velm::audio_stream_test {
 
@@ -39,7 +38,7 @@ void RunRandomly(std::mt19937& random, unsigned int capacity, unsigned int chann
             queue.clear();
         }
         samples = std::uniform_int_distribution(0U, capacity)(random);
-        data = test::Pattern(samples * sampleSize, static_cast<unsigned int>(random()));
+        data = test::RandomBytes(samples * sampleSize, static_cast<unsigned int>(random()));
         Bytes expected(data);
         const auto operation = random() % std::size(operations);
         SCOPED_TRACE(testing::Message() << "step " << step << " operation " << operation);

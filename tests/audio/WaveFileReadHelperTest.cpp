@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "Pattern.h"
+#include "Random.h"
 #include "Riff.h"
 #include "TemporaryFile.h"
 #include "velm/core/CoreErrorCode.h"
@@ -15,7 +15,7 @@ namespace velm::wave_file_read_helper_test {
 using namespace test;
 
 std::string Samples(std::size_t size) {
-    const auto bytes = Pattern(size);
+    const auto bytes = RandomBytes(size);
     return {bytes.begin(), bytes.end()};
 }
 

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <limits>
 
-#include "RandomSeed.h"
+#include "Random.h"
 #include "TemporaryFile.h"
 
 namespace velm::json_config_reader_test {

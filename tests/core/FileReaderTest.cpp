@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "Pattern.h"
+#include "Random.h"
 #include "TemporaryFile.h"
 #include "velm/core/CoreErrorCode.h"
 
@@ -14,7 +14,7 @@ using test::TemporaryFile;
 
 // The reader's buffer holds 262144 bytes.
 TEST(FileReader, ReadsTheSameBytesInAnyPieces) {
-    const auto pattern = test::Pattern(600'000);
+    const auto pattern = test::RandomBytes(600'000);
     const std::string content(pattern.begin(), pattern.end());
     const TemporaryFile file("pieces.bin", content);
     for (const std::size_t piece : {7U, 262'143U, 262'144U, 1'000'000U}) {

@@ -6,7 +6,7 @@
 #include <numeric>
 
 #include "GuardedPicture.h"
-#include "RandomSeed.h"
+#include "Random.h"
 
 namespace velm::yuv_to_argb_test {
 

@@ -35,16 +35,6 @@ long long CountHeapBytes() {
     return bytes;
 }
 
-/// Wine does not count them, but finds each by its index in the table alone.
-long long CountGraphicsObjects() {
-    const long long told = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    long long found = 0;
-    for (ULONG_PTR place = 1; told == 0 && place < 0x10000; ++place) {
-        found += GetObjectType(reinterpret_cast<HGDIOBJ>(place)) != 0;
-    }
-    return told + found;
-}
-
 }  // namespace
 
 ProcessResources GetProcessResources() {
@@ -52,8 +42,7 @@ ProcessResources GetProcessResources() {
     GetProcessHandleCount(GetCurrentProcess(), &handles);
     PROCESS_MEMORY_COUNTERS counters{};
     GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-    return {handles, CountThreads(), CountHeapBytes(), CountGraphicsObjects(),
-            static_cast<long long>(counters.PagefileUsage)};
+    return {handles, CountThreads(), CountHeapBytes(), 0, static_cast<long long>(counters.PagefileUsage)};
 }
 
 }  // namespace velm::test

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "PatternOracle.h"
-#include "RandomSeed.h"
+#include "Random.h"
 #include "velm/core/Thread.h"
 #include "velm/core/ThreadConfig.h"
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "RandomSeed.h"
+#include "Random.h"
 #include "UrlOracle.h"
 
 namespace velm::url_parser_test {

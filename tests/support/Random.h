@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <random>
+#include <vector>
 
 namespace velm::test {
 
@@ -13,6 +15,14 @@ inline std::mt19937 SeededRandom() {
                                                : std::random_device{}();
     std::cout << "VELM_SEED=" << seed << '\n';
     return std::mt19937(seed);
+}
+
+/// Pseudo-random bytes, so that a lost, repeated or swapped one shows.
+inline std::vector<unsigned char> RandomBytes(std::size_t size, unsigned int seed = 1) {
+    std::minstd_rand random(seed);
+    std::vector<unsigned char> bytes(size);
+    std::ranges::generate(bytes, [&] { return static_cast<unsigned char>(random() >> 8); });
+    return bytes;
 }
 
 }  // namespace velm::test
