@@ -36,21 +36,26 @@ unsigned int PixelOf(const Matrix& matrix, int luma, int u, int v) {
            Channel(y + matrix.bu * (u - 128));
 }
 
+std::size_t Area(int width, int height) {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+}
+
 /// A picture of random bytes.
 class Sample {
 public:
     /// @param padding  pixels after each row of the output
     Sample(int width, int height, int padding)
         : m_width(width), m_height(height), m_pitch(width + padding), m_chromaWidth((width + 1) / 2) {
-        const int chromaSize = m_chromaWidth * ((height + 1) / 2);
-        m_yuv.resize(static_cast<std::size_t>(width * height + 2 * chromaSize));
+        const std::size_t lumaSize = Area(width, height);
+        const std::size_t chromaSize = Area(m_chromaWidth, (height + 1) / 2);
+        m_yuv.resize(lumaSize + 2 * chromaSize);
         std::mt19937 random(static_cast<unsigned int>(width));
         for (unsigned char& byte : m_yuv) {
             byte = static_cast<unsigned char>(random());
         }
-        m_u = m_yuv.data() + width * height;
+        m_u = m_yuv.data() + lumaSize;
         m_v = m_u + chromaSize;
-        m_argb.resize(static_cast<std::size_t>(m_pitch * height), kUntouched);
+        m_argb.resize(Area(m_pitch, height), kUntouched);
     }
 
     void Convert(const Matrix& matrix) {
@@ -75,9 +80,7 @@ public:
         return faults;
     }
 
-    unsigned long long Pixels() const {
-        return static_cast<unsigned long long>(m_width) * static_cast<unsigned long long>(m_height);
-    }
+    unsigned long long Pixels() const { return Area(m_width, m_height); }
 
     /// The median time of a conversion, in microseconds.
     double MedianTime() {
