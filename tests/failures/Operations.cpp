@@ -139,8 +139,8 @@ void ReadIniText(std::string& out) {
 }
 
 bool ReadJsonFile() {
-    static const TemporaryFile file("failures.json",
-                                    std::string(200'000, ' ') + "{\"" + kText + "\": [1.5]}\n");
+    static const std::string text = "{\"" + std::string(kText) + "\": [1.5]}\n";
+    static const TemporaryFile file("failures.json", std::string(200'000, ' ').append(text));
     JsonConfigReader reader;
     picojson::value json;
     std::string error;
