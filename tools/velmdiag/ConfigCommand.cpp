@@ -6,6 +6,8 @@
 
 #include "Command.h"
 #include "Help.h"
+#include "InputFile.h"
+#include "JsonSyntax.h"
 #include "Report.h"
 #include "velm/core/FileReader.h"
 #include "velm/EnvConfigReader.h"
@@ -18,6 +20,7 @@ namespace velmdiag {
 namespace {
 
 constexpr int kNotFound = 1;
+constexpr std::size_t kLargestJsonFile = std::size_t{1} << 30;
 
 struct ConfigOptions {
     std::string file;
@@ -128,15 +131,13 @@ int RunEnv(const ConfigOptions& options) {
     return 0;
 }
 
-/// A message short enough for one line, and in UTF-8 whatever the file holds.
-std::string Shorten(const std::string& message) {
-    constexpr std::size_t kMostUnits = 100;
-    std::wstring wide;
-    std::string text;
-    velm::WindowsUtil::GetWstringFromUtf8String(message.substr(0, 4 * kMostUnits), wide);
-    const bool longer = wide.size() > kMostUnits;
-    velm::WindowsUtil::GetUtf8StringFromWstring(wide.substr(0, kMostUnits), text);
-    return longer ? text + "..." : text;
+/// Before the library's parser, which accepts more than JSON and joins the lines.
+void CheckJsonFile(const std::string& path) {
+    try {
+        CheckJson(ReadWholeFile(path, kLargestJsonFile));
+    } catch (const JsonSyntaxError& error) {
+        throw Failure{path + ": " + error.what()};
+    }
 }
 
 struct Kind {
@@ -162,7 +163,7 @@ Kind KindOf(const picojson::value& value) {
 
 int RunJson(const ConfigOptions& options) {
     using Clock = std::chrono::steady_clock;
-    CheckReadable(options.file);
+    CheckJsonFile(options.file);
     const std::string name = velm::platform::NarrowFileName(options.file);
     if (name.empty()) {
         throw Failure{options.file + ": cannot be written in the ANSI code page of this system"};
@@ -176,7 +177,7 @@ int RunJson(const ConfigOptions& options) {
     picojson::value value;
     std::string error;
     if (!reader.getJsonValue(value, error)) {
-        throw Failure{options.file + ": " + Shorten(error)};
+        throw Failure{options.file + ": is JSON, but the library does not parse it"};
     }
     const auto parsed = Clock::now();
     const Kind kind = KindOf(value);
@@ -222,7 +223,9 @@ void AddConfigCommand(CLI::App& app, int& exitStatus) {
     env->callback([options, &exitStatus] { exitStatus = RunEnv(*options); });
 
     CLI::App* const json = config->add_subcommand("json", "Reads a JSON file");
-    Explain(json, "Reads and parses a JSON file and says what it is; with --json, prints it too.",
+    Explain(json,
+            "Checks a JSON file strictly (RFC 8259), parses it with the library and says what it is; with "
+            "--json, prints it too. An error names the line and the column, in characters.",
             "velmdiag config json settings.json --json");
     json->add_option("FILE", options->file, "the JSON file")->required();
     json->callback([options, &exitStatus] { exitStatus = RunJson(*options); });
