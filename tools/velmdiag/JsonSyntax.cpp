@@ -258,10 +258,74 @@ private:
     std::vector<std::size_t> m_open;  // where the arrays and objects around m_at start
 };
 
+/// Lays out tokens, one after another.
+class JsonWriter {
+public:
+    explicit JsonWriter(bool escapeHidden) : m_escapeHidden(escapeHidden) {}
+
+    void Take(std::string_view token) {
+        const char first = token.front();
+        const bool opens = first == '[' || first == '{';
+        const bool closes = first == ']' || first == '}';
+        m_depth -= closes ? 1 : 0;
+        if (closes ? !m_afterOpening : m_afterOpening || m_afterComma) {
+            m_text += '\n';
+            m_text.append(2 * m_depth, ' ');
+        }
+        m_depth += opens ? 1 : 0;
+        m_afterOpening = opens;
+        m_afterComma = first == ',';
+        if (m_escapeHidden && first == '"') {
+            Escape(token);
+        } else {
+            m_text += token;
+        }
+        m_text += first == ':' ? " " : "";
+    }
+
+    std::string Finish() { return std::move(m_text) + '\n'; }
+
+private:
+    void Escape(std::string_view string) {
+        while (!string.empty()) {
+            char32_t code = 0;
+            const std::size_t size = ReadUtf8(string, code);
+            if (IsVisible(code)) {
+                m_text += string.substr(0, size);
+            } else if (code < 0x10000) {
+                EscapeUnit(code);
+            } else {
+                EscapeUnit(0xD800 + ((code - 0x10000) >> 10));
+                EscapeUnit(0xDC00 + (code & 0x3FF));
+            }
+            string.remove_prefix(size);
+        }
+    }
+
+    void EscapeUnit(char32_t unit) {
+        m_text += "\\u";
+        for (const int shift : {12, 8, 4, 0}) {
+            m_text += "0123456789abcdef"[unit >> shift & 0xF];
+        }
+    }
+
+    bool m_escapeHidden;
+    bool m_afterOpening = false;
+    bool m_afterComma = false;
+    std::size_t m_depth = 0;
+    std::string m_text;
+};
+
 }  // namespace
 
 void CheckJson(std::string_view text, const std::function<void(std::string_view)>& take) {
     JsonChecker(text, take).Run();
+}
+
+std::string FormatJson(std::string_view text, bool escapeHidden) {
+    JsonWriter writer(escapeHidden);
+    CheckJson(text, [&writer](std::string_view token) { writer.Take(token); });
+    return writer.Finish();
 }
 
 }  // namespace velmdiag

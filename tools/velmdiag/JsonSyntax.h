@@ -20,4 +20,9 @@ public:
 /// Throws JsonSyntaxError with the line and the column, in characters, both from 1.
 void CheckJson(std::string_view text, const std::function<void(std::string_view token)>& take = {});
 
+/// Lays out a document that CheckJson accepts: a line for each member and element, tokens as they were
+/// written.
+/// @param escapeHidden  write characters that would act on a terminal, or hide, as \u escapes
+std::string FormatJson(std::string_view text, bool escapeHidden);
+
 }  // namespace velmdiag

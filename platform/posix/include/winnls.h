@@ -15,6 +15,7 @@ extern "C" {
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits);
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,
                         LPCSTR defaultChar, LPBOOL usedDefault);
+UINT GetACP();
 UINT GetOEMCP();
 
 }  // extern "C"

@@ -84,6 +84,41 @@ std::optional<std::wstring_view> Find(std::wstring_view text, std::wstring_view 
     return std::nullopt;
 }
 
+/// Lists the sections of a text, or the keys of one section, each followed by a NUL.
+std::wstring ListNames(std::wstring_view text, LPCWSTR section) {
+    std::wstring names;
+    bool inSection = false;
+    while (!text.empty()) {
+        const std::wstring_view line = TakeLine(text);
+        std::wstring_view name;
+        if (const auto found = SectionIn(line)) {
+            if (section != nullptr && inSection) {
+                break;
+            }
+            inSection = section != nullptr && EqualNames(*found, Trim(section));
+            name = section == nullptr ? *found : name;
+        } else if (inSection && !line.starts_with(L';')) {
+            name = Trim(line.substr(0, line.find(L'=')));
+        }
+        if (!name.empty()) {
+            names.append(name).push_back(L'\0');
+        }
+    }
+    return names;
+}
+
+/// Copies a list of names as Windows does: NUL-terminated, twice where it is truncated.
+DWORD CopyNames(const std::wstring& names, LPWSTR buffer, DWORD units) {
+    const auto count = static_cast<DWORD>(std::min<std::size_t>(names.size(), units - 1));
+    std::copy_n(names.begin(), count, buffer);
+    buffer[count] = L'\0';
+    if (count == names.size() || units < 2) {
+        return count;
+    }
+    buffer[units - 2] = L'\0';
+    return units - 2;
+}
+
 std::wstring_view WithoutQuotes(std::wstring_view text) {
     const bool quoted =
         text.size() >= 2 && text.front() == text.back() && (text.front() == L'"' || text.front() == L'\'');
@@ -128,11 +163,14 @@ DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText
         return 0;
     }
     buffer[0] = L'\0';
-    if (section == nullptr || key == nullptr || path == nullptr) {
+    if (path == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
     return WithinSystem(DWORD{0}, [&] {
+        if (section == nullptr || key == nullptr) {
+            return CopyNames(ListNames(ReadText(path), section), buffer, units);
+        }
         return CopyText(ReadValue(section, key, defaultText != nullptr ? defaultText : L"", path), buffer,
                         units);
     });

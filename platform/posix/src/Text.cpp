@@ -20,8 +20,7 @@ using Converters = std::map<std::pair<std::string, std::string>, iconv_t>;
 
 /// Returns iconv's name of a code page.
 std::string NameOf(UINT codePage) {
-    constexpr UINT kAnsi = 1252;
-    const UINT number = codePage == CP_ACP ? kAnsi : codePage == CP_OEMCP ? GetOEMCP() : codePage;
+    const UINT number = codePage == CP_ACP ? GetACP() : codePage == CP_OEMCP ? GetOEMCP() : codePage;
     return codePage == CP_UTF8 ? "UTF-8" : "CP" + std::to_string(number);
 }
 
@@ -144,6 +143,10 @@ DWORD CopyText(std::wstring_view text, LPWSTR buffer, std::size_t units) {
 }  // namespace velm::posix
 
 using namespace velm::posix;
+
+UINT GetACP() {
+    return 1252;
+}
 
 UINT GetOEMCP() {
     return Locked<Settings>()->oemCodePage;
