@@ -118,7 +118,8 @@ void Report::PrintLines(std::ostream& out, bool colors) const {
     for (const Entry& entry : m_entries) {
         std::string label = entry.key;
         std::replace(label.begin(), label.end(), '_', ' ');
-        out << (colors ? "\x1b[36m" : "") << std::left << std::setw(static_cast<int>(width) + 2) << label
+        const std::size_t padded = entry.text.empty() ? 0 : width + 2;
+        out << (colors ? "\x1b[36m" : "") << std::left << std::setw(static_cast<int>(padded)) << label
             << (colors ? "\x1b[0m" : "") << Printable(entry.text) << '\n';
         for (const std::string& line : entry.lines) {
             out << "    " << Printable(line) << '\n';
