@@ -3,12 +3,12 @@
 #include <atomic>
 #include <iomanip>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <optional>
 #include <type_traits>
 
 #include "Command.h"
+#include "Duration.h"
 #include "Help.h"
 #include "Report.h"
 #include "velm/core/Thread.h"
@@ -18,8 +18,6 @@
 
 namespace velmdiag {
 namespace {
-
-constexpr unsigned int kMostMilliseconds = 24 * 60 * 60 * 1000;
 
 struct WatchOptions {
     unsigned int duration = 5000;  // this and the next two in milliseconds
@@ -153,28 +151,16 @@ int RunWatch(const WatchOptions& options) {
 
 void AddWatchCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<WatchOptions>();
-    const CLI::AsNumberWithUnit duration(
-        std::map<std::string, unsigned int>{{"ms", 1}, {"s", 1000}, {"m", 60'000}},
-        CLI::AsNumberWithUnit::UNIT_REQUIRED, "DURATION");
-    const CLI::Range range(1U, kMostMilliseconds);
     CLI::App* const command = app.add_subcommand("watch", "Puts a watchdog over a worker thread");
     Explain(command,
             "Opens a window, starts a worker thread and a watchdog that looks at its progress, and "
             "shows each look. When the worker stalls, the watchdog ends the message loop, and the "
-            "program ends with the watchdog's exit code. A DURATION is a number with ms, s or m.",
+            "program ends with the watchdog's exit code. A DURATION is a number with ms, s, m or h, such as "
+            "1.5s; seconds without a unit.",
             "velmdiag watch --for 6s --stall-after 2s");
-    command->add_option("--for", options->duration, "how long to watch; 5s if not given")
-        ->transform(duration)
-        ->check(range)
-        ->option_text("DURATION");
-    command->add_option("--stall-after", options->stallAfter, "when the worker stalls; never if not given")
-        ->transform(duration)
-        ->check(range)
-        ->option_text("DURATION");
-    command->add_option("--period", options->period, "time between two looks; 500ms if not given")
-        ->transform(duration)
-        ->check(range)
-        ->option_text("DURATION");
+    AddDuration(*command, "--for", options->duration, "how long to watch");
+    AddDuration(*command, "--stall-after", options->stallAfter, "when the worker stalls; never if not given");
+    AddDuration(*command, "--period", options->period, "time between two looks");
     command->add_option("--exit-code", options->exitCode, "what the watchdog ends the message loop with")
         ->capture_default_str();
     command->add_flag("--json", options->json, "print one JSON object when the watch is over");
