@@ -1,5 +1,6 @@
 #include "velm/platform/SystemInfo.h"
 
+#include <dlfcn.h>
 #include <link.h>
 #include <pwd.h>
 #include <sys/utsname.h>
@@ -81,6 +82,11 @@ LibraryFile FindLibrary(const std::string& name) {
     const std::string path = std::filesystem::canonical(search.path, failed).string();
     const std::size_t suffix = path.rfind(search.fileName + '.');
     return {path, suffix == path.npos ? "" : path.substr(suffix + search.fileName.size() + 1)};
+}
+
+std::string LoadErrorText(unsigned long) {
+    const char* const message = dlerror();
+    return message != nullptr ? message : "";
 }
 
 }  // namespace velm::platform

@@ -4,6 +4,7 @@
 #include <lmcons.h>
 #include <winver.h>
 
+#include <iterator>
 #include <vector>
 
 namespace velm::platform {
@@ -119,6 +120,14 @@ LibraryFile FindLibrary(const std::string& name) {
         return {};
     }
     return {Utf8({path, units}), FileVersion(path)};
+}
+
+std::string LoadErrorText(unsigned long code) {
+    wchar_t text[512];
+    const DWORD units = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                       code, 0, text, static_cast<DWORD>(std::size(text)), nullptr);
+    const std::wstring message(text, units);
+    return Utf8(message.substr(0, message.find_last_not_of(L" .\r\n") + 1));
 }
 
 }  // namespace velm::platform

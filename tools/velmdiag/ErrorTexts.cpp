@@ -88,6 +88,9 @@ std::string Describe(velm::ErrorCode code) {
 }
 
 void CheckFile(const std::string& name, velm::ErrorCode result, int exitStatus) {
+    if (result.IsFailed() && name.empty()) {
+        throw Failure{"the file name is empty (" + NameOf(result) + ')', exitStatus};
+    }
     if (result.IsFailed()) {
         throw Failure{name + ": " + Describe(result), exitStatus};
     }

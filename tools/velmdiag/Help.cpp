@@ -38,11 +38,11 @@ std::vector<const CLI::App*> RunnableCommands(const CLI::App& app) {
 }
 
 /// Such as "config ini".
-std::string PathOf(const CLI::App& command) {
+std::string CommandPath(const CLI::App& command) {
     const CLI::App* const parent = command.get_parent();
     return parent == nullptr         ? ""
-           : PathOf(*parent).empty() ? command.get_name()
-                                     : PathOf(*parent) + ' ' + command.get_name();
+           : CommandPath(*parent).empty() ? command.get_name()
+                                     : CommandPath(*parent) + ' ' + command.get_name();
 }
 
 std::string ExampleOf(const CLI::App& command) {
@@ -70,7 +70,7 @@ std::string ManPage(const CLI::App& app) {
          << ".SH NAME\nvelmdiag \\- " << Roff(app.get_description()) << '\n'
          << ".SH SYNOPSIS\n.B velmdiag\n.I COMMAND\n[\\fIOPTIONS\\fR]\n.SH COMMANDS\n";
     for (const CLI::App* const command : RunnableCommands(app)) {
-        page << ".SS " << PathOf(*command) << '\n' << Roff(command->get_description()) << ".\n";
+        page << ".SS " << CommandPath(*command) << '\n' << Roff(command->get_description()) << ".\n";
         for (const CLI::Option* const option : command->get_options()) {
             page << ".TP\n.B " << Roff(option->get_name(false, true)) << '\n'
                  << Roff(option->get_description()) << '\n';
@@ -102,7 +102,7 @@ std::string WordsOf(const CLI::App& app) {
 }
 
 void AddCases(const CLI::App& app, std::ostream& known, std::ostream& words) {
-    const std::string path = PathOf(app);
+    const std::string path = CommandPath(app);
     words << "        \"" << path << "\") words=\"" << WordsOf(app) << "\" ;;\n";
     for (const CLI::App* const command : app.get_subcommands({})) {
         known << "\"" << path << ' ' << command->get_name() << "\"|";

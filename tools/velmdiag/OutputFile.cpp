@@ -42,6 +42,9 @@ OutputFile::OutputFile(const std::string& path) : m_name(path) {
         m_stream = &std::cout;
         return;
     }
+    if (path.empty()) {
+        throw Failure{"the name of the output file is empty"};
+    }
     // A symbolic link stays; the file it points to is replaced.
     std::error_code failed;
     m_place = std::filesystem::canonical(PathOf(path), failed);

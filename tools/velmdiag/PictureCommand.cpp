@@ -14,6 +14,7 @@
 #include "Path.h"
 #include "PngFile.h"
 #include "Report.h"
+#include "velm/core/CoreErrorCode.h"
 #include "velm/core/FileReader.h"
 #include "velm/YuvToArgb.h"
 
@@ -86,7 +87,9 @@ void ReadFrame(const PictureOptions& options, Frame& frame) {
     for (unsigned int i = 0; i <= options.frame; ++i) {
         unsigned long long size = 0;
         const velm::ErrorCode result = reader.Read(&size, frame.bytes.data(), frame.bytes.size());
-        if (result.IsFailed()) {
+        if (result != velm::VELM_ERROR_CORE_END_OF_DATA) {
+            CheckFile(options.input, result);
+        } else {
             throw Failure{options.input + ": frame " + std::to_string(i) + " has " + std::to_string(size) +
                           " of the " + std::to_string(frame.bytes.size()) + " bytes that " + options.size +
                           " pixels need (" + NameOf(result) + ')'};

@@ -1,12 +1,16 @@
 #include <windows.h>
 
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <type_traits>
 
 #include "Command.h"
 #include "Help.h"
+#include "Path.h"
 #include "Report.h"
 #include "velm/LoadClassPointerFromDll.h"
+#include "velm/platform/SystemInfo.h"
 #include "velm/WindowsUtil.h"
 
 namespace velmdiag {
@@ -23,13 +27,29 @@ struct ModuleFreer {
 using UniqueModule = std::unique_ptr<std::remove_pointer_t<HMODULE>, ModuleFreer>;
 
 /// The path under which the system knows a loaded library; empty when it has none that fits.
-std::wstring PathOf(HMODULE module) {
+std::wstring PathOfModule(HMODULE module) {
     wchar_t path[MAX_PATH];
     const DWORD units = GetModuleFileNameW(module, path, MAX_PATH);
     return units < MAX_PATH ? std::wstring(path, units) : std::wstring();
 }
 
+/// Why the file was not loaded. To be called right after the call that failed.
+std::string LoadFailure(const std::string& file) {
+    const DWORD code = GetLastError();
+    const std::string text = velm::platform::LoadErrorText(code);
+    std::error_code ignored;
+    const bool isThere = std::filesystem::is_regular_file(PathOf(file), ignored);
+    return "cannot be loaded: " + (text.empty() ? "the system gives no reason" : text) + " (error " +
+           std::to_string(code) + ')' +
+           (code == ERROR_MOD_NOT_FOUND && isThere
+                ? "; the file exists, so it is not a library or one that it needs is missing"
+                : "");
+}
+
 int RunPlugin(const PluginOptions& options) {
+    if (options.file.empty()) {
+        throw Failure{"the file name is empty"};
+    }
     const auto fail = [&](const std::string& step) { throw Failure{options.file + ": " + step}; };
     velm::LoadClassPointerFromDll plugin;
     void* object = nullptr;
@@ -37,23 +57,23 @@ int RunPlugin(const PluginOptions& options) {
         case 0:
             break;
         case 1:
-            fail("loading failed, error " + std::to_string(GetLastError()));
+            fail(LoadFailure(options.file));
             break;
         case 2:
-            fail("obtaining the object failed: the library exports no AllocateClass");
+            fail("the object cannot be obtained: the library exports no AllocateClass");
             break;
         default:
-            fail("obtaining the object failed: AllocateClass gave none");
+            fail("the object cannot be obtained: AllocateClass returned none");
     }
     UniqueModule module(velm::WindowsUtil::CallLoadLibrary(options.file.c_str()));
     if (GetProcAddress(module.get(), "ReleaseClass") == nullptr) {
-        fail("releasing the object failed: the library exports no ReleaseClass");
+        fail("the object cannot be released: the library exports no ReleaseClass");
     }
-    const std::wstring path = PathOf(module.get());
+    const std::wstring path = PathOfModule(module.get());
     module.reset();
     plugin.Terminate();
     if (!path.empty() && GetModuleHandleW(path.c_str()) != nullptr) {
-        fail("unloading failed: the library is still in the process");
+        fail("cannot be unloaded: the library is still in the process");
     }
     Report report;
     report.Add("file", options.file);

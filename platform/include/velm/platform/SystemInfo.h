@@ -47,4 +47,10 @@ struct LibraryFile {
 /// Finds a loaded library by its target name, such as "VelmUtil".
 LibraryFile FindLibrary(const std::string& name);
 
+/// Says why the last call on this thread that loads a library failed, without a final full stop.
+/// @param code  what GetLastError returned after it
+/// @return the system's text for the code on Windows, the dynamic loader's message on Linux; UTF-8; may be
+/// empty
+std::string LoadErrorText(unsigned long code);
+
 }  // namespace velm::platform
