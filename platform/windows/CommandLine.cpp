@@ -29,7 +29,8 @@ struct HandleCloser {
 bool EnableEscapes(HANDLE console) {
     DWORD mode = 0;
     return GetConsoleMode(console, &mode) &&
-           SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+           SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) &&
+           GetConsoleMode(console, &mode) && (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
 /// Whether the console interprets escape sequences; some accept the mode and still show them as text. Tried

@@ -18,13 +18,13 @@
 #include "Help.h"
 #include "Interruption.h"
 #include "Path.h"
+#include "Progress.h"
 #include "Report.h"
 #include "velm/AudioFrame.h"
 #include "velm/AudioFrameStream.h"
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/Thread.h"
 #include "velm/core/Tick.h"
-#include "velm/platform/CommandLine.h"
 #include "velm/WaveFileReadHelper.h"
 #include "WaveInput.h"
 #include "WaveWriter.h"
@@ -113,7 +113,7 @@ public:
           m_stream(m_frameSampleSize, options.frames, 1, 16) {}
 
     /// Runs both sides to their end. Throws Failure when either failed; there is no output then.
-    void Run(bool showProgress) {
+    void Run() {
         Check(m_wave.Initialize(&m_input));
         Check(m_stream.Initialize());
         if (!m_options.output.empty()) {
@@ -124,7 +124,7 @@ public:
         velm::Thread consumer;
         Launch(consumer, "consumer", [](void* self) { return static_cast<Transfer*>(self)->Consume(); });
         Launch(producer, "producer", [](void* self) { return static_cast<Transfer*>(self)->Produce(); });
-        WaitForConsumer(showProgress);
+        WaitForConsumer();
         Check(producer.Join(nullptr));
         Check(consumer.Join(nullptr));
         m_elapsed = Seconds(start, velm::Tick::Get());
@@ -164,20 +164,19 @@ private:
         }
     }
 
-    void WaitForConsumer(bool showProgress) {
-        while (!m_consumed.load()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(showProgress ? 100 : 1));
+    void WaitForConsumer() {
+        constexpr int kShownEvery = 100;  // milliseconds, and as many iterations
+        Progress progress;
+        for (int i = 1; !m_consumed.load(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
             if (Interruption::Requested()) {
                 // Not joined: the threads may be blocked on a pipe that never ends.
                 m_writer->Abandon();
                 std::_Exit(Interruption::kExitStatus);
             }
-            if (showProgress) {
-                ShowProgress();
+            if (i % kShownEvery == 0) {
+                progress.Show(PercentTaken());
             }
-        }
-        if (showProgress) {
-            std::cout << "\r     \r" << std::flush;
         }
     }
 
@@ -188,11 +187,9 @@ private:
         Check(thread.Start(nullptr));
     }
 
-    void ShowProgress() const {
-        const std::uint32_t size = std::max(1U, m_input.Format().dataSize);
-        const double share = 100.0 * static_cast<double>(m_taken.load()) / size;
-        std::cout << '\r' << std::fixed << std::setprecision(0) << std::min(share, 100.0) << " %"
-                  << std::flush;
+    std::string PercentTaken() const {
+        const std::uint64_t size = std::max(1U, m_input.Format().dataSize);
+        return std::to_string(std::min<std::uint64_t>(100 * m_taken.load() / size, 100)) + " %";
     }
 
     int Produce() {
@@ -387,7 +384,7 @@ int RunAudio(const AudioOptions& options) {
     }
     WaveInput input(options.input);
     Transfer transfer(options, input);
-    transfer.Run(!options.json && !outputIsData && velm::platform::OutputIsTerminal());
+    transfer.Run();
     const Report report = ReportOf(options, input.Format(), transfer);
     if (outputIsData) {
         report.Print(options.json, std::cerr);

@@ -3,7 +3,6 @@
 #include "Command.h"
 #include "DeviceRounds.h"
 #include "Help.h"
-#include "velm/platform/CommandLine.h"
 
 namespace velmdiag {
 namespace {
@@ -14,8 +13,7 @@ struct DeviceOptions {
 };
 
 int RunDevice(const DeviceOptions& options) {
-    const bool showProgress = !options.json && velm::platform::OutputIsTerminal();
-    const DeviceOutcome outcome = RunDeviceRounds(options.rounds, showProgress);
+    const DeviceOutcome outcome = RunDeviceRounds(options.rounds, true);
     Report report;
     AddDeviceOutcome(report, options.rounds, outcome);
     report.Print(options.json);

@@ -1,10 +1,11 @@
 #include "DeviceRounds.h"
 
+#include <algorithm>
 #include <cstring>
-#include <iostream>
-#include <sstream>
+#include <iterator>
 
 #include "Command.h"
+#include "Progress.h"
 #include "velm/core/Tick.h"
 #include "velm/D3D9ResourceManager.h"
 #include "velm/D3D9Surface.h"
@@ -20,15 +21,35 @@ constexpr UINT kHeight = 240;
 constexpr D3DFORMAT kPixels = D3DFMT_X8R8G8B8;
 constexpr DWORD kColorBits = 0x00FFFFFF;
 
-std::string Hex(HRESULT result) {
-    std::ostringstream text;
-    text << "0x" << std::hex << std::uppercase << static_cast<unsigned int>(result);
-    return text.str();
+struct ResultName {
+    unsigned int code;
+    const char* name;
+};
+
+/// The codes that the calls here document (d3d9.h, winerror.h).
+constexpr ResultName kResultNames[] = {
+    {0x88760827, "D3DERR_DRIVERINTERNALERROR"},
+    {0x8876017C, "D3DERR_OUTOFVIDEOMEMORY"},
+    {0x88760868, "D3DERR_DEVICELOST"},
+    {0x88760869, "D3DERR_DEVICENOTRESET"},
+    {0x8876086A, "D3DERR_NOTAVAILABLE"},
+    {0x8876086C, "D3DERR_INVALIDCALL"},
+    {0x88760870, "D3DERR_DEVICEREMOVED"},
+    {0x88760874, "D3DERR_DEVICEHUNG"},
+    {0x8007000E, "E_OUTOFMEMORY"},
+    {0x80004005, "E_FAIL"},
+};
+
+/// The number of a code, and its name if it is a known one.
+std::string TextOfResult(HRESULT result) {
+    const auto code = static_cast<unsigned int>(result);
+    const auto* const found = std::ranges::find(kResultNames, code, &ResultName::code);
+    return HexOf(code) + (found != std::end(kResultNames) ? std::string(" (") + found->name + ')' : "");
 }
 
 void Check(HRESULT result, const char* call, int exitStatus = 1) {
     if (FAILED(result)) {
-        throw Failure{std::string(call) + " failed: " + Hex(result), exitStatus};
+        throw Failure{std::string(call) + " failed with " + TextOfResult(result), exitStatus};
     }
 }
 
@@ -176,6 +197,7 @@ D3DCOLOR ColorOf(unsigned int round) {
 DeviceCounts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters, unsigned int rounds,
                        bool showProgress) {
     Cycle cycle(device, parameters);
+    Progress progress(showProgress);
     cycle.DrawAndCompare(ColorOf(0));
     for (unsigned int round = 1; round <= rounds; ++round) {
         try {
@@ -185,12 +207,7 @@ DeviceCounts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& pa
             throw Failure{"round " + std::to_string(round) + ": " + failure.message};
         }
         velm::platform::PumpMessages();
-        if (showProgress) {
-            std::cout << "\rround " << round << std::flush;
-        }
-    }
-    if (showProgress) {
-        std::cout << "\r\x1b[K" << std::flush;
+        progress.Show("round " + std::to_string(round));
     }
     return cycle.Seen();
 }
@@ -232,7 +249,7 @@ DeviceOutcome RunDeviceRounds(unsigned int rounds, bool showProgress) {
     DeviceOutcome outcome;
     outcome.referencesBefore = References(device.get());
     const velm::Tick start = velm::Tick::Get();
-    outcome.unregistered = Hex(ResetWithUnregisteredSurface(device.get(), parameters));
+    outcome.unregistered = TextOfResult(ResetWithUnregisteredSurface(device.get(), parameters));
     {
         const Manager manager;
         outcome.counts = RunRounds(device.get(), parameters, rounds, showProgress);

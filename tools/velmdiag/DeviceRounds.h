@@ -25,7 +25,7 @@ struct DeviceOutcome {
 
 /// Opens a window with a device and loses and recovers its surfaces. Throws Failure: with kNotDone when there
 /// is no device, with 1 when a round did not go as it must.
-/// @param showProgress  on standard output, which is a terminal
+/// @param showProgress  on standard error, if it is a terminal
 DeviceOutcome RunDeviceRounds(unsigned int rounds, bool showProgress);
 
 void AddDeviceOutcome(Report& report, unsigned int rounds, const DeviceOutcome& outcome);
