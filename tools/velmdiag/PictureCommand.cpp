@@ -1,35 +1,37 @@
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <cstddef>
+#include <filesystem>
+#include <iomanip>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <vector>
 
 #include "Command.h"
 #include "Help.h"
+#include "Interruption.h"
 #include "Path.h"
+#include "PictureInput.h"
 #include "PngFile.h"
+#include "Progress.h"
 #include "Report.h"
-#include "velm/core/CoreErrorCode.h"
-#include "velm/core/FileReader.h"
 #include "velm/YuvToArgb.h"
 
 namespace velmdiag {
 namespace {
 
-constexpr int kLargestSide = 16384;
 constexpr int kConversions = 21;
+constexpr unsigned int kFramesPerProgress = 100;
 
 struct PictureOptions {
     std::string input;
     std::string output;
     std::string size;
-    std::string matrix = "601";
-    unsigned int frame = 0;
+    std::string matrix;
+    std::string frame = "0";
     bool json = false;
 };
 
@@ -44,59 +46,6 @@ const Conversion kConversionTable[] = {
     {"709", velm::Yuv420ToArgb8888_BT709},
 };
 
-/// A frame of planar 4:2:0 as files hold it: Y, then U, then V, without gaps.
-struct Frame {
-    int width = 0;
-    int height = 0;
-    std::vector<unsigned char> bytes;
-
-    int ChromaWidth() const { return (width + 1) / 2; }
-    std::size_t LumaSize() const {
-        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    }
-    std::size_t ChromaSize() const {
-        return static_cast<std::size_t>(ChromaWidth()) * static_cast<std::size_t>((height + 1) / 2);
-    }
-    unsigned char* Y() { return bytes.data(); }
-    unsigned char* U() { return Y() + LumaSize(); }
-    unsigned char* V() { return U() + ChromaSize(); }
-};
-
-bool ParseSide(std::string_view text, int& side) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
-    return error == std::errc() && end == text.data() + text.size() && side >= 1 && side <= kLargestSide;
-}
-
-Frame MakeFrame(const std::string& size) {
-    const std::size_t cross = size.find('x');
-    Frame frame;
-    if (cross == std::string::npos || !ParseSide(std::string_view(size).substr(0, cross), frame.width) ||
-        !ParseSide(std::string_view(size).substr(cross + 1), frame.height)) {
-        throw Failure{"--size " + size + ": not a width and a height from 1 to " +
-                          std::to_string(kLargestSide) + ", such as 1280x720",
-                      2};
-    }
-    frame.bytes.resize(frame.LumaSize() + 2 * frame.ChromaSize());
-    return frame;
-}
-
-/// Reads frame after frame up to the wanted one.
-void ReadFrame(const PictureOptions& options, Frame& frame) {
-    velm::FileReader reader;
-    CheckFile(options.input, reader.Open(options.input.c_str()));
-    for (unsigned int i = 0; i <= options.frame; ++i) {
-        unsigned long long size = 0;
-        const velm::ErrorCode result = reader.Read(&size, frame.bytes.data(), frame.bytes.size());
-        if (result != velm::VELM_ERROR_CORE_END_OF_DATA) {
-            CheckFile(options.input, result);
-        } else {
-            throw Failure{options.input + ": frame " + std::to_string(i) + " has " + std::to_string(size) +
-                          " of the " + std::to_string(frame.bytes.size()) + " bytes that " + options.size +
-                          " pixels need (" + NameOf(result) + ')'};
-        }
-    }
-}
-
 void Convert(const Conversion& conversion, Frame& frame, std::vector<unsigned int>& argb) {
     const auto yStride = static_cast<unsigned int>(frame.width);
     const auto uvStride = static_cast<unsigned int>(frame.ChromaWidth());
@@ -104,17 +53,18 @@ void Convert(const Conversion& conversion, Frame& frame, std::vector<unsigned in
                         argb.data(), yStride * 4);
 }
 
-/// The median time of a call, in microseconds.
+/// How long a call takes, in microseconds.
 template <class Function>
-double MedianTime(Function function) {
-    std::vector<double> times(kConversions);
-    for (double& time : times) {
-        const auto start = std::chrono::steady_clock::now();
-        function();
-        time = std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
-    }
-    std::ranges::nth_element(times, times.begin() + kConversions / 2);
-    return times[kConversions / 2];
+double TimeOf(Function function) {
+    const auto start = std::chrono::steady_clock::now();
+    function();
+    return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
+}
+
+double MedianOf(std::vector<double> times) {
+    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+    std::ranges::nth_element(times, middle);
+    return *middle;
 }
 
 std::vector<unsigned char> RgbOf(const std::vector<unsigned int>& argb) {
@@ -128,28 +78,116 @@ std::vector<unsigned char> RgbOf(const std::vector<unsigned int>& argb) {
     return rgb;
 }
 
+const Conversion& ConversionFor(const std::string& matrix) {
+    const std::string wanted = matrix.empty() ? "601" : matrix;
+    return *std::ranges::find_if(kConversionTable, [&](const Conversion& at) { return at.matrix == wanted; });
+}
+
+Report DescribeInput(const PictureOptions& options, const PictureInput& input) {
+    Report report;
+    report.Add("file", options.input);
+    report.Add("format", input.IsY4m() ? "Y4M" : "raw");
+    if (const auto count = input.FrameCount()) {
+        report.Add("frames", static_cast<long long>(*count));
+    } else {
+        report.AddUnknown("frames");
+    }
+    report.Add("width", static_cast<long long>(input.Width()));
+    report.Add("height", static_cast<long long>(input.Height()));
+    report.Add("range", picojson::value(input.IsFullRange() ? "full" : "limited"),
+               input.IsFullRange() ? "full, scaled to limited range before the conversion" : "limited");
+    const std::string matrix = std::string("BT.") + ConversionFor(options.matrix).matrix;
+    report.Add("matrix", picojson::value(matrix),
+               matrix + (options.matrix.empty() ? ", the default: --matrix was not given" : ""));
+    report.Add("kernel", velm::GetYuvToArgbKernelName());
+    return report;
+}
+
+/// Converts one frame and writes it.
+/// @return the times of several conversions, in microseconds
+std::vector<double> ConvertOne(const PictureOptions& options, unsigned int number, PictureInput& input) {
+    const Conversion& conversion = ConversionFor(options.matrix);
+    Frame frame;
+    Progress progress;
+    for (unsigned int i = 0; i <= number; ++i) {
+        if (!input.Read(frame)) {
+            throw Failure{options.input + ": has " + std::to_string(i) + " frames, so there is no frame " +
+                          std::to_string(number)};
+        }
+        if (i % kFramesPerProgress == kFramesPerProgress - 1) {
+            progress.Show("frame " + std::to_string(i));
+        }
+    }
+    std::vector<unsigned int> argb(frame.LumaSize());
+    std::vector<double> times(kConversions);
+    for (double& time : times) {
+        time = TimeOf([&] { Convert(conversion, frame, argb); });
+    }
+    WritePng(options.output, frame.width, frame.height, RgbOf(argb));
+    return times;
+}
+
+/// The name of a frame's picture: names sort in the order of the frames.
+std::string PictureName(const std::string& folder, std::size_t number) {
+    std::ostringstream name;
+    name << folder << "/frame-" << std::setw(6) << std::setfill('0') << number << ".png";
+    return name.str();
+}
+
+/// Converts every frame and writes each to a folder.
+/// @return the time of each conversion, in microseconds
+std::vector<double> ConvertAll(const PictureOptions& options, PictureInput& input) {
+    const Conversion& conversion = ConversionFor(options.matrix);
+    std::error_code failed;
+    std::filesystem::create_directories(PathOf(options.output), failed);
+    if (!std::filesystem::is_directory(PathOf(options.output), failed)) {
+        throw Failure{options.output + ": is not a folder and cannot be made one, as --frame all needs"};
+    }
+    const auto count = input.FrameCount();
+    Frame frame;
+    std::vector<double> times;
+    Progress progress;
+    while (input.Read(frame)) {
+        std::vector<unsigned int> argb(frame.LumaSize());
+        const std::string name = PictureName(options.output, times.size());
+        times.push_back(TimeOf([&] { Convert(conversion, frame, argb); }));
+        WritePng(name, frame.width, frame.height, RgbOf(argb));
+        if (Interruption::Requested()) {
+            throw Failure{"interrupted after " + name, Interruption::kExitStatus};
+        }
+        progress.Show("frame " + std::to_string(times.size()) +
+                      (count ? " of " + std::to_string(*count) : ""));
+    }
+    if (times.empty()) {
+        throw Failure{options.input + ": has no frames"};
+    }
+    return times;
+}
+
 int RunPicture(const PictureOptions& options) {
-    Frame frame = MakeFrame(options.size);
-    const Conversion& conversion = *std::ranges::find_if(
-        kConversionTable, [&](const Conversion& at) { return at.matrix == options.matrix; });
+    unsigned int number = 0;
+    const bool all = options.frame == "all";
+    if (!all && !CLI::detail::lexical_cast(options.frame, number)) {
+        throw Failure{"--frame " + options.frame + ": neither the number of a frame nor \"all\"",
+                      kWrongUsage};
+    }
+    if (all && options.output == "-") {
+        throw Failure{"--frame all: needs a folder for its pictures, not standard output", kWrongUsage};
+    }
     if (options.output != "-") {
         RefuseToOverwriteInput(options.input, options.output);
     }
-    ReadFrame(options, frame);
-
-    std::vector<unsigned int> argb(frame.LumaSize());
-    const double time = MedianTime([&] { Convert(conversion, frame, argb); });
-    WritePng(options.output, frame.width, frame.height, RgbOf(argb));
-
-    Report report;
-    report.Add("file", options.input);
-    report.Add("frame", static_cast<long long>(options.frame));
-    report.Add("width", static_cast<long long>(frame.width));
-    report.Add("height", static_cast<long long>(frame.height));
-    report.Add("matrix", std::string("BT.") + conversion.matrix);
-    report.Add("kernel", velm::GetYuvToArgbKernelName());
-    report.Add("time_per_frame", time, "us", 1);
-    report.Add("picture", options.output);
+    PictureInput input(options.input, options.size);
+    const std::vector<double> times = all ? ConvertAll(options, input) : ConvertOne(options, number, input);
+    Report report = DescribeInput(options, input);
+    report.Add("time_per_frame", MedianOf(times), "us", 1);
+    if (all) {
+        report.Add("pictures", static_cast<long long>(times.size()));
+        report.Add("folder", options.output);
+    } else {
+        report.Add("frame", static_cast<long long>(number));
+        report.Add("picture", options.output);
+    }
     if (options.output == "-") {
         report.Print(options.json, std::cerr);
     } else {
@@ -164,17 +202,22 @@ void AddPictureCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<PictureOptions>();
     CLI::App* const command = app.add_subcommand("picture", "Converts a YUV picture into a PNG file");
     Explain(command,
-            "Reads a frame of planar YUV 4:2:0 in limited range (the Y, U and V planes one after "
-            "another, no header), converts it into 32-bit pixels, prints the median time that takes "
-            "and writes the picture.",
+            "Reads planar YUV 4:2:0 with 8 bits, raw (the Y, U and V planes of each frame one after another, "
+            "no header) or Y4M, converts a frame into 32-bit pixels, prints the median time that takes and "
+            "writes the picture. With --frame all, OUT is a folder that gets a picture of each frame. Y4M in "
+            "full range is scaled to the limited range that the library converts.",
             "velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
-    command->add_option("IN", options->input, "the YUV file")->required();
-    command->add_option("--size", options->size, "width and height in pixels, such as 1280x720")->required();
-    command->add_option("--out", options->output, "the PNG file, or - for standard output")->required();
-    command->add_option("--matrix", options->matrix, "the matrix of ITU-R BT.601 or BT.709")
-        ->check(CLI::IsMember({"601", "709"}))
+    command->add_option("IN", options->input, "the raw YUV or Y4M file")->required();
+    command->add_option("--size", options->size,
+                        "width and height in pixels, such as 1280x720; required without a Y4M header");
+    command
+        ->add_option("--out", options->output,
+                     "the PNG file, or - for standard output; a folder for all frames")
+        ->required();
+    command->add_option("--matrix", options->matrix, "the matrix of ITU-R BT.601 or BT.709; 601 if not given")
+        ->check(CLI::IsMember({"601", "709"}));
+    command->add_option("--frame", options->frame, "number of the frame, from 0, or all")
         ->capture_default_str();
-    command->add_option("--frame", options->frame, "number of the frame, from 0")->capture_default_str();
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunPicture(*options); });
 }
