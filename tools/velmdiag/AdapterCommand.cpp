@@ -159,7 +159,8 @@ void AddAdapterCommand(CLI::App& app, int& exitStatus) {
             "out.",
             "velmdiag adapter --index 0 --rules adapter-rules.json");
     command->add_option("--index", options->index, "show this adapter only; 0 is the first");
-    command->add_option("--rules", options->rules, "check the adapters by this rule file");
+    command->add_option("--rules", options->rules, "check the adapters by this rule file")
+        ->type_name(kFileType);
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunAdapter(*options); });
 }

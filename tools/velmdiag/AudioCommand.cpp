@@ -411,10 +411,14 @@ void AddAudioCommand(CLI::App& app, int& exitStatus) {
             "leaves the size open, is read until it ends. The file OUT appears when it is complete; with "
             "--out - the recording goes to standard output and the report to standard error.",
             "velmdiag audio speech.wav --out copy.wav");
-    command->add_option("IN", options->input, "the WAVE file, or - for standard input")->required();
-    CLI::Option* const out = command->add_option("--out", options->output,
-                                                 "write what arrives to this WAVE file, or - for standard "
-                                                 "output");
+    command->add_option("IN", options->input, "the WAVE file, or - for standard input")
+        ->type_name(kFileType)
+        ->required();
+    CLI::Option* const out = command
+                                 ->add_option("--out", options->output,
+                                              "write what arrives to this WAVE file, or - for standard "
+                                              "output")
+                                 ->type_name(kFileType);
     command->add_flag("--info", options->info, "read the header only and list the chunks in it")
         ->excludes(out);
     command->add_option("--block-ms", options->blockMilliseconds, "play time of a block in milliseconds")

@@ -133,7 +133,8 @@ std::vector<std::string> NamesIn(const std::string& path, const std::optional<st
             names.push_back(utf8);
         }
         if (names.size() > kMostNames) {
-            throw Failure{path + ": has too many names to list them, more than " + std::to_string(kMostNames)};
+            throw Failure{path + ": has too many names to list them, more than " +
+                          std::to_string(kMostNames)};
         }
     }
     return names;
@@ -222,7 +223,7 @@ void AddConfigIni(CLI::App& config, int& exitStatus) {
             "and 1 when it has none. Without a KEY, lists the section, or all sections, and says in which "
             "encoding Windows reads the file.",
             "velmdiag config ini client.ini network port --int --default 443");
-    command->add_option("FILE", options->file, "the INI file")->required();
+    command->add_option("FILE", options->file, "the INI file")->type_name(kFileType)->required();
     command->add_option("SECTION", options->section, "its section, without brackets; all if not given");
     CLI::Option* const key = command->add_option("KEY", options->key, "the key in it; all if not given");
     command->add_option("--default", options->defaultText, "print this when the file has no value")

@@ -114,7 +114,7 @@ void AddConfigJson(CLI::App& config, int& exitStatus) {
         "With --info or --json, the library parses the file, too. An error names the line and the "
         "column, in characters.",
         "velmdiag config json settings.json");
-    command->add_option("FILE", options->file, "the JSON file")->required();
+    command->add_option("FILE", options->file, "the JSON file")->type_name(kFileType)->required();
     command->add_flag("--info", options->info,
                       "print what the file is and how long the library takes to read it");
     command->add_flag("--json", options->json, "print one JSON object, with the document in \"value\"");

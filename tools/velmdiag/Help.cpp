@@ -1,5 +1,6 @@
 #include "Help.h"
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
@@ -40,9 +41,9 @@ std::vector<const CLI::App*> RunnableCommands(const CLI::App& app) {
 /// Such as "config ini".
 std::string CommandPath(const CLI::App& command) {
     const CLI::App* const parent = command.get_parent();
-    return parent == nullptr         ? ""
+    return parent == nullptr              ? ""
            : CommandPath(*parent).empty() ? command.get_name()
-                                     : CommandPath(*parent) + ' ' + command.get_name();
+                                          : CommandPath(*parent) + ' ' + command.get_name();
 }
 
 std::string ExampleOf(const CLI::App& command) {
@@ -64,6 +65,26 @@ std::string Roff(const std::string& text) {
     return Replace(Replace(Replace(text, "\\", "\\e"), "-", "\\-"), "\n", "\n\\&");
 }
 
+bool TakesValue(const CLI::Option& option) {
+    return option.nonpositional() && option.get_items_expected_max() != 0;
+}
+
+/// The values of an option as "{a,b}" if only some are possible, otherwise their kind, such as "FILE".
+std::string KindOfValue(const CLI::Option& option) {
+    const std::string type = option.get_type_name();
+    const std::size_t set = type.find('{');
+    return set != std::string::npos ? type.substr(set) : type;
+}
+
+/// What follows an option on the manual page, such as " DURATION (default: 5s)".
+std::string ValueOf(const CLI::Option& option) {
+    if (!TakesValue(option)) {
+        return "";
+    }
+    const std::string standard = option.get_default_str();
+    return ' ' + KindOfValue(option) + (standard.empty() ? "" : " (default: " + standard + ')');
+}
+
 std::string ManPage(const CLI::App& app) {
     std::ostringstream page;
     page << ".TH VELMDIAG 1 \"\" \"VelmUtil " VELM_VERSION "\" \"User Commands\"\n"
@@ -72,7 +93,7 @@ std::string ManPage(const CLI::App& app) {
     for (const CLI::App* const command : RunnableCommands(app)) {
         page << ".SS " << CommandPath(*command) << '\n' << Roff(command->get_description()) << ".\n";
         for (const CLI::Option* const option : command->get_options()) {
-            page << ".TP\n.B " << Roff(option->get_name(false, true)) << '\n'
+            page << ".TP\n.B " << Roff(option->get_name(false, true)) << Roff(ValueOf(*option)) << '\n'
                  << Roff(option->get_description()) << '\n';
         }
         const std::string footer = command->get_footer();
@@ -101,24 +122,50 @@ std::string WordsOf(const CLI::App& app) {
     return words;
 }
 
-void AddCases(const CLI::App& app, std::ostream& known, std::ostream& words) {
+/// Whether a command takes the name of a file that is no option's value.
+bool TakesFile(const CLI::App& app) {
+    const auto options = app.get_options();
+    return std::any_of(options.begin(), options.end(), [](const CLI::Option* option) {
+        return !option->nonpositional() && option->get_type_name() == kFileType;
+    });
+}
+
+/// The parts of the completion script, each the inside of a "case".
+struct CompletionCases {
+    std::ostringstream commands;  ///< patterns: a command's path and the next word, if that is a command
+    std::ostringstream words;     ///< by path: what may follow
+    std::ostringstream values;    ///< by path and option: its values
+};
+
+void AddCases(const CLI::App& app, CompletionCases& cases) {
     const std::string path = CommandPath(app);
-    words << "        \"" << path << "\") words=\"" << WordsOf(app) << "\" ;;\n";
+    cases.words << "        \"" << path << "\") words=\"" << WordsOf(app) << '"'
+                << (TakesFile(app) ? " files=1" : "") << " ;;\n";
+    for (const CLI::Option* const option : app.get_options()) {
+        if (!TakesValue(*option)) {
+            continue;
+        }
+        std::string kind = KindOfValue(*option);
+        const bool isSet = kind.starts_with('{');
+        std::replace_if(
+            kind.begin(), kind.end(), [](char c) { return c == '{' || c == ',' || c == '}'; }, ' ');
+        cases.values << "        \"" << path << " --" << option->get_lnames().front() << "\") words=\""
+                     << (isSet ? kind : "") << '"' << (kind == kFileType ? " files=1" : " files=") << " ;;\n";
+    }
     for (const CLI::App* const command : app.get_subcommands({})) {
-        known << "\"" << path << ' ' << command->get_name() << "\"|";
-        AddCases(*command, known, words);
+        cases.commands << "\"" << path << ' ' << command->get_name() << "\"|";
+        AddCases(*command, cases);
     }
 }
 
 std::string BashCompletion(const CLI::App& app) {
-    std::ostringstream known;
-    std::ostringstream words;
-    AddCases(app, known, words);
-    std::string commands = known.str();
+    CompletionCases cases;
+    AddCases(app, cases);
+    std::string commands = cases.commands.str();
     commands.pop_back();
     return "# Completion of velmdiag for bash, made by velmdiag --completion.\n"
            "_velmdiag() {\n"
-           "    local current=${COMP_WORDS[COMP_CWORD]} path= word words=\n"
+           "    local current=${COMP_WORDS[COMP_CWORD]} path= word= words= files=\n"
            "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
            "        case \"$path $word\" in\n"
            "        " +
@@ -127,11 +174,19 @@ std::string BashCompletion(const CLI::App& app) {
            "        esac\n"
            "    done\n"
            "    case $path in\n" +
-           words.str() +
+           cases.words.str() +
            "    esac\n"
-           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$current\")\n"
+           "    case \"$path $word\" in\n" +
+           cases.values.str() +
+           "    esac\n"
+           "    if [[ -n $files && $current != -* ]]; then\n"
+           "        mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
+           "        compopt -o filenames 2>/dev/null\n"
+           "    else\n"
+           "        mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$current\")\n"
+           "    fi\n"
            "}\n"
-           "complete -o default -F _velmdiag velmdiag velmdiag.exe\n";
+           "complete -F _velmdiag velmdiag velmdiag.exe\n";
 }
 
 }  // namespace

@@ -7,6 +7,9 @@
 
 namespace velmdiag {
 
+/// The type name of an option whose value is a file or a folder; completion then offers files.
+inline constexpr const char* kFileType = "FILE";
+
 /// Gives a command the text below its options, and the example that ends it.
 /// @param example  a whole command line
 void Explain(CLI::App* command, const std::string& text, const std::string& example);

@@ -207,12 +207,13 @@ void AddPictureCommand(CLI::App& app, int& exitStatus) {
             "writes the picture. With --frame all, OUT is a folder that gets a picture of each frame. Y4M in "
             "full range is scaled to the limited range that the library converts.",
             "velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
-    command->add_option("IN", options->input, "the raw YUV or Y4M file")->required();
+    command->add_option("IN", options->input, "the raw YUV or Y4M file")->type_name(kFileType)->required();
     command->add_option("--size", options->size,
                         "width and height in pixels, such as 1280x720; required without a Y4M header");
     command
         ->add_option("--out", options->output,
                      "the PNG file, or - for standard output; a folder for all frames")
+        ->type_name(kFileType)
         ->required();
     command->add_option("--matrix", options->matrix, "the matrix of ITU-R BT.601 or BT.709; 601 if not given")
         ->check(CLI::IsMember({"601", "709"}));

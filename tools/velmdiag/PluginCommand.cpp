@@ -93,7 +93,7 @@ void AddPluginCommand(CLI::App& app, int& exitStatus) {
             "Loads a plug-in library, obtains its object, releases it, unloads the library, and says "
             "which step failed.",
             "velmdiag plugin sample_plugin.dll");
-    command->add_option("FILE", options->file, "the library")->required();
+    command->add_option("FILE", options->file, "the library")->type_name(kFileType)->required();
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunPlugin(*options); });
 }
