@@ -12,7 +12,9 @@ int Usage() {
         stderr,
         "usage: velm_bench [--rounds N] [--family NAME] [--json FILE] [--short]\n"
         "Measures the libraries against their peers, interleaved; each figure is the median of all rounds.\n"
-        "--short runs every case once on a small amount of work; its figures mean nothing.\n"
+        "Fails if a row misses what is required of it, and names the row.\n"
+        "--short runs every case once on a small amount of work; its figures mean nothing, so it\n"
+        "requires none.\n"
         "Families:");
     for (const Family& family : GetFamilies()) {
         std::fprintf(stderr, " %s", family.name);
@@ -38,6 +40,7 @@ int Run(const Options& options, const std::string& json) {
             family.run(suite);
         }
     }
+    suite.PrintMissed();
     return (json.empty() || suite.Write(json)) && !suite.HasFailed() ? 0 : 1;
 }
 

@@ -17,18 +17,18 @@ void Print(const picojson::object& row) {
         std::printf("missing   %s: %s\n", line.c_str(), text("missing").c_str());
         return;
     }
-    const double required = row.at("required").get<double>();
-    const double figure = row.at("figure").get<double>();
-    const bool most = row.at("sense").to_str() == "most";
-    const bool met = required == 0 || (most ? figure <= required : figure >= required);
-    std::printf("%8.2f  %s", figure, line.c_str());
-    if (required != 0) {
-        std::printf(" (at %s %g)%s", most ? "most" : "least", required, met ? "" : "  MISSED");
-    }
+    std::printf("%8.2f  %s", row.at("figure").get<double>(), line.c_str());
     if (row.count("ours_ns") != 0) {
         std::printf("  %.0f : %.0f ns", row.at("ours_ns").get<double>(), row.at("peer_ns").get<double>());
     }
     std::printf("\n");
+}
+
+/// "at least 0.85, measured 0.681"
+std::string Figures(const char* sense, double required, double measured) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%s %.3g, measured %.3g", sense, required, measured);
+    return text;
 }
 
 }  // namespace
@@ -39,8 +39,34 @@ double MedianOf(std::vector<double> values) {
     return *middle;
 }
 
-void Suite::Compare(const std::string& family, const std::string& work, const Contender& ours,
-                    const std::vector<Peer>& peers, Clock clock) {
+void Suite::Require(const std::string& row, bool holds) {
+    if (!holds && !m_options.shortly) {
+        m_missed.push_back(row);
+        m_failed = true;
+    }
+}
+
+void Suite::RequireOneOf(const std::string& row, const Ratios& measured, const Ratios& least) {
+    std::string all;
+    bool holds = false;
+    for (const auto& [peer, required] : least) {
+        const auto found = measured.find(peer);
+        if (found != measured.end()) {
+            holds = holds || found->second >= required;
+            all += (all.empty() ? "" : "; or ") + peer + ": " + Figures("at least", required, found->second);
+        }
+    }
+    Require(row + " | " + all, holds || all.empty());
+}
+
+void Suite::PrintMissed() const {
+    for (const std::string& row : m_missed) {
+        std::fprintf(stderr, "velm_bench: misses what is required: %s\n", row.c_str());
+    }
+}
+
+Ratios Suite::Compare(const std::string& family, const std::string& work, const Contender& ours,
+                      const std::vector<Peer>& peers, Clock clock) {
     std::vector<Contender> contenders{ours};
     for (const Peer& peer : peers) {
         if (peer.contender.run != nullptr) {
@@ -48,26 +74,32 @@ void Suite::Compare(const std::string& family, const std::string& work, const Co
         }
     }
     const std::vector<double> seconds = Measure(contenders, m_options, clock);
+    Ratios ratios;
     std::size_t next = 1;
     for (const Peer& peer : peers) {
+        const std::string& name = peer.contender.name;
         picojson::object row;
         row["family"] = picojson::value(family);
         row["work"] = picojson::value(work);
-        row["peer"] = picojson::value(peer.contender.name);
-        row["required"] = picojson::value(peer.required);
-        row["sense"] = picojson::value("least");
+        row["peer"] = picojson::value(name);
+        row["limit"] = picojson::value(peer.isLimit);
         if (peer.contender.run == nullptr) {
             row["missing"] = picojson::value(peer.lacks);
         } else {
-            row["figure"] = picojson::value(seconds[next] / seconds[0]);
+            const double figure = seconds[next] / seconds[0];
+            row["figure"] = picojson::value(figure);
             row["ours_ns"] = picojson::value(seconds[0] * kNanoseconds);
             row["peer_ns"] = picojson::value(seconds[next] * kNanoseconds);
+            ratios[name] = figure;
+            Require(family + ", " + work + " | " + name + ": " + Figures("at least", peer.required, figure),
+                    figure >= peer.required);
             ++next;
         }
         Print(row);
         m_rows.emplace_back(row);
     }
     std::fflush(stdout);
+    return ratios;
 }
 
 void Suite::Limit(const std::string& family, const std::string& work, const std::string& against,
@@ -76,10 +108,10 @@ void Suite::Limit(const std::string& family, const std::string& work, const std:
     row["family"] = picojson::value(family);
     row["work"] = picojson::value(work);
     row["peer"] = picojson::value(against);
-    row["required"] = picojson::value(most);
-    row["sense"] = picojson::value("most");
+    row["limit"] = picojson::value(false);
     row["figure"] = picojson::value(figure);
     row["unit"] = picojson::value(unit);
+    Require(family + ", " + work + ": " + Figures("at most", most, figure), most == 0 || figure <= most);
     Print(row);
     m_rows.emplace_back(row);
 }
@@ -111,6 +143,27 @@ void Suite::Grow(const std::string& curve, const std::string& unit, Growth growt
     kept["grows"] = picojson::value(growth == Growth::kWithSize);
     kept["series"] = picojson::value(series);
     m_curves[curve] = picojson::value(kept);
+}
+
+void Suite::RequireGrowth(const std::string& curve, const std::string& series, double from, double to,
+                          double most) {
+    if (m_options.shortly) {
+        return;
+    }
+    const auto costAt = [&](double size) {
+        for (const picojson::value& point :
+             m_curves.at(curve).get("series").get(series).get<picojson::array>()) {
+            if (point.get(0).get<double>() == size) {
+                return point.get(1).get<double>() / size;
+            }
+        }
+        return 0.0;
+    };
+    const double growth = costAt(to) / costAt(from);
+    Require(curve + ", cost per unit at the size " + std::to_string(static_cast<long long>(to)) +
+                " over that at " + std::to_string(static_cast<long long>(from)) + ": " +
+                Figures("at most", most, growth),
+            growth <= most);
 }
 
 bool Suite::Write(const std::string& path) const {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,9 +40,18 @@ constexpr std::size_t kShort = 256;
 /// What ours is compared with.
 struct Peer {
     Contender contender;  // without `run` if it is missing
-    double required = 0;  // the target ratio of the peer's time to ours; 0: no target
+    double required = 0;  // the least ratio of the peer's time to ours, or the run fails; 0: nothing required
     std::string lacks{};  // the package that provides a missing peer
+    bool isLimit = false;  // not another implementation, but what the work takes at least
 };
+
+/// The ratios of the peers' times to ours, by name. Missing peers have none.
+using Ratios = std::map<std::string, double>;
+
+/// Work that nothing could do in less time.
+inline Peer LimitOf(Contender contender, double required = 0) {
+    return {.contender = std::move(contender), .required = required, .isLimit = true};
+}
 
 inline Peer Missing(std::string name, std::string package, double required = 0) {
     return {.contender = {.name = std::move(name), .run = nullptr},
@@ -72,11 +82,22 @@ public:
     void Fail() { m_failed = true; }
     bool HasFailed() const { return m_failed; }
 
-    /// Measures ours and its peers interleaved; prints and records a row per peer.
-    void Compare(const std::string& family, const std::string& work, const Contender& ours,
-                 const std::vector<Peer>& peers, Clock clock = Clock::kThread);
+    /// Fails the run unless the condition holds, except for a short run, whose figures mean nothing.
+    /// @param row  names the row and says what is required of it
+    void Require(const std::string& row, bool holds);
 
-    /// Records a figure that is not a ratio of times; its target is at most `most`.
+    /// Requires one of several ratios; for work that either of two things may hold back. Missing peers do
+    /// not count, and if all are missing, nothing is required.
+    void RequireOneOf(const std::string& row, const Ratios& measured, const Ratios& least);
+
+    /// Prints every row that misses what is required of it.
+    void PrintMissed() const;
+
+    /// Measures ours and its peers interleaved; prints and records a row per peer.
+    Ratios Compare(const std::string& family, const std::string& work, const Contender& ours,
+                   const std::vector<Peer>& peers, Clock clock = Clock::kThread);
+
+    /// Records a figure that is not a ratio of times; required to be at most `most`, unless that is 0.
     void Limit(const std::string& family, const std::string& work, const std::string& against, double figure,
                double most, const std::string& unit);
 
@@ -88,12 +109,18 @@ public:
               const std::function<std::vector<Contender>(double size)>& make, double enough,
               Clock clock = Clock::kThread);
 
+    /// Requires that a series of a measured curve costs at most `most` times as much per unit at size `to` as
+    /// at size `from`.
+    void RequireGrowth(const std::string& curve, const std::string& series, double from, double to,
+                       double most);
+
     /// Writes everything recorded as JSON; false if that fails.
     bool Write(const std::string& path) const;
 
 private:
     Options m_options;
     bool m_failed = false;
+    std::vector<std::string> m_missed;
     picojson::array m_rows;
     picojson::object m_curves;
 };
