@@ -99,6 +99,29 @@ TEST(YuvKernels, AreFoundByFullName) {
     EXPECT_EQ(yuv::FindKernel(GetYuvToArgbKernelName()), &yuv::BestKernel());
 }
 
+TEST(YuvKernels, TheNewestIsNotChosenWhereItIsSlower) {
+    constexpr unsigned int kIntel = 0x756E6547;
+    constexpr unsigned int kAmd = 0x68747541;
+    constexpr unsigned int kOther = 0x746E6543;
+    constexpr unsigned int kLeaf1 = 0x18001000;
+    constexpr unsigned int kAvx512 = 0xD0030128;
+    const struct {
+        const char* kernel;
+        yuv::CpuReport report;
+    } cases[] = {
+        {"avx512vbmi", {7, kLeaf1, kAvx512, 0x2, 0xE7, kAmd}},
+        {"avx512bw", {7, kLeaf1, kAvx512, 0x2, 0xE7, kIntel}},
+        {"avx512bw", {7, kLeaf1, kAvx512, 0x2, 0xE7, kOther}},
+        {"avx512bw", {7, kLeaf1, kAvx512, 0x0, 0xE7, kAmd}},
+        {"avx2", {7, kLeaf1, 0x128, 0x0, 0x07, kAmd}},
+        {"avx2", {7, kLeaf1, kAvx512, 0x2, 0x07, kIntel}},  // no 512-bit state
+        {"sse2", {1, 0, 0, 0, 0, kAmd}},
+    };
+    for (const auto& at : cases) {
+        EXPECT_STREQ(yuv::ChooseKernel(at.report).name, at.kernel) << "case " << &at - cases;
+    }
+}
+
 TEST(CpuFeatures, EveryMissingFeatureLowersTheLevel) {
     using yuv::CpuLevel;
     constexpr unsigned int kLeaf1 = 0x18001000;   // OSXSAVE, AVX, FMA

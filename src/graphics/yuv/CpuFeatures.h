@@ -13,6 +13,7 @@ struct CpuReport {
     unsigned int leaf7Ebx = 0;
     unsigned int leaf7Ecx = 0;
     unsigned long long xcr0 = 0;  // register states that the system saves; 0 without XGETBV
+    unsigned int leaf0Ebx = 0;    // the first four letters of the vendor's name
 };
 
 /// Executes CPUID and XGETBV. Slow in a virtual machine, where each CPUID is trapped.
@@ -20,6 +21,9 @@ CpuReport ReadCpuReport();
 
 /// Returns the highest level that the processor has and whose registers the system saves.
 CpuLevel LevelOf(const CpuReport& report);
+
+/// Whether a byte permute from two registers is one operation, as a rule of the processor's vendor.
+bool HasFastTwoTablePermutes(const CpuReport& report);
 
 /// Returns the level of this processor, determined once.
 /// Threads: any.

@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -39,8 +40,29 @@ std::span<const Kernel> GetKernels() {
     return kKernels;
 }
 
+// The VBMI kernel needs fewer operations than the AVX-512BW kernel, but six of them are byte permutes from
+// two registers. Speed relative to libyuv at 640 x 360:
+//
+//     processor                   avx512bw  avx512vbmi
+//     AMD, two steps per 512 bits     1.52        1.98
+//     Intel, family 6 model 207       1.82        1.63
+const Kernel& ChooseKernel(const CpuReport& report) {
+    const CpuLevel level = LevelOf(report);
+    const bool vbmiIsFast = HasFastTwoTablePermutes(report);
+    return *std::ranges::find_if(kKernels, [&](const Kernel& kernel) {
+        return kernel.needs <= level && (kernel.needs != CpuLevel::kAvx512Vbmi || vbmiIsFast);
+    });
+}
+
+// Concurrent first calls each choose the same kernel; see GetCpuLevel.
 const Kernel& BestKernel() {
-    return *std::ranges::find_if(kKernels, CanRun);
+    static constinit std::atomic<const Kernel*> known{nullptr};
+    const Kernel* kernel = known.load(std::memory_order_relaxed);
+    if (kernel == nullptr) {
+        kernel = &ChooseKernel(ReadCpuReport());
+        known.store(kernel, std::memory_order_relaxed);
+    }
+    return *kernel;
 }
 
 const Kernel* FindKernel(std::string_view name) {

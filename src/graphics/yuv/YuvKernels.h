@@ -19,10 +19,14 @@ struct Kernel {
     void (*convert)(const Matrix& matrix, const Picture& picture, Writing writing);
 };
 
-/// Returns all kernels, best first. The last one, scalar, runs anywhere.
+/// Returns all kernels, the newest instructions first. The last one, scalar, runs anywhere.
 std::span<const Kernel> GetKernels();
 
-/// Returns the first kernel that this processor can run.
+/// Returns the fastest kernel for a processor.
+const Kernel& ChooseKernel(const CpuReport& report);
+
+/// Returns the fastest kernel for this processor, determined once.
+/// Threads: any.
 const Kernel& BestKernel();
 
 /// Returns the kernel of that name; null when there is none or this processor cannot run it.
