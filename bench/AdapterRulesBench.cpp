@@ -52,7 +52,7 @@ void MeasureAdapterRules(Suite& suite) {
         const std::string times = std::to_string(rules);
         suite.Compare("Adapter rules", "checking " + times + " rules",
                       Check(times + " rules", rules, context, 1),
-                      {{Check("checking one rule " + times + " times", 1, context, rules), 0.9}});
+                      {{Check("checking one rule " + times + " times", 1, context, rules), 0.85}});
     }
     suite.Grow(
         "Adapter rules: a check", "rules", Growth::kWithSize, {1, 10, 100, 1000, 10000},

@@ -77,29 +77,35 @@ Ratios Suite::Compare(const std::string& family, const std::string& work, const 
     Ratios ratios;
     std::size_t next = 1;
     for (const Peer& peer : peers) {
-        const std::string& name = peer.contender.name;
-        picojson::object row;
-        row["family"] = picojson::value(family);
-        row["work"] = picojson::value(work);
-        row["peer"] = picojson::value(name);
-        row["limit"] = picojson::value(peer.isLimit);
-        if (peer.contender.run == nullptr) {
-            row["missing"] = picojson::value(peer.lacks);
-        } else {
-            const double figure = seconds[next] / seconds[0];
-            row["figure"] = picojson::value(figure);
-            row["ours_ns"] = picojson::value(seconds[0] * kNanoseconds);
-            row["peer_ns"] = picojson::value(seconds[next] * kNanoseconds);
-            ratios[name] = figure;
-            Require(family + ", " + work + " | " + name + ": " + Figures("at least", peer.required, figure),
-                    figure >= peer.required);
+        const bool missing = peer.contender.run == nullptr;
+        Record(family, work, seconds[0], peer, missing ? 0 : seconds[next]);
+        if (!missing) {
+            ratios[peer.contender.name] = seconds[next] / seconds[0];
             ++next;
         }
-        Print(row);
-        m_rows.emplace_back(row);
     }
-    std::fflush(stdout);
     return ratios;
+}
+
+void Suite::Record(const std::string& family, const std::string& work, double ourSeconds, const Peer& peer,
+                   double peerSeconds) {
+    const std::string& name = peer.contender.name;
+    picojson::object row;
+    row["family"] = picojson::value(family);
+    row["work"] = picojson::value(work);
+    row["peer"] = picojson::value(name);
+    row["limit"] = picojson::value(peer.isLimit);
+    if (!peer.lacks.empty()) {
+        row["missing"] = picojson::value(peer.lacks);
+    } else {
+        const double figure = peerSeconds / ourSeconds;
+        row["figure"] = picojson::value(figure);
+        row["ours_ns"] = picojson::value(ourSeconds * kNanoseconds);
+        row["peer_ns"] = picojson::value(peerSeconds * kNanoseconds);
+        Require(family + ", " + work + " | " + name + ": " + Figures("at least", peer.required, figure),
+                figure >= peer.required);
+    }
+    Add(row);
 }
 
 void Suite::Limit(const std::string& family, const std::string& work, const std::string& against,
@@ -112,7 +118,12 @@ void Suite::Limit(const std::string& family, const std::string& work, const std:
     row["figure"] = picojson::value(figure);
     row["unit"] = picojson::value(unit);
     Require(family + ", " + work + ": " + Figures("at most", most, figure), most == 0 || figure <= most);
+    Add(row);
+}
+
+void Suite::Add(const picojson::object& row) {
     Print(row);
+    std::fflush(stdout);
     m_rows.emplace_back(row);
 }
 

@@ -97,6 +97,10 @@ public:
     Ratios Compare(const std::string& family, const std::string& work, const Contender& ours,
                    const std::vector<Peer>& peers, Clock clock = Clock::kThread);
 
+    /// Records a row that was measured by other means than Compare.
+    void Record(const std::string& family, const std::string& work, double ourSeconds, const Peer& peer,
+                double peerSeconds);
+
     /// Records a figure that is not a ratio of times; required to be at most `most`, unless that is 0.
     void Limit(const std::string& family, const std::string& work, const std::string& against, double figure,
                double most, const std::string& unit);
@@ -118,6 +122,8 @@ public:
     bool Write(const std::string& path) const;
 
 private:
+    void Add(const picojson::object& row);
+
     Options m_options;
     bool m_failed = false;
     std::vector<std::string> m_missed;

@@ -1,9 +1,13 @@
 // UrlParser::Parse, including parameters, against the regular expression of RFC 3986 in std::regex, against
 // uriparser and against libcurl.
 #include <cstdint>
+#include <cstdio>
 #include <iterator>
+#include <map>
 #include <regex>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Families.h"
 #include "velm/UrlParser.h"
@@ -38,6 +42,22 @@ std::string MakeUrl(std::size_t size) {
         }
         url += parameter;
     }
+}
+
+/// The names of the parameters in MakeDenseUrl, unsorted and all different.
+std::string DenseName(unsigned int number) {
+    char name[8];
+    std::snprintf(name, sizeof name, "%05x", number * 40503 & 0x1FFFF);
+    return name;
+}
+
+/// A URL of about `size` bytes that is all parameters, of 8 bytes each.
+std::string MakeDenseUrl(std::size_t size) {
+    std::string url = "?";
+    for (unsigned int i = 0; url.size() < size; ++i) {
+        url += (i == 0 ? "" : "&") + DenseName(i) + "=1";
+    }
+    return url;
 }
 
 std::size_t BatchFor(std::size_t size) {
@@ -119,6 +139,35 @@ Peer Curl(const std::string& url, double required) {
 #endif
 }
 
+/// Builds the map of the parameters from names that are sorted already.
+Peer MapOfSorted(unsigned int count) {
+    std::map<std::string, std::string> sorted;
+    for (unsigned int i = 0; i < count; ++i) {
+        sorted[DenseName(i)] = "1";
+    }
+    const std::vector<std::pair<std::string, std::string>> input(sorted.begin(), sorted.end());
+    return LimitOf(Repeat("a std::map made from sorted input", [input] {
+        const std::map<std::string, std::string> map(input.begin(), input.end());
+        Keep(&map);
+    }));
+}
+
+void MeasureManyParameters(Suite& suite) {
+    const unsigned int count = suite.IsShort() ? 1000 : 125'000;
+    const std::string url = MakeDenseUrl(8 * std::size_t{count});
+    suite.Compare("UrlParser", "Parse, 125,000 parameters in 1 MB", Ours(url),
+                  {Uriparser(url, 0), MapOfSorted(count)});
+    const std::string curve = "UrlParser: Parse, a parameter in 8 bytes";
+    suite.Grow(
+        curve, "bytes of the URL", Growth::kWithSize, {1e3, 1e4, 1e5, 1e6},
+        [](double size) -> std::vector<Contender> {
+            const std::string grown = MakeDenseUrl(static_cast<std::size_t>(size));
+            return {Ours(grown), MapOfSorted(static_cast<unsigned int>(size / 8)).contender};
+        },
+        1e4);
+    suite.RequireGrowth(curve, "UrlParser", 1e3, 1e6, 3);
+}
+
 }  // namespace
 
 void MeasureUrls(Suite& suite) {
@@ -127,15 +176,17 @@ void MeasureUrls(Suite& suite) {
         double expression;
         double uriparser;
         double curl;
-    } rows[] = {{60, 250.0, 1.3, 0}, {200, 100.0, 1.8, 0}, {2000, 12.0, 1.05, 0}};
+    } rows[] = {{60, 5.0, 1.0, 0}, {200, 5.0, 1.0, 0}, {2000, 5.0, 1.0, 0}};
     for (const auto& row : rows) {
         const std::string url = MakeUrl(row.size);
         suite.Compare(
             "UrlParser", "Parse, " + std::to_string(row.size) + " bytes", Ours(url),
             {{Expression(url), row.expression}, Uriparser(url, row.uriparser), Curl(url, row.curl)});
     }
+    MeasureManyParameters(suite);
+    const std::string curve = "UrlParser: Parse";
     suite.Grow(
-        "UrlParser: Parse", "bytes of the URL", Growth::kWithSize, {10, 100, 1e3, 1e4, 1e5, 1e6},
+        curve, "bytes of the URL", Growth::kWithSize, {10, 100, 1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> {
             const std::string url = MakeUrl(static_cast<std::size_t>(size));
             std::vector<Contender> contenders{Ours(url)};
@@ -146,6 +197,7 @@ void MeasureUrls(Suite& suite) {
             return contenders;
         },
         1e4);
+    suite.RequireGrowth(curve, "UrlParser", 1e3, 1e6, 3);
 }
 
 }  // namespace velm::bench

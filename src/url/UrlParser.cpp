@@ -1,10 +1,39 @@
 #include "velm/UrlParser.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace velm {
 namespace {
+
+/// A query with at most this many "&" goes into the map as it is read.
+constexpr std::ptrdiff_t kFew = 32;
+
+struct Parameter {
+    std::uint64_t prefix;  // the first 8 bytes of the name, as a number that sorts like them
+    std::string_view name;
+    std::string_view value;
+
+    /// By name; the same names in their order in the query.
+    bool operator<(const Parameter& other) const {
+        if (prefix != other.prefix) {
+            return prefix < other.prefix;
+        }
+        const int order = name.compare(other.name);
+        return order != 0 ? order < 0 : name.data() < other.name.data();
+    }
+};
+
+std::uint64_t PrefixOf(std::string_view name) {
+    std::uint64_t prefix = 0;
+    for (std::size_t i = 0; i < sizeof prefix; ++i) {
+        prefix = prefix << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+    }
+    return prefix;
+}
 
 const char* FindEndOfNameOrValue(const char* begin, const char* end) {
     return std::find_if(begin, end, [](char c) { return c == '=' || c == '&'; });
@@ -106,6 +135,11 @@ ErrorCode UrlParser::ParseQuery() {
     if (m_strQuery.empty()) {
         return 0;
     }
+    const std::ptrdiff_t separators = std::ranges::count(m_strQuery, '&');
+    std::vector<Parameter> many;
+    if (separators > kFew) {
+        many.reserve(static_cast<std::size_t>(separators) + 1);
+    }
     const char* const end = m_strQuery.data() + m_strQuery.size();
     for (const char* name = m_strQuery.data();;) {
         const char* const nameEnd = FindEndOfNameOrValue(name, end);
@@ -117,14 +151,27 @@ ErrorCode UrlParser::ParseQuery() {
         if (valueEnd != end && *valueEnd == '=') {
             return VELM_ERROR_UTIL_INVALID_PARAM;
         }
-        // A name that follows all others, as in a sorted query, finds its place in one comparison.
-        m_mapParam.insert_or_assign(m_mapParam.end(), std::string(name, nameEnd),
-                                    std::string_view(value, valueEnd));
+        if (separators > kFew) {
+            const std::string_view text(name, nameEnd);
+            many.push_back({PrefixOf(text), text, std::string_view(value, valueEnd)});
+        } else {
+            m_mapParam.insert_or_assign(m_mapParam.end(), std::string(name, nameEnd),
+                                        std::string_view(value, valueEnd));
+        }
         if (valueEnd == end) {
-            return 0;
+            break;
         }
         name = valueEnd + 1;
     }
+    // Searching the map for the place of each of many names would leave the caches at every step. Sorted
+    // names are appended, without a search.
+    std::sort(many.begin(), many.end());
+    for (auto next = many.begin(); next != many.end(); ++next) {
+        if (next + 1 == many.end() || next[1].name != next->name) {
+            m_mapParam.emplace_hint(m_mapParam.end(), next->name, next->value);
+        }
+    }
+    return 0;
 }
 
 void UrlParser::Clear() {
