@@ -4,7 +4,6 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <utility>
 
 namespace velm {
 namespace {
@@ -17,6 +16,15 @@ bool IsValidType(int type) {
 
 unsigned int ReadLittleEndian16(const unsigned char* bytes) {
     return bytes[0] | static_cast<unsigned int>(bytes[1]) << 8;
+}
+
+/// @return null when out of memory
+std::unique_ptr<unsigned char[]> CopyToNewFrame(const unsigned char* data, unsigned int dataSize) {
+    std::unique_ptr<unsigned char[]> frame(new (std::nothrow) unsigned char[kHeaderSize + dataSize]);
+    if (frame != nullptr && dataSize != 0) {
+        std::memcpy(frame.get() + kHeaderSize, data, dataSize);
+    }
+    return frame;
 }
 
 void WriteLittleEndian16(unsigned char* bytes, unsigned int value) {
@@ -40,18 +48,17 @@ ErrorCode AudioFrame::InitilizeWriter(E_FrameType type, unsigned short counter, 
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
     m_nFrameBufferSize = dataSize + kHeaderSize;
-    std::unique_ptr<unsigned char[]> replaced;  // `data` may point into it
-    if (m_nOwnBufferSize < m_nFrameBufferSize) {
+    if (m_nOwnBufferSize >= m_nFrameBufferSize) {
+        if (dataSize != 0) {
+            std::memmove(m_pOwnBuffer.get() + kHeaderSize, data, dataSize);
+        }
+    } else {
         m_nOwnBufferSize = 0;
-        replaced = std::move(m_pOwnBuffer);
-        m_pOwnBuffer.reset(new (std::nothrow) unsigned char[m_nFrameBufferSize]);
+        m_pOwnBuffer = CopyToNewFrame(data, dataSize);
         if (m_pOwnBuffer == nullptr) {
             return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
         }
         m_nOwnBufferSize = m_nFrameBufferSize;
-    }
-    if (dataSize != 0) {
-        std::memmove(m_pOwnBuffer.get() + kHeaderSize, data, dataSize);
     }
     m_pFrameBuffer = m_pOwnBuffer.get();
     const ErrorCode result = SetFrameHeader(type, counter, dataSize);
@@ -125,10 +132,11 @@ ErrorCode AudioFrame::SetFrameHeader(E_FrameType type, unsigned short counter, u
     if (!IsValidType(type) || dataSize + kHeaderSize > m_nFrameBufferSize) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    m_pFrameBuffer[0] = kHeaderSize;
-    m_pFrameBuffer[1] = static_cast<unsigned char>(type);
-    WriteLittleEndian16(m_pFrameBuffer + 2, counter);
-    WriteLittleEndian16(m_pFrameBuffer + 4, dataSize);
+    unsigned char* const header = m_pFrameBuffer;  // the bytes might otherwise alias the member
+    header[0] = kHeaderSize;
+    header[1] = static_cast<unsigned char>(type);
+    WriteLittleEndian16(header + 2, counter);
+    WriteLittleEndian16(header + 4, dataSize);
     m_nFrameBufferSize = dataSize + kHeaderSize;
     return 0;
 }

@@ -10,7 +10,7 @@ namespace velm {
 namespace {
 
 /// A query with at most this many "&" goes into the map as it is read.
-constexpr std::ptrdiff_t kFew = 32;
+constexpr std::ptrdiff_t kFew = 128;
 
 struct Parameter {
     std::uint64_t prefix;  // the first 8 bytes of the name, as a number that sorts like them
