@@ -10,15 +10,15 @@ namespace {
 
 constexpr unsigned int kSize = 960;
 constexpr unsigned int kHeader = 6;
-constexpr unsigned int kPage = 4096;
+constexpr unsigned int kPayloadSpan = 4096;
 
 }  // namespace
 
 void MeasureAudioFrame(Suite& suite) {
     // Taken from all offsets within a page in turn: at some, loads wait for stores at the same offset of
     // another page, and which ones differs from run to run.
-    unsigned char payloads[kPage + kSize] = {1, 2, 3};
-    const auto payload = [&payloads](unsigned int number) { return payloads + number * 64 % kPage; };
+    unsigned char payloads[kPayloadSpan + kSize] = {1, 2, 3};
+    const auto payload = [&payloads](unsigned int number) { return payloads + number * 64 % kPayloadSpan; };
     AudioFrame writer;
     AudioFrame reader;
     unsigned short counter = 0;
