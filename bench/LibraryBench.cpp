@@ -55,7 +55,7 @@ void MeasureLoading(Suite& suite) {
         }
     }
     suite.Record("Libraries", "loading both into a new process", MedianOf(ours),
-                 LimitOf({.name = "two empty DLLs with the same runtime", .run = nullptr}, 0.8),
+                 LimitOf({.name = "two empty DLLs with the same runtime", .run = nullptr}, 0.6),
                  MedianOf(empty));
 }
 
