@@ -7,6 +7,7 @@
 #include <bit>
 #include <new>
 
+#include "SpinTime.h"
 #include "velm/core/CoreErrorCode.h"
 #include "velm/core/ProcessEnd.h"
 
@@ -16,8 +17,9 @@
 //   sleeper, and WaitOnAddress returns at once when the low half is no longer 0.
 // - The closing bit keeps the low half nonzero, so no thread falls asleep once it is set.
 //
-// No thread touches freed memory: after its one operation on `counts`, Post uses the address only, which the
-// wake calls never dereference; a waiter holds a reference from before it spins until it leaves.
+// No thread touches freed memory: Post takes the time before its one operation on `counts`, after which it
+// uses the address only, which the wake calls never dereference; a waiter holds a reference from before it
+// spins until it leaves.
 
 namespace velm {
 
@@ -38,9 +40,11 @@ struct SemaphoreState {
     // reference is relaxed: the semaphore's own keeps the state alive until then.
     std::atomic<unsigned int> references{1};
     const unsigned int maximum;
-    // Waits since spinning last succeeded. Relaxed: only a heuristic, so a lost update does no harm.
-    std::atomic<unsigned int> fruitlessSpins{0};
-    unsigned char padAfter[64 - 16 - sizeof fruitlessSpins] = {};
+    // When a post last found sleepers and a count of 0. Relaxed: a woken thread that reads the time of
+    // another post learns a wrong wake-up time, which does no harm.
+    std::atomic<Ticks> posted{0};
+    SpinTrials trials;
+    unsigned char padAfter[64 - 16 - sizeof posted - sizeof trials] = {};
 };
 
 namespace {
@@ -52,17 +56,11 @@ constexpr unsigned int kMaxCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
 constexpr unsigned int kLeaveMilliseconds = 200;
 
-// Spinning pays when the posting thread runs on another processor. It lasts about as long as waking a thread
-// takes, some 10 microseconds, so that two threads which keep waking each other get back in step. On a shared
-// processor it only delays the other thread. So after kFruitlessSpins waits that ended in sleep, only every
-// kRetrySpins-th wait spins, to see whether it pays again.
-constexpr unsigned int kSpins = 400;
-constexpr unsigned int kFruitlessSpins = 8;
-constexpr unsigned int kRetrySpins = 64;
+// A clock read takes about as long as a pause, some 10 to 50 ns.
+constexpr unsigned int kPausesPerClockRead = 16;
 
-constexpr unsigned int SpinsAfter(unsigned int fruitless) {
-    return fruitless < kFruitlessSpins || fruitless % kRetrySpins == 0 ? kSpins : 1;
-}
+// One for all semaphores: a thread that spins on one often waits for a thread that is being woken on another.
+constinit WakeTime g_wakeTime;
 
 static_assert(std::endian::native == std::endian::little, "the count is the first half of the state");
 
@@ -93,16 +91,31 @@ bool TryTakeFrom(SemaphoreState& semaphore) {
     return false;
 }
 
-ErrorCode SpinThenSleep(SemaphoreState& semaphore) {
-    const unsigned int fruitless = semaphore.fruitlessSpins.load(std::memory_order_relaxed);
-    for (unsigned int spin = SpinsAfter(fruitless); spin != 0; --spin) {
+bool TryTakeBetweenPauses(SemaphoreState& semaphore) {
+    for (unsigned int pause = 0; pause < kPausesPerClockRead; ++pause) {
         if (TryTakeFrom(semaphore)) {
-            semaphore.fruitlessSpins.store(0, std::memory_order_relaxed);
-            return 0;
+            return true;
         }
         YieldProcessor();
     }
-    semaphore.fruitlessSpins.store(fruitless + 1, std::memory_order_relaxed);
+    return false;
+}
+
+/// A short wait reads no clock.
+bool TryTakeFor(SemaphoreState& semaphore, Ticks duration) {
+    if (TryTakeBetweenPauses(semaphore)) {
+        return true;
+    }
+    const Ticks began = ReadTimeStampCounter();
+    do {
+        if (TryTakeBetweenPauses(semaphore)) {
+            return true;
+        }
+    } while (ReadTimeStampCounter() - began < duration);
+    return false;
+}
+
+ErrorCode SleepUntilTaken(SemaphoreState& semaphore) {
     State counts = semaphore.counts.fetch_add(kOneSleeper, std::memory_order_relaxed) + kOneSleeper;
     for (;;) {
         while (CanTake(counts)) {
@@ -117,7 +130,19 @@ ErrorCode SpinThenSleep(SemaphoreState& semaphore) {
         unsigned int nothing = 0;
         WaitOnAddress(&semaphore.counts, &nothing, sizeof nothing, INFINITE);
         counts = semaphore.counts.load(std::memory_order_relaxed);
+        if (CanTake(counts)) {
+            g_wakeTime.Learn(semaphore.posted.load(std::memory_order_relaxed), ReadTimeStampCounter());
+        }
     }
+}
+
+ErrorCode SpinThenSleep(SemaphoreState& semaphore) {
+    if (semaphore.trials.IsDue() && TryTakeFor(semaphore, g_wakeTime.Get())) {
+        semaphore.trials.Succeed();
+        return 0;
+    }
+    semaphore.trials.Fail();
+    return SleepUntilTaken(semaphore);
 }
 
 /// Drops a reference. The last one frees the state; the last waiter wakes a waiting destructor.
@@ -186,6 +211,9 @@ ErrorCode Semaphore::Post(unsigned int count) {
         }
         if (count > m_state->maximum - LowHalf(counts)) {
             return VELM_ERROR_CORE_LIMIT_EXCEEDED;
+        }
+        if (Sleepers(counts) != 0 && LowHalf(counts) == 0) {
+            m_state->posted.store(ReadTimeStampCounter(), std::memory_order_relaxed);
         }
     } while (!m_state->counts.compare_exchange_weak(counts, counts + count, std::memory_order_release,
                                                     std::memory_order_relaxed));

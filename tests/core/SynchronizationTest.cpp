@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -26,6 +27,12 @@ static std::atomic<int> g_waits{0};
 static std::atomic<int> g_wakes{0};
 static std::atomic<bool> g_processEnds{false};
 
+// By how much each wake-up is delayed, and when a thread last fell asleep and was awake again; on Linux only.
+using Clock = std::chrono::steady_clock;
+static std::atomic<Clock::duration> g_wakeDelay{Clock::duration::zero()};
+static std::atomic<Clock::time_point> g_asleep{};
+static std::atomic<Clock::time_point> g_awake{};
+
 #ifndef _WIN32
 // On Linux a program can replace the functions that its libraries call.
 template <typename Call>
@@ -34,17 +41,28 @@ Call* Replaced(Call*, const char* name) {
 }
 
 BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds) {
+    g_asleep = Clock::now();
     ++g_waits;
-    return Replaced(&WaitOnAddress, __func__)(address, compare, size, milliseconds);
+    const BOOL result = Replaced(&WaitOnAddress, __func__)(address, compare, size, milliseconds);
+    g_awake = Clock::now();
+    return result;
+}
+
+static void DelayWake() {
+    const Clock::time_point end = Clock::now() + g_wakeDelay.load();
+    while (Clock::now() < end) {
+    }
 }
 
 void WakeByAddressSingle(void* address) {
     ++g_wakes;
+    DelayWake();
     Replaced(&WakeByAddressSingle, __func__)(address);
 }
 
 void WakeByAddressAll(void* address) {
     ++g_wakes;
+    DelayWake();
     Replaced(&WakeByAddressAll, __func__)(address);
 }
 
@@ -196,6 +214,42 @@ TEST(Semaphore, WakesAsManyAsPosted) {
     }
     ExpectWakes(0, [&] { semaphore.Post(1), semaphore.Wait(); });
 }
+
+#ifndef _WIN32
+TEST(Semaphore, SpinsAsLongAsAWakeUpTakes) {
+    for (const Clock::duration delay : {2us, 10us, 40us}) {
+        std::vector<Clock::duration> spins;
+        std::vector<Clock::duration> wakeUps;
+        g_wakeDelay = delay;
+        for (int round = 0; round < 64; ++round) {
+            Semaphore semaphore(0, 1);
+            Clock::time_point began;
+            g_waits = 0;
+            std::jthread waiter([&] {
+                began = Clock::now();
+                semaphore.Wait();
+            });
+            while (g_waits == 0) {
+                std::this_thread::yield();
+            }
+            std::this_thread::sleep_for(100us);
+            const Clock::time_point posted = Clock::now();
+            semaphore.Post(1);
+            waiter.join();
+            if (round >= 32) {  // until then it learns
+                spins.push_back(g_asleep.load() - began);
+                wakeUps.push_back(g_awake.load() - posted);
+            }
+        }
+        g_wakeDelay = Clock::duration::zero();
+        // Other threads can only lengthen a spin, and an average is between the least and the greatest value.
+        const Clock::duration spin = std::ranges::min(spins);
+        const auto [shortest, longest] = std::ranges::minmax(wakeUps);
+        EXPECT_GE(spin, std::min<Clock::duration>(shortest, 50us) * 9 / 10) << delay / 1us;
+        EXPECT_LE(spin, longest * 11 / 10 + 20us) << delay / 1us;
+    }
+}
+#endif
 
 TEST(Semaphore, DestructorReleasesBlockedThreads) {
     for (int round = 0; round < 10; ++round) {

@@ -121,6 +121,10 @@ proctype Waiter(byte me) {
             };
 #endif
             d_step { !asleep[me] -> TOUCH; seen = LOOK(counts) }  /* counts.load */
+            if
+            :: seen == SOME -> TOUCH  /* posted.load */
+            :: else
+            fi
         :: seen == END || seen == GOT -> break
         od;
 #ifndef BUG_NO_REFERENCE
@@ -150,7 +154,10 @@ proctype Poster() {
 #ifdef BUG_MAXIMUM_CHECKED_APART
     FITS;
 #endif
-    d_step {  /* Post: compare_exchange_weak */
+#ifndef BUG_TAKES_THE_TIME_LAST
+    TOUCH;  /* Post: posted.store */
+#endif
+    d_step {  /* compare_exchange_weak */
         TOUCH;
         posted++;
         if
@@ -167,6 +174,12 @@ proctype Poster() {
         :: else
         fi
     };
+#ifdef BUG_TAKES_THE_TIME_LAST
+    if
+    :: sleepers != 0 -> TOUCH
+    :: else
+    fi;
+#endif
 #ifndef BUG_NO_WAKE
     if  /* by address only */
     :: sleepers == 0

@@ -8,7 +8,8 @@ namespace velm {
 struct SemaphoreState;
 
 /// A counting semaphore for the threads of one process. While the count is above 0, Wait and Post are one
-/// atomic operation each. At 0, Wait spins for about 10 microseconds at most, then sleeps in the system.
+/// atomic operation each. At 0, Wait spins where that pays, for about as long as a wake-up takes and some 100
+/// microseconds at most, then sleeps in the system.
 class VELM_CORE_API Semaphore {
 public:
     /// Out of memory, every operation of the object fails; check with Post(0).
