@@ -21,6 +21,12 @@ void Print(const picojson::object& row) {
     if (row.count("ours_ns") != 0) {
         std::printf("  %.0f : %.0f ns", row.at("ours_ns").get<double>(), row.at("peer_ns").get<double>());
     }
+    if (row.count("runs") != 0) {
+        std::printf("  runs:");
+        for (const picojson::value& run : row.at("runs").get<picojson::array>()) {
+            std::printf(" %.3g", run.get<double>());
+        }
+    }
     std::printf("\n");
 }
 
@@ -122,6 +128,33 @@ void Suite::Limit(const std::string& family, const std::string& work, const std:
 }
 
 void Suite::Add(const picojson::object& row) {
+    Print(row);
+    std::fflush(stdout);
+    m_rows.emplace_back(row);
+}
+
+void Suite::Repeated(const std::string& family, const std::string& work, const std::string& against,
+                     const Runs& runs, Sense sense, double required, const std::string& unit) {
+    picojson::object row;
+    row["family"] = picojson::value(family);
+    row["work"] = picojson::value(work);
+    row["peer"] = picojson::value(against);
+    row["required"] = picojson::value(required);
+    row["sense"] = picojson::value(sense == Sense::kMost ? "most" : "least");
+    if (runs.figures.empty()) {
+        row["missing"] = picojson::value(runs.lacks);
+    } else {
+        const auto [least, most] = std::ranges::minmax(runs.figures);
+        row["figure"] = picojson::value(sense == Sense::kMost ? most : least);
+        row["runs"] = picojson::value(picojson::array(runs.figures.begin(), runs.figures.end()));
+    }
+    if (!unit.empty()) {
+        row["unit"] = picojson::value(unit);
+    }
+    if (runs.oursSeconds != 0) {
+        row["ours_ns"] = picojson::value(runs.oursSeconds * kNanoseconds);
+        row["peer_ns"] = picojson::value(runs.peerSeconds * kNanoseconds);
+    }
     Print(row);
     std::fflush(stdout);
     m_rows.emplace_back(row);

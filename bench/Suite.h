@@ -62,6 +62,17 @@ inline Peer Missing(std::string name, std::string package, double required = 0) 
 /// CPU time of this thread, or wall-clock time where other threads or the file system do part of the work.
 enum class Clock { kThread, kWall };
 
+/// Which side of its target a figure must be on.
+enum class Sense { kLeast, kMost };
+
+/// A measurement that was run several times.
+struct Runs {
+    std::vector<double> figures;  // one of each run
+    double oursSeconds = 0;       // means over all runs, where the figures are ratios of times
+    double peerSeconds = 0;
+    std::string lacks{};  // the package that provides a missing peer; there are no figures then
+};
+
 enum class Growth { kWithSize, kNone };
 
 struct Options {
@@ -104,6 +115,10 @@ public:
     /// Records a figure that is not a ratio of times; required to be at most `most`, unless that is 0.
     void Limit(const std::string& family, const std::string& work, const std::string& against, double figure,
                double most, const std::string& unit);
+
+    /// Records the worst of several runs, which must meet the target, and all of them.
+    void Repeated(const std::string& family, const std::string& work, const std::string& against,
+                  const Runs& runs, Sense sense, double required, const std::string& unit = "");
 
     /// Measures work of growing size. Its time should grow in proportion to the size or, for a single
     /// operation on a larger structure, not at all. `make` creates the contenders for a size, which live
