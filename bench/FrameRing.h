@@ -3,9 +3,14 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include "Suite.h"
 #include "velm/AudioFrameStream.h"
 
 namespace velm::bench {
@@ -98,6 +103,99 @@ void Pass(Ring& ring, std::size_t frames, unsigned int threads, Place place) {
     push(share(0));
     for (std::thread& other : others) {
         other.join();
+    }
+}
+
+using SteadyClock = std::chrono::steady_clock;
+
+/// What it took to pass a number of frames from one thread to another.
+struct Turn {
+    double seconds = 0;  // from the start of either thread to the end of both
+    double sleeps = 0;   // of both threads
+
+    Turn& operator+=(const Turn& other) {
+        seconds += other.seconds;
+        sleeps += other.sleeps;
+        return *this;
+    }
+};
+
+/// Passes frames from the calling thread to another; both start at the same time.
+/// @param place  called on either thread with its number, 0 or 1
+/// @param countSleeps  how often the calling thread has slept so far
+template <typename Ring, typename Place, typename CountSleeps>
+Turn TakeTurn(Ring& ring, std::size_t frames, Place place, CountSleeps countSleeps) {
+    SteadyClock::time_point begun[2];
+    SteadyClock::time_point ended[2];
+    double slept[2];
+    std::atomic<int> ready{0};
+    const auto run = [&](unsigned int thread, auto pass) {
+        short frame[kFrameBytes / sizeof(short)] = {};
+        place(thread);
+        ++ready;
+        while (ready != 2) {
+            std::this_thread::yield();
+        }
+        const double before = countSleeps();
+        begun[thread] = SteadyClock::now();
+        for (std::size_t i = 0; i < frames; ++i) {
+            pass(frame);
+        }
+        ended[thread] = SteadyClock::now();
+        slept[thread] = countSleeps() - before;
+    };
+    std::thread taker(run, 1U, [&ring](short* frame) { ring.Take(frame); });
+    run(0U, [&ring](short* frame) { ring.Push(frame); });
+    taker.join();
+    const std::chrono::duration<double> time = std::max(ended[0], ended[1]) - std::min(begun[0], begun[1]);
+    return {time.count(), slept[0] + slept[1]};
+}
+
+/// A ring that takes turns with others.
+struct Passer {
+    std::string name;
+    std::function<Turn(std::size_t frames)> turn;  // empty if the ring is missing
+    double required = 0;                           // the target ratio of its time to ours
+    std::string lacks{};                           // the package that provides a missing ring
+};
+
+constexpr int kRuns = 3;
+
+/// Lets the rings take many short turns, interleaved: whether two threads run in step or sleep in turns may
+/// change from one turn to the next, so only a mean over many says something.
+/// @return per run and ring, what one frame took on average
+inline std::vector<std::vector<Turn>> TakeTurns(const std::vector<Passer>& rings, std::size_t frames,
+                                                bool shortly) {
+    const int turns = shortly ? 1 : 20;
+    std::vector<std::vector<Turn>> runs(shortly ? 1 : kRuns, std::vector<Turn>(rings.size()));
+    for (std::vector<Turn>& run : runs) {
+        for (int turn = 0; turn < turns; ++turn) {
+            for (std::size_t i = 0; i < rings.size(); ++i) {
+                run[i] += rings[i].turn ? rings[i].turn(frames) : Turn{};
+            }
+        }
+        for (Turn& sum : run) {
+            sum.seconds /= static_cast<double>(turns) * static_cast<double>(frames);
+            sum.sleeps /= static_cast<double>(turns) * static_cast<double>(frames);
+        }
+    }
+    return runs;
+}
+
+/// Records the ratio of the time of each ring to that of the first, which is ours.
+inline void RecordTimes(Suite& suite, const std::string& work, const std::vector<Passer>& rings,
+                        const std::vector<std::vector<Turn>>& runs) {
+    for (std::size_t i = 1; i < rings.size(); ++i) {
+        Runs ratios;
+        ratios.lacks = rings[i].lacks;
+        for (const std::vector<Turn>& run : runs) {
+            if (rings[i].turn) {
+                ratios.figures.push_back(run[i].seconds / run[0].seconds);
+                ratios.oursSeconds += run[0].seconds / static_cast<double>(runs.size());
+                ratios.peerSeconds += run[i].seconds / static_cast<double>(runs.size());
+            }
+        }
+        suite.Repeated("AudioFrameStream", work, rings[i].name, ratios, Sense::kLeast, rings[i].required);
     }
 }
 

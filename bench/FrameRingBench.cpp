@@ -2,9 +2,12 @@
 // variable, and against a blocking queue.
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
 
 #include <array>
 #include <condition_variable>
+#include <cstring>
+#include <ctime>
 #include <memory>
 #include <mutex>
 
@@ -17,6 +20,8 @@
 
 namespace velm::bench {
 namespace {
+
+constexpr const char* kSemaphores = "three mutex/condition-variable semaphores";
 
 class MutexSemaphore {
 public:
@@ -103,30 +108,179 @@ Contender Through(std::string name, unsigned int threads, unsigned int cores, st
             .batch = frames};
 }
 
+template <typename Ring>
+Passer MakePasser(std::string name, unsigned int cores, double required = 0) {
+    const auto ring = std::make_shared<Ring>();
+    const auto countSleeps = [] {
+        rusage usage{};
+        getrusage(RUSAGE_THREAD, &usage);
+        return static_cast<double>(usage.ru_nvcsw);
+    };
+    return {.name = std::move(name),
+            .turn =
+                [=](std::size_t frames) {
+                    const Placement placement(cores);
+                    return TakeTurn(
+                        *ring, frames, [&](unsigned int thread) { placement.Place(thread); }, countSleeps);
+                },
+            .required = required};
+}
+
+/// Records the share of frames that pass while neither thread sleeps. A sleep counts for as many frames as
+/// the ring holds.
+void RecordSteps(Suite& suite, const std::vector<Passer>& rings, const std::vector<std::vector<Turn>>& runs) {
+    for (std::size_t i = 0; i < rings.size(); ++i) {
+        Runs shares;
+        shares.lacks = rings[i].lacks;
+        for (const std::vector<Turn>& run : runs) {
+            if (rings[i].turn) {
+                shares.figures.push_back(100 * std::max(0.0, 1 - kFrames * run[i].sleeps));
+            }
+        }
+        suite.Repeated("AudioFrameStream", "the same: frames passed in step", i == 0 ? "" : rings[i].name,
+                       shares, Sense::kLeast, i == 0 ? 90 : 0, "%");
+    }
+}
+
+void MeasureTurns(Suite& suite) {
+    const std::size_t frames = suite.IsShort() ? 50 : 2000;
+    const char* const kQueue = "moodycamel::BlockingReaderWriterCircularBuffer";
+    std::vector<Passer> rings{MakePasser<OurRing>("AudioFrameStream", 2),
+                              MakePasser<RingOver<MutexSemaphore>>(kSemaphores, 2, 5.0),
+#ifdef VELM_BENCH_READERWRITERQUEUE
+                              MakePasser<CircularBuffer>(kQueue, 2, 3.0)};
+#else
+                              {kQueue, nullptr, 3.0, "libreaderwriterqueue-dev"}};
+#endif
+    auto runs = TakeTurns(rings, frames, suite.IsShort());
+    RecordTimes(suite, "frames of 1920 bytes, 4 slots, two threads on two cores", rings, runs);
+    RecordSteps(suite, rings, runs);
+
+    rings = {MakePasser<OurRing>("AudioFrameStream", 1),
+             MakePasser<RingOver<MutexSemaphore>>(kSemaphores, 1, 0.95)};
+    runs = TakeTurns(rings, frames, suite.IsShort());
+    RecordTimes(suite, "the same on one core", rings, runs);
+}
+
+/// Both ends of a ring through which frames pass at a fixed rate.
+struct Ends {
+    std::function<void(short*)> push;
+    std::function<void(short*)> take;
+};
+
+template <typename Ring>
+Ends MakeEnds() {
+    const auto ring = std::make_shared<Ring>();
+    return {[ring](short* frame) { ring->Push(frame); }, [ring](short* frame) { ring->Take(frame); }};
+}
+
+/// The processor time of the calling thread in seconds.
+double ProcessorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+void PushAtRate(const Ends& ring, std::size_t frames, SteadyClock::time_point first,
+                std::chrono::nanoseconds period) {
+    short frame[kFrameBytes / sizeof(short)] = {};
+    for (std::size_t i = 0; i < frames; ++i) {
+        std::this_thread::sleep_until(first + i * period);
+        const SteadyClock::time_point now = SteadyClock::now();
+        std::memcpy(frame, &now, sizeof now);
+        ring.push(frame);
+    }
+}
+
+/// @return seconds from the push of each frame to the return of its take, sorted
+std::vector<double> TakeAndTime(const Ends& ring, std::size_t frames) {
+    short frame[kFrameBytes / sizeof(short)];
+    std::vector<double> delays;
+    for (std::size_t i = 0; i < frames; ++i) {
+        ring.take(frame);
+        SteadyClock::time_point pushed;
+        std::memcpy(&pushed, frame, sizeof pushed);
+        delays.push_back(std::chrono::duration<double>(SteadyClock::now() - pushed).count());
+    }
+    std::ranges::sort(delays);
+    return delays;
+}
+
+struct Pace {
+    double processorSeconds = 0;  // of both threads, per frame
+    double median = 0;            // seconds from push to take
+    double percentile99 = 0;
+};
+
+/// Passes frames through all rings at once, whose frames are evenly spread over each period: so whatever else
+/// the machine does affects the rings alike.
+std::vector<Pace> PassAtRate(const std::vector<Ends>& rings, long perSecond, std::size_t frames) {
+    const std::chrono::nanoseconds period(1'000'000'000 / perSecond);
+    SteadyClock::time_point first = SteadyClock::now() + std::chrono::milliseconds(10);
+    std::vector<std::atomic<double>> processor(rings.size());
+    std::vector<Pace> paces(rings.size());
+    std::vector<std::thread> threads;
+    for (std::size_t ring = 0; ring < rings.size(); ++ring) {
+        threads.emplace_back([&, ring, first] {
+            PushAtRate(rings[ring], frames, first, period);
+            processor[ring] += ProcessorSeconds();
+        });
+        threads.emplace_back([&, ring] {
+            const std::vector<double> delays = TakeAndTime(rings[ring], frames);
+            processor[ring] += ProcessorSeconds();
+            paces[ring].median = delays[frames / 2];
+            paces[ring].percentile99 = delays[frames * 99 / 100];
+        });
+        first += period / static_cast<long>(rings.size());
+    }
+    for (std::size_t ring = 0; ring < rings.size(); ++ring) {
+        threads[2 * ring].join();
+        threads[2 * ring + 1].join();
+        paces[ring].processorSeconds = processor[ring] / static_cast<double>(frames);
+    }
+    return paces;
+}
+
+/// What the rings cost when the threads wait most of the time.
+void MeasureAtRate(Suite& suite, long perSecond, std::size_t frames) {
+    const struct {
+        const char* name;
+        double Pace::*figure;
+        double required;
+    } rows[] = {{"processor time of both threads", &Pace::processorSeconds, 1.2},
+                {"delay from push to take, median", &Pace::median, 0},
+                {"delay from push to take, 99th percentile", &Pace::percentile99, 1.0}};
+    Runs ratios[std::size(rows)];
+    const int runs = suite.IsShort() ? 1 : kRuns;
+    for (int run = 0; run < runs; ++run) {
+        const std::vector<Pace> paces =
+            PassAtRate({MakeEnds<OurRing>(), MakeEnds<RingOver<MutexSemaphore>>()}, perSecond,
+                       suite.IsShort() ? 5 : frames);
+        for (std::size_t i = 0; i < std::size(rows); ++i) {
+            const double ours = paces[0].*rows[i].figure;
+            const double theirs = paces[1].*rows[i].figure;
+            ratios[i].figures.push_back(ours / theirs);
+            ratios[i].oursSeconds += ours / runs;
+            ratios[i].peerSeconds += theirs / runs;
+        }
+    }
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        suite.Repeated("AudioFrameStream", std::to_string(perSecond) + " frames a second: " + rows[i].name,
+                       kSemaphores, ratios[i], Sense::kMost, rows[i].required, "times");
+    }
+}
+
 }  // namespace
 
 void MeasureFrameRing(Suite& suite) {
-    const std::size_t frames = suite.IsShort() ? 50 : 5000;
-    const char* const kSemaphores = "three mutex/condition-variable semaphores";
-    {
-        std::vector<Peer> peers{{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 2, frames), 5.0}};
-        const char* const kQueue = "moodycamel::BlockingReaderWriterCircularBuffer";
-#ifdef VELM_BENCH_READERWRITERQUEUE
-        peers.push_back({Through<CircularBuffer>(kQueue, 2, 2, frames), 3.0});
-#else
-        peers.push_back(Missing(kQueue, "libreaderwriterqueue-dev", 3.0));
-#endif
-        suite.Compare("AudioFrameStream", "frames of 1920 bytes, 4 slots, two threads on two cores",
-                      Through<OurRing>("AudioFrameStream", 2, 2, frames), peers, Clock::kWall);
-    }
-    suite.Compare("AudioFrameStream", "the same on one core",
-                  Through<OurRing>("AudioFrameStream", 2, 1, frames),
-                  {{Through<RingOver<MutexSemaphore>>(kSemaphores, 2, 1, frames), 0.95}}, Clock::kWall);
+    MeasureTurns(suite);
+    MeasureAtRate(suite, 100, 500);
+    MeasureAtRate(suite, 1000, 2000);
     suite.Grow(
         "AudioFrameStream: a frame between threads", "threads", Growth::kNone, {1, 2, 4, 6, 8},
         [&](double size) -> std::vector<Contender> {
             const auto threads = static_cast<unsigned int>(size);
-            const std::size_t count = frames / 5;
+            const std::size_t count = suite.IsShort() ? 10 : 1000;
             return {Through<OurRing>("AudioFrameStream", threads, 2, count),
                     Through<RingOver<MutexSemaphore>>(kSemaphores, threads, 2, count)};
         },

@@ -25,21 +25,24 @@ private:
 };
 
 template <typename Ring>
-Contender Through(std::string name, std::size_t frames) {
+Passer MakePasser(std::string name, double required = 0) {
     const auto ring = std::make_shared<Ring>();
     return {.name = std::move(name),
-            .run = [ring](std::size_t times) { Pass(*ring, times, 2, [](unsigned int) {}); },
-            .batch = frames};
+            .turn =
+                [ring](std::size_t frames) {
+                    return TakeTurn(
+                        *ring, frames, [](unsigned int) {}, [] { return 0; });
+                },
+            .required = required};
 }
 
 }  // namespace
 
 void MeasureFrameRing(Suite& suite) {
-    suite.Compare(
-        "AudioFrameStream", "frames of 1920 bytes, 4 slots, two threads, Windows",
-        Through<OurRing>("AudioFrameStream", suite.IsShort() ? 50 : 20000),
-        {{Through<RingOver<KernelSemaphore>>("three kernel semaphores", suite.IsShort() ? 20 : 500), 50.0}},
-        Clock::kWall);
+    const std::vector<Passer> rings{MakePasser<OurRing>("AudioFrameStream"),
+                                    MakePasser<RingOver<KernelSemaphore>>("three kernel semaphores", 10.0)};
+    const auto runs = TakeTurns(rings, suite.IsShort() ? 20 : 500, suite.IsShort());
+    RecordTimes(suite, "frames of 1920 bytes, 4 slots, two threads, Windows", rings, runs);
 }
 
 }  // namespace velm::bench
