@@ -148,9 +148,11 @@ void AddReportCommand(CLI::App& app, int& exitStatus) {
         "passed, 1 when a family failed or the rules refuse an adapter, 2 when nothing failed but a family "
         "could not run here, such as the device without Direct3D 9; the report is written in every case.",
         "velmdiag report --out report.html");
-    command->add_option("--out", options->output,
-                        "the file: .html, .json or .txt; standard output if not given");
-    command->add_option("--rules", options->rules, "check the adapters by this rule file");
+    command
+        ->add_option("--out", options->output, "the file: .html, .json or .txt; standard output if not given")
+        ->type_name(kFileType);
+    command->add_option("--rules", options->rules, "check the adapters by this rule file")
+        ->type_name(kFileType);
     command->add_flag("--full", options->full, "keep the user's name and home folder");
     command->add_flag("--json", options->json,
                       "print the report as one JSON object; times are in microseconds");
