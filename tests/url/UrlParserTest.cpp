@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <string_view>
 
 #include "Random.h"
@@ -35,6 +36,18 @@ TEST(UrlParser, MatchesTheExpressionOnRandomText) {
         ASSERT_EQ(parser.Parse(url.c_str()) != 0U, expected[0].empty()) << url;
         ASSERT_EQ(test::PartsOf(parser), expected) << url;
     }
+}
+
+// More than 128 parameters are sorted before they go into the map.
+TEST(UrlParser, KeepsTheLastOfManyEqualNames) {
+    std::mt19937 random = test::SeededRandom();
+    std::string url = "s://h/p?a=b";
+    for (int i = 0; i < 300; ++i) {
+        url += '&' + std::string(random() % 12, 'a') + "ab"[random() % 2] + '=' + std::to_string(i);
+    }
+    UrlParser parser;
+    ASSERT_EQ(parser.Parse(url.c_str()), 0U);
+    EXPECT_EQ(test::PartsOf(parser), test::PartsByExpression(url));
 }
 
 }  // namespace velm::url_parser_test
