@@ -41,7 +41,7 @@ std::string FactText(velm::D3d9AdapterCheckCommand command, const velm::D3d9Adap
     return text;
 }
 
-/// A fact in a form that rules take too.
+/// A fact in the form in which a rule gives its value.
 picojson::value FactValue(velm::D3d9AdapterCheckCommand command, const velm::D3d9AdapterContext& context) {
     const std::string text = FactText(command, context);
     velm::D3d9AdapterParamType type{};
@@ -52,8 +52,9 @@ picojson::value FactValue(velm::D3d9AdapterCheckCommand command, const velm::D3d
     return picojson::value(text);
 }
 
-/// Checks the rules and reports the verdict: whether the adapter is accepted.
-bool Judge(const velm::D3d9AdapterRules& rules, velm::D3d9AdapterContext& context, Report& report) {
+/// Checks the rules and reports the verdict.
+/// @return whether the adapter is accepted
+bool CheckRules(const velm::D3d9AdapterRules& rules, velm::D3d9AdapterContext& context, Report& report) {
     velm::D3d9AdapterCheckSet set;
     if (rules.AddTo(&set).IsFailed()) {
         throw std::bad_alloc();
@@ -132,7 +133,7 @@ std::vector<AdapterReport> ReportAdapters(const std::optional<unsigned int>& ind
     }
     const unsigned int count = d3d->GetAdapterCount();
     if (index.value_or(0) >= count) {
-        throw Failure{"there is no adapter " + std::to_string(index.value_or(0)) + "; there are " +
+        throw Failure{"there is no adapter " + std::to_string(index.value_or(0)) + "; the system has " +
                           std::to_string(count),
                       kNotDone};
     }
@@ -143,7 +144,7 @@ std::vector<AdapterReport> ReportAdapters(const std::optional<unsigned int>& ind
         velm::D3d9AdapterContext context = ReadFacts(d3d.get(), adapter);
         AdapterReport& report = reports[adapter - first];
         AddFacts(context, report.facts);
-        report.accepted = !rulesPath || Judge(rules, context, report.facts);
+        report.accepted = !rulesPath || CheckRules(rules, context, report.facts);
     }
     return reports;
 }
@@ -151,15 +152,14 @@ std::vector<AdapterReport> ReportAdapters(const std::optional<unsigned int>& ind
 void AddAdapterCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<AdapterOptions>();
     CLI::App* const command =
-        app.add_subcommand("adapter", "Shows display adapters and checks them by rules");
+        app.add_subcommand("adapter", "Shows display adapters and checks them against rules");
     Explain(command,
-            "Shows the facts about each Direct3D 9 adapter and, with a rule file, whether it is "
-            "accepted, or which rule it failed first and the fact that rule met.\nEnds with 0 when "
-            "every adapter shown is accepted, 1 when one is refused, 2 when that could not be found "
-            "out.",
+            "Shows the facts about each Direct3D 9 adapter and, with a rule file, whether it is accepted or "
+            "which rule failed first, with the fact that failed it.\nThe exit status is 0 if every adapter "
+            "shown is accepted, 1 if one is refused, 2 if the check was not possible.",
             "velmdiag adapter --index 0 --rules adapter-rules.json");
     command->add_option("--index", options->index, "show this adapter only; 0 is the first");
-    command->add_option("--rules", options->rules, "check the adapters by this rule file")
+    command->add_option("--rules", options->rules, "check the adapters against this rule file")
         ->type_name(kFileType);
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunAdapter(*options); });

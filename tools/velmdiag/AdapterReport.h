@@ -11,15 +11,16 @@
 namespace velmdiag {
 
 struct AdapterReport {
-    Report facts;          ///< and the verdict, when there are rules
-    bool accepted = true;  ///< by the rules, or without rules
+    Report facts;          ///< followed by the verdict, if there are rules
+    bool accepted = true;  ///< true without rules
 };
 
-/// Throws Failure when a rule file cannot be used.
+/// Throws Failure if a rule file cannot be read or is invalid.
 void CheckRuleFile(const std::string& path);
 
-/// Reads the facts about the adapters and checks them by rules. Throws Failure when that is not possible.
-/// @param index  of the only adapter wanted; all by default
+/// Reads the facts about the adapters and checks them against the rules. Throws Failure if
+/// either is impossible.
+/// @param index  the only adapter to report; all by default
 /// @param rulesPath  the rule file; none by default
 std::vector<AdapterReport> ReportAdapters(const std::optional<unsigned int>& index,
                                           const std::optional<std::string>& rulesPath);

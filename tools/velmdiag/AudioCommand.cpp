@@ -70,7 +70,7 @@ struct Block {
     unsigned int size = 0;  // in bytes
 };
 
-/// The block that the reader delivers for a play time, in its 32-bit arithmetic; none if it would refuse.
+/// The block that the reader delivers for a play time, in its 32-bit arithmetic; none if it rejects the time.
 std::optional<Block> BlockOf(const WaveFormat& format, unsigned int milliseconds) {
     const std::uint32_t product = format.samplesPerSecond * milliseconds;
     const std::uint32_t size = static_cast<std::uint32_t>(format.channels) * product / 1000;
@@ -80,13 +80,13 @@ std::optional<Block> BlockOf(const WaveFormat& format, unsigned int milliseconds
     return Block{milliseconds, size};
 }
 
-/// The play time closest to the wanted one that the reader accepts, or the wanted one when there is none: the
-/// reader then says why.
+/// The block for the play time closest to `wanted` that the reader accepts. If it accepts none, the one for
+/// `wanted`, for which the reader returns the error.
 Block PickBlock(const WaveFormat& format, unsigned int wanted) {
-    constexpr unsigned int kMostTries = 100;
+    constexpr unsigned int kMaxTries = 100;
     const unsigned int step = 1000 / std::gcd(format.samplesPerSecond, 1000U);
     const unsigned int nearest = std::max(1U, (wanted + step / 2) / step);
-    for (unsigned int i = 0; i < kMostTries; ++i) {
+    for (unsigned int i = 0; i < kMaxTries; ++i) {
         for (const unsigned int multiple : {nearest + i, nearest > i ? nearest - i : nearest}) {
             if (const auto block = BlockOf(format, multiple * step)) {
                 return *block;
@@ -112,7 +112,7 @@ public:
           m_frameSampleSize((kHeaderSize + m_payloadSize + 1) / 2),
           m_stream(m_frameSampleSize, options.frames, 1, 16) {}
 
-    /// Runs both sides to their end. Throws Failure when either failed; there is no output then.
+    /// Runs both threads to completion. Throws Failure if either fails; there is no output then.
     void Run() {
         Check(m_wave.Initialize(&m_input));
         Check(m_stream.Initialize());
@@ -157,15 +157,16 @@ public:
 private:
     void Check(velm::ErrorCode result) const { CheckFile(m_options.input, result); }
 
-    /// Refuses a file that delivered none of its data; one that ends early is used as far as it goes.
+    /// Rejects a file that delivered none of its data. Of a truncated file, what is there is used.
     void CheckEnd() const {
         if (m_taken.load() == 0 && MissingBytes() != 0) {
-            throw Failure{m_options.input + ": gives none of its sample data: " + Describe(m_endOfReading)};
+            throw Failure{m_options.input +
+                          ": none of its sample data could be read: " + Describe(m_endOfReading)};
         }
     }
 
     void WaitForConsumer() {
-        constexpr int kShownEvery = 100;  // milliseconds, and as many iterations
+        constexpr int kShownEvery = 100;  // iterations of 1 ms
         Progress progress;
         for (int i = 1; !m_consumed.load(); ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -225,8 +226,8 @@ private:
         m_stream.PushBackFrame(slot.data());
     }
 
-    /// Takes frames up to the one that ends the stream. A failure is kept for later, so that the other side
-    /// is never left waiting for room.
+    /// Takes frames until the one that ends the stream. After a failure it goes on, because otherwise the
+    /// producer could wait for space forever.
     int Consume() {
         std::vector<short> slot(m_frameSampleSize);
         auto* const bytes = reinterpret_cast<unsigned char*>(slot.data());
@@ -280,12 +281,12 @@ private:
     std::atomic<std::uint64_t> m_taken{0};  // in bytes
     double m_elapsed = 0;                   // in seconds
 
-    // The producer's, read after it was joined.
+    // Written by the producer, read after it was joined.
     velm::ErrorCode m_endOfReading;
     std::uint64_t m_blocks = 0;
     Checksum m_sumRead;
 
-    // The consumer's, read after it was joined.
+    // Written by the consumer, read after it was joined.
     std::uint64_t m_frames = 0;
     Checksum m_sumTaken;
     std::string m_consumerFailure;
@@ -320,7 +321,7 @@ void AddSamples(Report& report, const WaveFormat& format, std::uint64_t bytes) {
 void AddOpenSize(Report& report, bool isOpen) {
     report.Add(
         "size_is_open", picojson::value(isOpen),
-        isOpen ? "yes: the header does not tell the size, so the data goes on until the file ends" : "no");
+        isOpen ? "yes: the header does not give the size, so the data lasts until the file ends" : "no");
 }
 
 /// What the header says, without the sample data.
@@ -392,9 +393,9 @@ int RunAudio(const AudioOptions& options) {
         report.Print(options.json);
     }
     if (const std::uint64_t missing = transfer.MissingBytes(); missing != 0) {
-        throw Failure{options.input + ": ends " + std::to_string(missing) + " bytes before its data does (" +
-                      NameOf(transfer.EndOfReading()) + ')' +
-                      (options.output.empty() ? "" : "; " + options.output + " has what came before")};
+        throw Failure{options.input + ": ends " + std::to_string(missing) +
+                      " bytes before the end of its data (" + NameOf(transfer.EndOfReading()) + ')' +
+                      (options.output.empty() ? "" : "; " + options.output + " has the data up to there")};
     }
     return transfer.SumsAreEqual() ? 0 : 1;
 }
@@ -407,9 +408,9 @@ void AddAudioCommand(CLI::App& app, int& exitStatus) {
     Explain(command,
             "Reads a WAVE file block by block on one thread, passes each block as an audio frame "
             "through the frame ring to another, and compares what arrives with what was read. Any "
-            "sample rate, depth and number of channels. A file that was written to a pipe, whose header "
-            "leaves the size open, is read until it ends. The file OUT appears when it is complete; with "
-            "--out - the recording goes to standard output and the report to standard error.",
+            "sample rate, depth and number of channels will do. A file that was written to a pipe, and whose "
+            "header therefore leaves the size open, is read to its end. The file OUT appears when it is "
+            "complete; with --out - the recording goes to standard output and the report to standard error.",
             "velmdiag audio speech.wav --out copy.wav");
     command->add_option("IN", options->input, "the WAVE file, or - for standard input")
         ->type_name(kFileType)

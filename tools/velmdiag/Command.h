@@ -1,6 +1,5 @@
 /// @file
-/// The commands of velmdiag. Each lives in a file of its own, adds itself to the program and runs from its
-/// callback.
+/// The commands of velmdiag. Each has its own file, adds itself to the program and runs from its callback.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -10,19 +9,19 @@
 
 namespace velmdiag {
 
-/// The exit status of a command with a verdict, when it came to none.
+/// The exit status of a command that checks something, if the check was not possible.
 constexpr int kNotDone = 2;
 
-/// The exit status of a command line that cannot be understood.
+/// The exit status for an invalid command line.
 constexpr int kWrongUsage = 2;
 
-/// What ends a command early: one line for standard error, and the exit status.
+/// Thrown to end a command early: one line for standard error, and the exit status.
 struct Failure {
     std::string message;
     int exitStatus = 1;
 };
 
-// Each adds its command; `exitStatus` receives what the program ends with once the command has run.
+// Each adds its command. `exitStatus` receives the program's exit status when the command has run.
 void AddAdapterCommand(CLI::App& app, int& exitStatus);
 void AddAudioCommand(CLI::App& app, int& exitStatus);
 void AddConfigCommand(CLI::App& app, int& exitStatus);

@@ -38,8 +38,8 @@ void AddConfigEnv(CLI::App& config, int& exitStatus) {
     const auto options = std::make_shared<EnvOptions>();
     CLI::App* const env = config.add_subcommand("env", "Reads an environment variable");
     Explain(env,
-            "Prints an environment variable. The exit status is 0 when it is set, even to an empty text, and "
-            "1 when it is not.",
+            "Prints an environment variable. The exit status is 0 when it is set, even to nothing, and 1 "
+            "when it is not.",
             "velmdiag config env PATH");
     env->add_option("NAME", options->variable, "the variable")->required();
     env->add_flag("--json", options->json, "print one JSON object");
@@ -53,7 +53,7 @@ std::string ToOem(const std::string& utf8) {
     std::string back;
     if (velm::WindowsUtil::GetOemcpStringFromUtf8String(utf8, oem).IsFailed() ||
         velm::WindowsUtil::GetUtf8StringFromOemcpString(oem, back).IsFailed() || back != utf8) {
-        throw Failure{utf8 + ": cannot be written in the OEM code page of this system"};
+        throw Failure{utf8 + ": cannot be represented in the OEM code page of this system"};
     }
     return oem;
 }

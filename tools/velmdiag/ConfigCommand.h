@@ -1,5 +1,5 @@
 /// @file
-/// The parts of the command "config" that have files of their own.
+/// Shared by the source files of the command "config".
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -7,11 +7,11 @@
 
 namespace velmdiag {
 
-/// The exit status of "config" when the setting is not there.
+/// The exit status of "config" if the setting does not exist.
 constexpr int kNotFound = 1;
 
-/// Converts a name to the encoding in which the readers of the environment and of INI files take it. Throws
-/// Failure when it has characters outside the OEM code page.
+/// Converts a name to the OEM code page, as the readers of the environment and of INI files expect. Throws
+/// Failure if the code page lacks one of its characters.
 std::string ToOem(const std::string& utf8);
 
 void AddConfigIni(CLI::App& config, int& exitStatus);

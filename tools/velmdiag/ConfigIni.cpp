@@ -22,7 +22,7 @@ namespace velmdiag {
 namespace {
 
 constexpr std::size_t kLargestIniFile = std::size_t{1} << 20;
-constexpr std::size_t kMostNames = 2000;  // in a list: the system reads the whole file for each
+constexpr std::size_t kMaxNames = 2000;  // in a list: the system reads the whole file for each
 
 struct IniOptions {
     std::string file;
@@ -33,7 +33,7 @@ struct IniOptions {
     bool json = false;
 };
 
-/// The full path of a file; Windows would look for a bare name in its own folder.
+/// The full path of a file; Windows would look for a bare name in the Windows folder.
 std::string FullPath(const std::string& utf8) {
     const std::u8string path = std::filesystem::absolute(PathOf(utf8)).make_preferred().u8string();
     return {path.begin(), path.end()};
@@ -47,8 +47,8 @@ std::wstring Wide(const std::string& utf8) {
     return wide;
 }
 
-/// A setting, and whether it is in the file. The readers do not say so, but a setting that is does not depend
-/// on the default.
+/// A setting, and whether the file has it. The readers do not report that, but the value of a setting that
+/// exists does not depend on the default.
 template <typename Value>
 struct Setting {
     Value value;
@@ -129,29 +129,28 @@ std::vector<std::string> NamesIn(const std::string& path, const std::optional<st
         rest.remove_prefix(std::min(name.size() + 1, rest.size()));
         std::string utf8;
         velm::WindowsUtil::GetUtf8StringFromWstring(name, utf8);
-        if (!utf8.empty() && std::ranges::find(names, utf8) == names.end()) {  // the first one counts
+        if (!utf8.empty() && std::ranges::find(names, utf8) == names.end()) {  // the first one wins
             names.push_back(utf8);
         }
-        if (names.size() > kMostNames) {
-            throw Failure{path + ": has too many names to list them, more than " +
-                          std::to_string(kMostNames)};
+        if (names.size() > kMaxNames) {
+            throw Failure{path + ": has too many names to list: more than " + std::to_string(kMaxNames)};
         }
     }
     return names;
 }
 
-bool IsUtf8BeyondAscii(std::string_view bytes) {
-    bool beyondAscii = false;
+bool IsNonAsciiUtf8(std::string_view bytes) {
+    bool nonAscii = false;
     while (!bytes.empty()) {
         char32_t code = 0;
         const std::size_t size = ReadUtf8(bytes, code);
         if (size == 0) {
             return false;
         }
-        beyondAscii |= size > 1;
+        nonAscii |= size > 1;
         bytes.remove_prefix(size);
     }
-    return beyondAscii;
+    return nonAscii;
 }
 
 /// Reports the encoding in which the system reads a file, and what is wrong with it.
@@ -163,13 +162,13 @@ void AddEncoding(const std::string& bytes, Report& report) {
     }
     if (bytes.starts_with("\xEF\xBB\xBF")) {
         report.Add("encoding", picojson::value("UTF-8"), "UTF-8, by its byte-order mark");
-        report.Add("warning", "Windows' INI functions do not know UTF-8" + fix);
+        report.Add("warning", "Windows' INI functions do not support UTF-8" + fix);
         return;
     }
     const std::string page = std::to_string(GetACP());
     report.Add("encoding", picojson::value("ANSI"), "ANSI, code page " + page + ": no byte-order mark");
     report.Add("code_page", static_cast<long long>(GetACP()));
-    if (IsUtf8BeyondAscii(bytes)) {
+    if (IsNonAsciiUtf8(bytes)) {
         report.Add("warning", "UTF-8 without a byte-order mark is read as ANSI, code page " + page + fix);
     }
 }
@@ -218,14 +217,16 @@ int RunIniList(const IniOptions& options) {
 void AddConfigIni(CLI::App& config, int& exitStatus) {
     const auto options = std::make_shared<IniOptions>();
     CLI::App* const command = config.add_subcommand("ini", "Reads an INI file");
-    Explain(command,
-            "Prints one value of an INI file, or the default. The exit status is 0 when the file has a value "
-            "and 1 when it has none. Without a KEY, lists the section, or all sections, and says in which "
-            "encoding Windows reads the file.",
-            "velmdiag config ini client.ini network port --int --default 443");
+    Explain(
+        command,
+        "Prints one value of an INI file, or the default. The exit status is 0 if the file has a value and 1 "
+        "if it has none. Without a KEY, lists the section, or all sections, and the encoding in which "
+        "Windows reads the file.",
+        "velmdiag config ini client.ini network port --int --default 443");
     command->add_option("FILE", options->file, "the INI file")->type_name(kFileType)->required();
-    command->add_option("SECTION", options->section, "its section, without brackets; all if not given");
-    CLI::Option* const key = command->add_option("KEY", options->key, "the key in it; all if not given");
+    command->add_option("SECTION", options->section, "the section, without brackets; all if not given");
+    CLI::Option* const key =
+        command->add_option("KEY", options->key, "the key in the section; all if not given");
     command->add_option("--default", options->defaultText, "print this when the file has no value")
         ->needs(key);
     command->add_flag("--int", options->number, "read the value as a number")->needs(key);

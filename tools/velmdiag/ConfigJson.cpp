@@ -46,7 +46,7 @@ Kind KindOf(const picojson::value& value) {
     return {value.is<bool>() ? "boolean" : "null", 0};
 }
 
-/// Loads the document into the library's reader, from the file where it can be read twice.
+/// Loads the document into the library's reader, from the file itself if that can be read twice.
 void LoadDocument(const std::string& path, const std::string& text, velm::JsonConfigReader& reader) {
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(PathOf(path), ignored)) {
@@ -55,7 +55,7 @@ void LoadDocument(const std::string& path, const std::string& text, velm::JsonCo
     }
     const std::string name = velm::platform::NarrowFileName(path);
     if (name.empty()) {
-        throw Failure{path + ": cannot be written in the ANSI code page of this system"};
+        throw Failure{path + ": cannot be represented in the ANSI code page of this system"};
     }
     if (reader.ReadFile(name) != 0) {
         throw Failure{path + ": cannot be read"};
@@ -71,7 +71,7 @@ void PrintJsonReport(const JsonOptions& options, const std::string& text) {
     LoadDocument(options.file, text, reader);
     const auto read = Clock::now();
     if (!reader.getJsonValue(value, error)) {
-        throw Failure{options.file + ": is JSON, but the library does not parse it"};
+        throw Failure{options.file + ": is valid JSON, but the library cannot parse it"};
     }
     const auto parsed = Clock::now();
     const Kind kind = KindOf(value);
@@ -109,10 +109,10 @@ void AddConfigJson(CLI::App& config, int& exitStatus) {
     CLI::App* const command = config.add_subcommand("json", "Checks and prints a JSON file");
     Explain(
         command,
-        "Checks a JSON file strictly (RFC 8259) and prints it, indented. Texts and numbers stay as they are "
-        "written; only on a terminal, characters that are invisible or would act on it become \\u escapes. "
-        "With --info or --json, the library parses the file, too. An error names the line and the "
-        "column, in characters.",
+        "Checks a JSON file strictly (RFC 8259) and prints it, indented. Strings and numbers stay as "
+        "written, except that on a terminal, invisible and control characters become \\u escapes. With "
+        "--info or --json, the library parses the file, too. An error message gives the line and the column, "
+        "counted in characters.",
         "velmdiag config json settings.json");
     command->add_option("FILE", options->file, "the JSON file")->type_name(kFileType)->required();
     command->add_flag("--info", options->info,

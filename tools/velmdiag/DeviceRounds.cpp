@@ -26,7 +26,7 @@ struct ResultName {
     const char* name;
 };
 
-/// The codes that the calls here document (d3d9.h, winerror.h).
+/// The results documented for the calls in this file (d3d9.h, winerror.h).
 constexpr ResultName kResultNames[] = {
     {0x88760827, "D3DERR_DRIVERINTERNALERROR"},
     {0x8876017C, "D3DERR_OUTOFVIDEOMEMORY"},
@@ -40,7 +40,7 @@ constexpr ResultName kResultNames[] = {
     {0x80004005, "E_FAIL"},
 };
 
-/// The number of a code, and its name if it is a known one.
+/// A result in hexadecimal, with its name if it is known.
 std::string TextOfResult(HRESULT result) {
     const auto code = static_cast<unsigned int>(result);
     const auto* const found = std::ranges::find(kResultNames, code, &ResultName::code);
@@ -66,12 +66,12 @@ ULONG References(IUnknown* object) {
     return object->Release();
 }
 
-/// The manager of resources, while it lives.
+/// Initializes the resource manager, and finalizes it in the destructor.
 struct Manager {
     Manager() {
         const velm::ErrorCode result = velm::D3D9ResourceManager::Initialize();
         if (result.IsFailed()) {
-            throw Failure{"the resource manager cannot be made: " + Describe(result), kNotDone};
+            throw Failure{"the resource manager cannot be created: " + Describe(result), kNotDone};
         }
     }
     ~Manager() { velm::D3D9ResourceManager::Finalize(); }
@@ -79,10 +79,10 @@ struct Manager {
     Manager& operator=(const Manager&) = delete;
 };
 
-/// A render target and a depth-stencil surface that survive losses of their device.
-class Cycle {
+/// A render target and a depth-stencil surface that survive the loss of their device.
+class RecoverableSurfaces {
 public:
-    Cycle(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& presentParameters)
+    RecoverableSurfaces(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& presentParameters)
         : m_device(device), m_presentParameters(presentParameters) {
         m_target.Bind(CreateTarget(m_device));
         IDirect3DSurface9* surface = nullptr;
@@ -96,7 +96,7 @@ public:
     void LoseAndRecover() {
         D3DPRESENT_PARAMETERS parameters = m_presentParameters;
         if (SUCCEEDED(m_device->Reset(&parameters))) {
-            throw Failure{"Reset succeeded although surfaces of the default pool live"};
+            throw Failure{"Reset succeeded although surfaces in the default pool exist"};
         }
         ++m_counts.resetsRefused;
         velm::D3D9ResourceManager::OnLost();
@@ -109,7 +109,7 @@ public:
         }
     }
 
-    /// Fills the target through both surfaces, shows it in the window and compares every pixel of it.
+    /// Clears both surfaces, presents the target in the window and compares its pixels.
     void DrawAndCompare(D3DCOLOR color) {
         const auto backBuffer = BackBuffer();
         Check(m_device->SetRenderTarget(0, m_target.GetSurface()), "SetRenderTarget");
@@ -117,7 +117,7 @@ public:
         Check(m_device->Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER | D3DCLEAR_STENCIL, color, 1.0f,
                               0),
               "Clear");
-        // A surface that is set belongs to the device, too, which then could not be reset.
+        // Unset them: a device that references a surface cannot be reset.
         Check(m_device->SetRenderTarget(0, backBuffer.get()), "SetRenderTarget");
         Check(m_device->SetDepthStencilSurface(nullptr), "SetDepthStencilSurface");
         Check(m_device->StretchRect(m_target.GetSurface(), nullptr, backBuffer.get(), nullptr, D3DTEXF_NONE),
@@ -126,7 +126,7 @@ public:
         Compare(color);
     }
 
-    const DeviceCounts& Seen() const { return m_counts; }
+    const DeviceCounts& Counts() const { return m_counts; }
 
 private:
     InterfacePtr<IDirect3DSurface9> BackBuffer() {
@@ -156,7 +156,7 @@ private:
         }
         memory->UnlockRect();
         if (wrong != 0) {
-            throw Failure{std::to_string(wrong) + " pixels are not as they were drawn"};
+            throw Failure{std::to_string(wrong) + " pixels differ from what was drawn"};
         }
         ++m_counts.picturesEqual;
     }
@@ -189,32 +189,32 @@ InterfacePtr<IDirect3DDevice9> CreateDevice(IDirect3D9* d3d, D3DPRESENT_PARAMETE
     return InterfacePtr<IDirect3DDevice9>(device);
 }
 
-/// A colour for each round, none like the one before.
+/// A colour for each round, different from the previous one.
 D3DCOLOR ColorOf(unsigned int round) {
     return D3DCOLOR_XRGB(round * 37 % 256, 255 - round * 11 % 256, 64 + round * 5 % 128);
 }
 
 DeviceCounts RunRounds(IDirect3DDevice9* device, const D3DPRESENT_PARAMETERS& parameters, unsigned int rounds,
                        bool showProgress) {
-    Cycle cycle(device, parameters);
+    RecoverableSurfaces surfaces(device, parameters);
     Progress progress(showProgress);
-    cycle.DrawAndCompare(ColorOf(0));
+    surfaces.DrawAndCompare(ColorOf(0));
     for (unsigned int round = 1; round <= rounds; ++round) {
         try {
-            cycle.LoseAndRecover();
-            cycle.DrawAndCompare(ColorOf(round));
+            surfaces.LoseAndRecover();
+            surfaces.DrawAndCompare(ColorOf(round));
         } catch (const Failure& failure) {
             throw Failure{"round " + std::to_string(round) + ": " + failure.message};
         }
         velm::platform::PumpMessages();
         progress.Show("round " + std::to_string(round));
     }
-    return cycle.Seen();
+    return surfaces.Counts();
 }
 
-/// A surface bound before there is a manager is not registered: the device must refuse the reset after a
-/// loss until the surface is bound again.
-/// @return the code of the refused reset
+/// A surface bound before the manager exists is not registered: after a loss, the device must refuse the
+/// reset until the surface is bound again.
+/// @return the result of the refused reset
 HRESULT ResetWithUnregisteredSurface(IDirect3DDevice9* device, D3DPRESENT_PARAMETERS parameters) {
     IDirect3DSurface9* const target = CreateTarget(device);
     velm::D3D9Surface surface;
@@ -224,7 +224,7 @@ HRESULT ResetWithUnregisteredSurface(IDirect3DDevice9* device, D3DPRESENT_PARAME
     D3DPRESENT_PARAMETERS refused = parameters;
     const HRESULT result = device->Reset(&refused);
     if (SUCCEEDED(result)) {
-        throw Failure{"Reset succeeded although an unregistered surface lives"};
+        throw Failure{"Reset succeeded although an unregistered surface exists"};
     }
     target->AddRef();
     surface.Bind(target);
@@ -273,7 +273,7 @@ void AddDeviceOutcome(Report& report, unsigned int rounds, const DeviceOutcome& 
 
 void CheckDeviceReferences(const DeviceOutcome& outcome) {
     if (outcome.referencesAfter != outcome.referencesBefore) {
-        throw Failure{"the device's references are not back where they began"};
+        throw Failure{"the device's reference count differs from before the rounds"};
     }
 }
 

@@ -8,7 +8,7 @@
 namespace velmdiag {
 namespace {
 
-constexpr double kMostMilliseconds = 24 * 60 * 60 * 1000;
+constexpr double kMaxMilliseconds = 24 * 60 * 60 * 1000;
 
 struct Unit {
     std::string_view name;
@@ -17,7 +17,7 @@ struct Unit {
 
 constexpr Unit kUnits[] = {{"", 1000}, {"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}};
 
-/// @return in milliseconds; none if the text is no duration within the limits
+/// @return milliseconds; none if the text is not a duration within the limits
 std::optional<unsigned int> ParseDuration(const std::string& text) {
     const std::string number = text.substr(0, text.find_first_not_of("0123456789."));
     const std::string_view name = std::string_view(text).substr(number.size());
@@ -28,7 +28,7 @@ std::optional<unsigned int> ParseDuration(const std::string& text) {
     }
     for (const Unit& unit : kUnits) {
         const double milliseconds = std::round(value * unit.milliseconds);
-        if (name == unit.name && milliseconds >= 1 && milliseconds <= kMostMilliseconds) {
+        if (name == unit.name && milliseconds >= 1 && milliseconds <= kMaxMilliseconds) {
             return static_cast<unsigned int>(milliseconds);
         }
     }

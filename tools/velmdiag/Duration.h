@@ -5,10 +5,10 @@
 
 namespace velmdiag {
 
-/// Adds an option that takes a duration: a number, which may have decimals, with ms, s, m or h; seconds
-/// without a unit.
-/// @param milliseconds  receives the duration, at least 1 ms and at most a day; its value is the default that
-///                      help shows, unless it is 0
+/// Adds an option that takes a duration: a number, possibly with decimals, and the unit ms, s, m or h; in
+/// seconds without a unit.
+/// @param milliseconds  receives the duration, from 1 ms to a day; unless 0, its initial value is the
+///                      default that the help shows
 CLI::Option* AddDuration(CLI::App& command, const std::string& name, unsigned int& milliseconds,
                          const std::string& description);
 

@@ -17,20 +17,19 @@ struct ErrorText {
 /// Every code of both libraries.
 std::span<const ErrorText> GetErrorTexts();
 
-/// Null when there is none for the code.
+/// Returns null for an unknown code.
 const ErrorText* FindErrorText(unsigned int code);
 
 /// Such as "0x8149AC0A".
 std::string HexOf(unsigned int code);
 
-/// The registered name of a code, such as "VELM_ERROR_UTIL_DATA_BROKEN"; its number when it has none.
+/// The registered name of a code, such as "VELM_ERROR_UTIL_DATA_BROKEN"; its number if it has none.
 std::string NameOf(velm::ErrorCode code);
 
 /// The meaning of a code with its name in parentheses, for the end of a sentence.
 std::string Describe(velm::ErrorCode code);
 
-/// Throws Failure, which says what happened to the file, when the result is a failure.
-/// @param exitStatus  of the failure
+/// If the result is a failure, throws Failure with the file's name and the meaning of the result.
 void CheckFile(const std::string& name, velm::ErrorCode result, int exitStatus = 1);
 
 }  // namespace velmdiag

@@ -1,5 +1,5 @@
 /// @file
-/// What velmdiag says of itself: help, manual page and completion, all from the texts that the commands give.
+/// Help, manual page and completion, generated from the texts that the commands provide.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -7,15 +7,15 @@
 
 namespace velmdiag {
 
-/// The type name of an option whose value is a file or a folder; completion then offers files.
+/// The type name of options that take a file or a folder; completion offers files for them.
 inline constexpr const char* kFileType = "FILE";
 
-/// Gives a command the text below its options, and the example that ends it.
-/// @param example  a whole command line
+/// Sets the text below a command's options in its help, followed by an example.
+/// @param example  a complete command line
 void Explain(CLI::App* command, const std::string& text, const std::string& example);
 
 /// Adds the examples of all commands to the program's help, and the options --version, --man and
-/// --completion. To be called after the last command was added.
+/// --completion. Call it after the last command was added.
 void AddHelp(CLI::App& app);
 
 }  // namespace velmdiag

@@ -13,7 +13,7 @@ void NoteInterruption(int) {
     g_interrupted = true;
 }
 
-/// A signal that the caller has chosen to ignore stays ignored.
+/// Handles a signal, unless the program was started with it ignored.
 auto HandleSignal(int number) {
     const auto previous = ::signal(number, NoteInterruption);
     if (previous == SIG_IGN) {

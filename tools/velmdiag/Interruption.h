@@ -2,8 +2,8 @@
 
 namespace velmdiag {
 
-/// While an object lives, Ctrl-C and a request to terminate do not end the program: a command that is writing
-/// a file finishes or removes it first. One object at a time.
+/// While an object of this class exists, Ctrl-C and SIGTERM do not end the program, so that a command can
+/// first finish or remove the file that it is writing. One object at a time.
 class Interruption {
 public:
     Interruption();
@@ -14,7 +14,7 @@ public:
     /// Whether the program was asked to end. Threads: any.
     static bool Requested();
 
-    /// The exit status of an interrupted command, by the convention of shells.
+    /// The exit status of an interrupted command, as shells report it.
     static constexpr int kExitStatus = 130;
 
 private:

@@ -10,7 +10,7 @@
 namespace velmdiag {
 namespace {
 
-constexpr std::size_t kMostLevels = 100;
+constexpr std::size_t kMaxLevels = 100;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool IsDigit(char c) {
@@ -23,8 +23,10 @@ bool IsHexDigit(char c) {
 
 class JsonChecker {
 public:
-    JsonChecker(std::string_view text, const std::function<void(std::string_view)>& take)
-        : m_text(text), m_take(take), m_at(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0) {}
+    JsonChecker(std::string_view text, const std::function<void(std::string_view)>& onToken)
+        : m_text(text),
+          m_onToken(onToken),
+          m_at(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0) {}
 
     void Run() {
         if (m_text.starts_with("\xFF\xFE") || m_text.starts_with("\xFE\xFF")) {
@@ -38,7 +40,7 @@ public:
             Step();
         }
         if (!m_open.empty()) {
-            Fail(m_at, std::string("the document ends, but the ") + m_text[m_open.back()] + " of " +
+            Fail(m_at, std::string("the document ends, but the ") + m_text[m_open.back()] + " at " +
                            PlaceOf(m_open.back()) + " is not closed");
         }
         if (m_expected != Expected::kNothing) {
@@ -55,7 +57,7 @@ private:
         const char next = m_text[m_at];
         switch (m_expected) {
             case Expected::kNothing:
-                Fail(m_at, "the document is complete, but goes on with " + Found(m_at));
+                Fail(m_at, "expected the end of the document, not " + Found(m_at));
             case Expected::kColon:
                 Require(next == ':', "a colon");
                 Take(m_at + 1, Expected::kValue);
@@ -105,9 +107,9 @@ private:
     }
 
     void Open(char bracket) {
-        if (m_open.size() == kMostLevels) {
+        if (m_open.size() == kMaxLevels) {
             Fail(m_at,
-                 "nested deeper than " + std::to_string(kMostLevels) + " levels, which the library refuses");
+                 "nested deeper than " + std::to_string(kMaxLevels) + " levels, which the library refuses");
         }
         m_open.push_back(m_at);
         Take(m_at + 1, bracket == '{' ? Expected::kNameOrEnd : Expected::kElementOrEnd);
@@ -121,8 +123,8 @@ private:
     Expected AfterValue() const { return m_open.empty() ? Expected::kNothing : Expected::kCommaOrEnd; }
 
     void Take(std::size_t end, Expected expected) {
-        if (m_take) {
-            m_take(m_text.substr(m_at, end - m_at));
+        if (m_onToken) {
+            m_onToken(m_text.substr(m_at, end - m_at));
         }
         m_at = end;
         m_expected = expected;
@@ -153,7 +155,7 @@ private:
             ++at;
         }
         if (at == first) {
-            Fail(at, "a digit expected, not " + Found(at));
+            Fail(at, "expected a digit, not " + Found(at));
         }
         return at;
     }
@@ -186,7 +188,7 @@ private:
             return EndOfUnicodeEscape(at);
         }
         if (letter == '\0' || std::string_view("\"\\/bfnrt").find(letter) == std::string_view::npos) {
-            Fail(at, "no such escape: a backslash and " + Found(at + 1));
+            Fail(at, "invalid escape: a backslash and " + Found(at + 1));
         }
         return at + 2;
     }
@@ -216,7 +218,7 @@ private:
         return std::strtoul(digits.c_str(), nullptr, 16);
     }
 
-    /// NUL at the end.
+    /// Returns NUL at the end.
     char CharAt(std::size_t at) const { return at < m_text.size() ? m_text[at] : '\0'; }
 
     std::string Found(std::size_t at) const {
@@ -243,7 +245,7 @@ private:
 
     void Require(bool holds, const char* expected) const {
         if (!holds) {
-            Fail(m_at, std::string(expected) + " expected, not " + Found(m_at));
+            Fail(m_at, std::string("expected ") + expected + ", not " + Found(m_at));
         }
     }
 
@@ -252,13 +254,13 @@ private:
     }
 
     std::string_view m_text;
-    const std::function<void(std::string_view)>& m_take;
+    const std::function<void(std::string_view)>& m_onToken;
     std::size_t m_at;
     Expected m_expected = Expected::kValue;
-    std::vector<std::size_t> m_open;  // where the arrays and objects around m_at start
+    std::vector<std::size_t> m_open;  // where each array or object around m_at starts
 };
 
-/// Lays out tokens, one after another.
+/// Formats a sequence of tokens.
 class JsonWriter {
 public:
     explicit JsonWriter(bool escapeHidden) : m_escapeHidden(escapeHidden) {}
@@ -318,8 +320,8 @@ private:
 
 }  // namespace
 
-void CheckJson(std::string_view text, const std::function<void(std::string_view)>& take) {
-    JsonChecker(text, take).Run();
+void CheckJson(std::string_view text, const std::function<void(std::string_view)>& onToken) {
+    JsonChecker(text, onToken).Run();
 }
 
 std::string FormatJson(std::string_view text, bool escapeHidden) {

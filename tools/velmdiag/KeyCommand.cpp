@@ -66,11 +66,11 @@ void AddKeyCommand(CLI::App& app, int& exitStatus) {
     };
     const auto options = std::make_shared<KeyOptions>();
     CLI::App* const command = app.add_subcommand("key", "Decodes a key of 64 hexadecimal digits");
-    Explain(command,
-            "Prints the 32 bytes that a key of 64 hexadecimal digits stands for. Anything else is refused "
-            "with exit "
-            "status 1, although the library would decode it. An error never shows the key.",
-            "velmdiag key 0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef");
+    Explain(
+        command,
+        "Prints the 32 bytes of a key of 64 hexadecimal digits. Anything else is refused with exit status 1, "
+        "even if the library would decode it. Error messages never show the key.",
+        "velmdiag key 0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef");
     command->add_option("HEX", options->text, "the key")->required();
     command->add_flag("--json", options->json, "print one JSON object");
     command->callback([options, &exitStatus] { exitStatus = RunKey(options->text, options->json); });

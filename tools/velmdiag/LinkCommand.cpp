@@ -21,7 +21,7 @@ struct LinkOptions {
 };
 
 int ScramblePattern(const std::string& pattern, bool json) {
-    const std::string scrambled = velm::Unscramble(pattern);  // the same both ways
+    const std::string scrambled = velm::Unscramble(pattern);  // its own inverse
     if (json) {
         Report report;
         report.Add("scrambled", scrambled);
@@ -55,8 +55,7 @@ int RunLink(const LinkOptions& options) {
     }
     report.Print(options.json);
     if (result.IsFailed()) {
-        throw Failure{isRead ? address + ": the address is not one that the client follows (" +
-                                   NameOf(result) + ')'
+        throw Failure{isRead ? address + ": the client does not follow this address (" + NameOf(result) + ')'
                              : *options.link + ": is not a link of the client (" + NameOf(result) + ')'};
     }
     return 0;
@@ -69,11 +68,11 @@ void AddLinkCommand(CLI::App& app, int& exitStatus) {
     CLI::App* const command = app.add_subcommand("link", "Reads a link and checks where it leads");
     Explain(command,
             "Reads a link as the client does and checks the address that it leads to. The exit status "
-            "is 0 when the client would follow it and 1 when not.\nWith --scramble, prints the form in which "
+            "is 0 if the client would follow it and 1 if not.\nWith --scramble, prints the form in which "
             "UrlSchemeUtil::checkDomain takes a pattern of your own.",
             "velmdiag link 'velm://connect/play.velm.example/a?title=T1&ticket=abc' --scheme https");
     CLI::Option* const link = command->add_option("LINK", options->link, "the link");
-    command->add_option("--scramble", options->pattern, "scramble this pattern, as addresses are checked by")
+    command->add_option("--scramble", options->pattern, "scramble this pattern for checkDomain")
         ->excludes(link);
     CLI::Option* const scheme =
         command->add_option("--scheme", options->scheme, "scheme of the address that the link names")

@@ -15,7 +15,7 @@ std::string FinishOutput() {
     if (flushed && std::cout.good() && std::ferror(stdout) == 0) {
         return {};
     }
-    // A failure in an earlier flush has left its mark in the stream, but no reason.
+    // A failure in an earlier flush is recorded in the stream, but its reason is lost.
     return error != 0 ? std::generic_category().message(error) : "a write failed";
 }
 

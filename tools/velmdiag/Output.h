@@ -4,11 +4,11 @@
 
 namespace velmdiag {
 
-/// The exit status of a command that did its work when standard output did not take all of what it printed.
+/// The exit status if a command succeeded but its output could not be written completely.
 constexpr int kOutputLost = 3;
 
-/// Writes out what standard output still holds. To be called once, after the last command printed.
-/// @return empty when all that the program printed was taken; else what went wrong
+/// Flushes standard output. Call it once, after all output.
+/// @return why output was lost; empty if none was
 std::string FinishOutput();
 
 }  // namespace velmdiag

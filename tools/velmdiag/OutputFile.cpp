@@ -14,18 +14,18 @@
 namespace velmdiag {
 namespace {
 
-/// An unused name in the folder of `place`.
-std::filesystem::path NameBeside(const std::filesystem::path& place) {
+/// An unused name in the folder of `target`.
+std::filesystem::path UnusedNameFor(const std::filesystem::path& target) {
     std::random_device random;
-    std::filesystem::path beside;
+    std::filesystem::path name;
     std::error_code ignored;
     do {
         std::ostringstream suffix;
         suffix << '.' << std::hex << random() << ".part";
-        beside = place;
-        beside += suffix.str();
-    } while (std::filesystem::exists(beside, ignored));
-    return beside;
+        name = target;
+        name += suffix.str();
+    } while (std::filesystem::exists(name, ignored));
+    return name;
 }
 
 [[noreturn]] void ThrowUnwritable(const std::string& name, int error) {
@@ -47,28 +47,28 @@ OutputFile::OutputFile(const std::string& path) : m_name(path) {
     }
     // A symbolic link stays; the file it points to is replaced.
     std::error_code failed;
-    m_place = std::filesystem::canonical(PathOf(path), failed);
+    m_target = std::filesystem::canonical(PathOf(path), failed);
     if (failed) {
-        m_place = PathOf(path);
+        m_target = PathOf(path);
     }
-    const std::filesystem::file_status status = std::filesystem::status(m_place, failed);
+    const std::filesystem::file_status status = std::filesystem::status(m_target, failed);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         errno = 0;
-        m_file.open(m_place, std::ios::binary);
+        m_file.open(m_target, std::ios::binary);
         Check();
     } else {
-        OpenBeside();
+        OpenTemporary();
     }
 }
 
-void OutputFile::OpenBeside() {
-    m_written = NameBeside(m_place);
+void OutputFile::OpenTemporary() {
+    m_temporary = UnusedNameFor(m_target);
     errno = 0;
-    m_file.open(m_written, std::ios::binary);
+    m_file.open(m_temporary, std::ios::binary);
     Check();
     std::error_code ignored;
-    if (const auto status = std::filesystem::status(m_place, ignored); std::filesystem::exists(status)) {
-        std::filesystem::permissions(m_written, status.permissions(), ignored);
+    if (const auto status = std::filesystem::status(m_target, ignored); std::filesystem::exists(status)) {
+        std::filesystem::permissions(m_temporary, status.permissions(), ignored);
     }
 }
 
@@ -104,11 +104,11 @@ void OutputFile::Commit() {
         return;
     }
     std::error_code failed;
-    std::filesystem::rename(m_written, m_place, failed);
+    std::filesystem::rename(m_temporary, m_target, failed);
     if (failed) {
         throw Failure{m_name + ": cannot be written: " + failed.message()};
     }
-    m_written.clear();
+    m_temporary.clear();
 }
 
 void OutputFile::Abandon() {
@@ -126,11 +126,11 @@ void OutputFile::Check() {
 }
 
 void OutputFile::Discard() {
-    if (!m_written.empty()) {
+    if (!m_temporary.empty()) {
         m_file.close();
         std::error_code ignored;
-        std::filesystem::remove(m_written, ignored);
-        m_written.clear();
+        std::filesystem::remove(m_temporary, ignored);
+        m_temporary.clear();
     }
 }
 

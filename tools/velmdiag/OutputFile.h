@@ -12,8 +12,7 @@ namespace velmdiag {
 
 /// A file that a command writes. It is written under a temporary name in the same folder and renamed when
 /// complete, so an existing file is either replaced as a whole or unchanged. Pipes, devices and standard
-/// output
-/// ("-") are written directly.
+/// output ("-") are written directly.
 class OutputFile {
 public:
     /// Throws Failure when the file cannot be created.
@@ -24,27 +23,28 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     /// Whether the output is a stream, on which WriteAt is not possible.
-    bool IsStream() const { return m_written.empty(); }
+    bool IsStream() const { return m_temporary.empty(); }
 
     /// Appends bytes. Throws Failure when they cannot be written. Threads: one at a time.
     void Write(const void* bytes, std::size_t size);
     /// Overwrites bytes written before. Throws Failure. Only when IsStream() is false.
     void WriteAt(std::uint64_t offset, const void* bytes, std::size_t size);
 
-    /// Completes the file and gives it its name. Throws Failure when that fails, after removing the file.
+    /// Completes the file and renames it to its final name. If that fails, removes it and throws Failure.
     void Commit();
 
-    /// Removes the file before the program ends without unwinding. Threads: any; a later Write fails.
+    /// Removes the file, for a program that is about to end without running destructors. Threads: any; a
+    /// later Write fails.
     void Abandon();
 
 private:
-    void OpenBeside();
+    void OpenTemporary();
     void Check();
     void Discard();
 
-    std::string m_name;               ///< as the user gave it
-    std::filesystem::path m_place;    ///< the file to replace, symbolic links resolved
-    std::filesystem::path m_written;  ///< the temporary file; empty for a stream and once committed
+    std::string m_name;                 ///< as the user gave it
+    std::filesystem::path m_target;     ///< the file to replace, symbolic links resolved
+    std::filesystem::path m_temporary;  ///< the temporary file; empty for a stream and once committed
     std::ofstream m_file;
     std::ostream* m_stream = &m_file;
     std::mutex m_mutex;  ///< held by Write and Abandon

@@ -13,7 +13,7 @@ std::filesystem::path PathOf(const std::string& utf8) {
 void RefuseToOverwriteInput(const std::string& input, const std::string& output) {
     std::error_code ignored;
     if (std::filesystem::equivalent(PathOf(input), PathOf(output), ignored)) {
-        throw Failure{output + ": is the input itself", 2};
+        throw Failure{output + ": is the input file", 2};
     }
 }
 

@@ -5,10 +5,10 @@
 
 namespace velmdiag {
 
-/// The path that UTF-8 text names, whatever the system's code page.
+/// Converts UTF-8 text to a path, whatever the system's code page.
 std::filesystem::path PathOf(const std::string& utf8);
 
-/// Throws Failure when a file to be written is the one that is read.
+/// Throws Failure if the output file is the input file.
 void RefuseToOverwriteInput(const std::string& input, const std::string& output);
 
 }  // namespace velmdiag

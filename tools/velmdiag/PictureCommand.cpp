@@ -40,7 +40,7 @@ struct Conversion {
     decltype(&velm::Yuv420ToArgb8888_BT601) function;
 };
 
-// Not constexpr: for Visual C++ the address of an imported function is no constant expression.
+// Not constexpr: for Visual C++ the address of an imported function is not a constant expression.
 const Conversion kConversionTable[] = {
     {"601", velm::Yuv420ToArgb8888_BT601},
     {"709", velm::Yuv420ToArgb8888_BT709},
@@ -127,7 +127,7 @@ std::vector<double> ConvertOne(const PictureOptions& options, unsigned int numbe
     return times;
 }
 
-/// The name of a frame's picture: names sort in the order of the frames.
+/// The file name of a frame's picture; the names sort in the order of the frames.
 std::string PictureName(const std::string& folder, std::size_t number) {
     std::ostringstream name;
     name << folder << "/frame-" << std::setw(6) << std::setfill('0') << number << ".png";
@@ -141,7 +141,8 @@ std::vector<double> ConvertAll(const PictureOptions& options, PictureInput& inpu
     std::error_code failed;
     std::filesystem::create_directories(PathOf(options.output), failed);
     if (!std::filesystem::is_directory(PathOf(options.output), failed)) {
-        throw Failure{options.output + ": is not a folder and cannot be made one, as --frame all needs"};
+        throw Failure{options.output +
+                      ": is not a folder and cannot be created as one, but --frame all needs a folder"};
     }
     const auto count = input.FrameCount();
     Frame frame;
@@ -201,12 +202,13 @@ int RunPicture(const PictureOptions& options) {
 void AddPictureCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<PictureOptions>();
     CLI::App* const command = app.add_subcommand("picture", "Converts a YUV picture into a PNG file");
-    Explain(command,
-            "Reads planar YUV 4:2:0 with 8 bits, raw (the Y, U and V planes of each frame one after another, "
-            "no header) or Y4M, converts a frame into 32-bit pixels, prints the median time that takes and "
-            "writes the picture. With --frame all, OUT is a folder that gets a picture of each frame. Y4M in "
-            "full range is scaled to the limited range that the library converts.",
-            "velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
+    Explain(
+        command,
+        "Reads planar YUV 4:2:0 with 8 bits, raw (the Y, U and V planes of each frame one after another, "
+        "no header) or Y4M, converts a frame into 32-bit pixels, prints the median time of the conversion "
+        "and writes the picture. With --frame all, writes a picture of each frame to the folder OUT. "
+        "Full-range Y4M is scaled to the limited range that the library converts.",
+        "velmdiag picture colour-bars-709.yuv --size 320x180 --matrix 709 --out bars.png");
     command->add_option("IN", options->input, "the raw YUV or Y4M file")->type_name(kFileType)->required();
     command->add_option("--size", options->size,
                         "width and height in pixels, such as 1280x720; required without a Y4M header");

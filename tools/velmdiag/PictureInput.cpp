@@ -17,7 +17,7 @@ namespace {
 constexpr int kLargestSide = 16384;
 constexpr std::size_t kLongestLine = 1024;
 constexpr std::string_view kY4mMagic = "YUV4MPEG2 ";
-constexpr std::string_view kFrameMark = "FRAME";
+constexpr std::string_view kFrameMagic = "FRAME";
 
 bool ParseSide(std::string_view text, int& side) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
@@ -50,7 +50,7 @@ PictureInput::PictureInput(const std::string& path, const std::string& size) : m
     m_isY4m = magic == kY4mMagic;
     if (m_isY4m) {
         ReadHeader(ReadLine());
-        m_markSize = kFrameMark.size() + 1;
+        m_frameHeaderSize = kFrameMagic.size() + 1;
     } else {
         m_prefix = magic;
         if (size.empty()) {
@@ -71,7 +71,7 @@ PictureInput::PictureInput(const std::string& path, const std::string& size) : m
     }
 }
 
-/// Takes the size and the colours from the header line of a Y4M file, after its magic.
+/// Parses the size and the pixel format from the header line of a Y4M file, without its magic.
 void PictureInput::ReadHeader(const std::string& line) {
     std::istringstream fields(line);
     std::string layout = "420jpeg";  // if none is given
@@ -79,7 +79,7 @@ void PictureInput::ReadHeader(const std::string& line) {
         const std::string value = field.substr(1);
         if (field[0] == 'W' || field[0] == 'H') {
             if (!ParseSide(value, field[0] == 'W' ? m_width : m_height)) {
-                throw Failure{m_path + ": its header has the size " + field + ", and sides go from 1 to " +
+                throw Failure{m_path + ": its header gives the size " + field + ", but sides go from 1 to " +
                               std::to_string(kLargestSide)};
             }
         } else if (field[0] == 'C') {
@@ -92,7 +92,7 @@ void PictureInput::ReadHeader(const std::string& line) {
         throw Failure{m_path + ": its header does not give a width and a height"};
     }
     if (layout != "420" && layout != "420jpeg" && layout != "420mpeg2" && layout != "420paldv") {
-        throw Failure{m_path + ": its pixels are " + layout + ", and only 4:2:0 with 8 bits is converted"};
+        throw Failure{m_path + ": its pixel format is " + layout + ", but only 8-bit 4:2:0 is supported"};
     }
 }
 
@@ -106,10 +106,10 @@ bool PictureInput::Read(Frame& frame) {
         if (line.empty()) {
             return false;
         }
-        if (!line.starts_with(kFrameMark)) {
-            throw Failure{m_path + ": frame " + number + " does not begin with " + std::string(kFrameMark)};
+        if (!line.starts_with(kFrameMagic)) {
+            throw Failure{m_path + ": frame " + number + " does not begin with " + std::string(kFrameMagic)};
         }
-        m_markSize = line.size() + 1;
+        m_frameHeaderSize = line.size() + 1;
     }
     const std::size_t size = ReadBytes(frame.bytes.data(), frame.bytes.size());
     if (size == 0 && !m_isY4m && m_framesRead != 0) {
@@ -137,7 +137,7 @@ std::optional<std::uint64_t> PictureInput::FrameCount() const {
     }
     const std::uint64_t size = std::filesystem::file_size(path, failed);
     const std::uint64_t left = size - (m_position - m_prefix.size());
-    return failed ? std::nullopt : std::optional(m_framesRead + left / (m_markSize + FrameSize()));
+    return failed ? std::nullopt : std::optional(m_framesRead + left / (m_frameHeaderSize + FrameSize()));
 }
 
 std::size_t PictureInput::FrameSize() const {
@@ -151,7 +151,7 @@ std::string PictureInput::ReadLine() {
     for (unsigned char byte = 0; ReadBytes(&byte, 1) == 1 && byte != '\n';) {
         line.push_back(static_cast<char>(byte));
         if (line.size() > kLongestLine) {
-            throw Failure{m_path + ": a header of Y4M is longer than " + std::to_string(kLongestLine) +
+            throw Failure{m_path + ": a Y4M header is longer than " + std::to_string(kLongestLine) +
                           " bytes"};
         }
     }

@@ -9,7 +9,7 @@
 
 namespace velmdiag {
 
-/// A frame of planar 4:2:0 as files hold it: Y, then U, then V, without gaps.
+/// A planar 4:2:0 frame as stored in files: Y, then U, then V, without gaps.
 struct Frame {
     int width = 0;
     int height = 0;
@@ -27,8 +27,7 @@ struct Frame {
     unsigned char* V() { return U() + ChromaSize(); }
 };
 
-/// The frames in a file, one after another: raw, or Y4M (the format of the MJPEG tools), which is recognised
-/// by its header.
+/// Reads the frames of a file in order. The file is raw or Y4M, which is recognised by its header.
 class PictureInput {
 public:
     /// @param size  such as "1280x720"; required for a raw file, may be empty for Y4M
@@ -45,7 +44,7 @@ public:
     int Width() const { return m_width; }
     int Height() const { return m_height; }
 
-    /// Complete frames in the file, by its size, if the headers of all frames are as long as the last one
+    /// The number of complete frames, from the file's size, if all frame headers are as long as the last one
     /// read; none for a pipe.
     std::optional<std::uint64_t> FrameCount() const;
 
@@ -57,13 +56,13 @@ private:
 
     std::string m_path;
     velm::FileReader m_reader;
-    std::string m_prefix;  // read to recognise the format, and not yet returned by ReadBytes
+    std::string m_prefix;  // read to recognise the format, not yet returned by ReadBytes
     bool m_isY4m = false;
     bool m_isFullRange = false;
     int m_width = 0;
     int m_height = 0;
-    std::uint64_t m_position = 0;  // bytes read from the file
-    std::uint64_t m_markSize = 0;  // of the header of a frame
+    std::uint64_t m_position = 0;         // bytes read from the file
+    std::uint64_t m_frameHeaderSize = 0;  // of the last frame's header, in bytes
     std::uint64_t m_framesRead = 0;
 };
 

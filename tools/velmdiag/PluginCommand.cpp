@@ -26,14 +26,14 @@ struct ModuleFreer {
 };
 using UniqueModule = std::unique_ptr<std::remove_pointer_t<HMODULE>, ModuleFreer>;
 
-/// The path under which the system knows a loaded library; empty when it has none that fits.
+/// The path of a loaded library as the system reports it; empty if it is too long.
 std::wstring PathOfModule(HMODULE module) {
     wchar_t path[MAX_PATH];
     const DWORD units = GetModuleFileNameW(module, path, MAX_PATH);
     return units < MAX_PATH ? std::wstring(path, units) : std::wstring();
 }
 
-/// Why the file was not loaded. To be called right after the call that failed.
+/// Why the file was not loaded. Call it right after the call that failed.
 std::string LoadFailure(const std::string& file) {
     const DWORD code = GetLastError();
     const std::string text = velm::platform::LoadErrorText(code);
@@ -42,7 +42,7 @@ std::string LoadFailure(const std::string& file) {
     return "cannot be loaded: " + (text.empty() ? "the system gives no reason" : text) + " (error " +
            std::to_string(code) + ')' +
            (code == ERROR_MOD_NOT_FOUND && isThere
-                ? "; the file exists, so it is not a library or one that it needs is missing"
+                ? "; the file exists, so it is not a library, or a library that it needs is missing"
                 : "");
 }
 
@@ -63,7 +63,7 @@ int RunPlugin(const PluginOptions& options) {
             fail("the object cannot be obtained: the library exports no AllocateClass");
             break;
         default:
-            fail("the object cannot be obtained: AllocateClass returned none");
+            fail("the object cannot be obtained: AllocateClass returned null");
     }
     UniqueModule module(velm::WindowsUtil::CallLoadLibrary(options.file.c_str()));
     if (GetProcAddress(module.get(), "ReleaseClass") == nullptr) {
@@ -73,7 +73,7 @@ int RunPlugin(const PluginOptions& options) {
     module.reset();
     plugin.Terminate();
     if (!path.empty() && GetModuleHandleW(path.c_str()) != nullptr) {
-        fail("cannot be unloaded: the library is still in the process");
+        fail("cannot be unloaded: the library is still loaded");
     }
     Report report;
     report.Add("file", options.file);
@@ -88,7 +88,7 @@ int RunPlugin(const PluginOptions& options) {
 
 void AddPluginCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<PluginOptions>();
-    CLI::App* const command = app.add_subcommand("plugin", "Takes a plug-in library through its life");
+    CLI::App* const command = app.add_subcommand("plugin", "Loads a plug-in library and unloads it");
     Explain(command,
             "Loads a plug-in library, obtains its object, releases it, unloads the library, and says "
             "which step failed.",

@@ -5,8 +5,8 @@
 
 namespace velmdiag {
 
-/// Shows how far a long command has come: one line on standard error that overwrites itself, and only if that
-/// is a terminal. The line is gone when the object is. No escape sequences: not every console interprets
+/// Shows the progress of a long command: one line on standard error that overwrites itself, if that is a
+/// terminal. The destructor clears the line. Uses no escape sequences, because not every console interprets
 /// them. Threads: one at a time.
 class Progress {
 public:

@@ -19,7 +19,7 @@ bool ReplaceInvalidUtf8(std::string& text) {
 }
 
 /// Makes all texts in a value valid UTF-8.
-/// @return whether one was not
+/// @return whether anything was replaced
 bool ReplaceInvalidUtf8(picojson::value& value) {
     bool replaced = false;
     if (value.is<std::string>()) {

@@ -12,8 +12,8 @@ namespace velmdiag {
 
 /// The results of a command, printed as aligned lines for a person or as one JSON object for a program.
 ///
-/// Values may be any bytes. Lines show what is not printable as escapes. JSON is valid UTF-8: other bytes are
-/// replaced, and the object then names the keys where that happened in the list "invalid_utf8".
+/// Values may contain any bytes. Lines show unprintable characters as escapes. JSON is always valid UTF-8:
+/// invalid bytes are replaced, and the list "invalid_utf8" in the object names the keys where that happened.
 class Report {
 public:
     /// @param key  the name in JSON; the label of the line is the same, with blanks for underscores
@@ -23,18 +23,18 @@ public:
     void Add(const std::string& key, long long number);
     /// @param unit  follows the number in the line; JSON has the number alone
     void Add(const std::string& key, double number, const char* unit = "", int decimals = 3);
-    /// A value of any shape: JSON has it whole, the line shows `text`.
+    /// A value of any type: JSON has the value, the line shows `text`.
     void Add(const std::string& key, picojson::value value, const std::string& text);
-    /// A value that is shown in lines of its own, below the label.
+    /// A value that is shown on separate lines below the label.
     void AddLines(const std::string& key, picojson::value value, std::vector<std::string> lines);
-    /// A value that is not known: "unknown", null in JSON.
+    /// A value that is not known: "unknown" in the line, null in JSON.
     void AddUnknown(const std::string& key);
 
     void Print(bool json) const;
-    /// Prints lines without colours, or JSON, to another stream than standard output.
+    /// Prints lines without colours, or JSON, to a stream other than standard output.
     void Print(bool json, std::ostream& out) const;
 
-    /// Prints reports of one kind: for a program one JSON object, with all of them in the list `key`.
+    /// Prints several reports; as JSON, they are one object with the list `key`.
     static void PrintList(const std::string& key, const std::vector<Report>& reports, bool json);
 
     struct Entry {
@@ -47,7 +47,7 @@ public:
     picojson::value Json() const;
     void PrintLines(std::ostream& out, bool colors) const;
 
-    /// Replaces every text in the values, in their JSON as in their lines.
+    /// Applies `replace` to every text in the values, both for lines and for JSON.
     void Transform(const std::function<std::string(const std::string&)>& replace);
 
 private:

@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::size_t kLongestWord = 64;
 
-/// How many letters must be inserted, removed, replaced or swapped with their neighbour: the restricted
-/// Damerau-Levenshtein distance.
+/// The restricted Damerau-Levenshtein distance: the number of letters to insert, delete, replace or swap with
+/// their neighbour.
 std::size_t DistanceOf(const std::string& from, const std::string& to) {
     std::vector<std::vector<std::size_t>> distance(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
     for (std::size_t i = 0; i <= from.size(); ++i) {

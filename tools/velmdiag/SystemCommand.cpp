@@ -99,14 +99,14 @@ int RunSystem(bool json) {
 
 void AddSystemCommand(CLI::App& app, int& exitStatus) {
     const auto json = std::make_shared<bool>(false);
-    CLI::App* const command = app.add_subcommand("system", "Shows what a support engineer asks for first");
+    CLI::App* const command = app.add_subcommand("system", "Shows what support asks for first");
     Explain(command,
             "Shows the libraries and the error codes that they registered, the executable and its "
             "resources folder, the screens, the OEM code page, this process's memory, the milliseconds "
             "since the machine started, and whether the system grants high priority and the multimedia "
             "scheduler's task \"Audio\".",
             "velmdiag system --json");
-    command->add_flag("--json", *json, "print one JSON object; sizes of memory are in MiB");
+    command->add_flag("--json", *json, "print one JSON object; memory sizes are in MiB");
     command->callback([json, &exitStatus] { exitStatus = RunSystem(*json); });
 }
 

@@ -59,7 +59,7 @@ bool IsContinuation(char byte) {
 }  // namespace
 
 std::size_t ReadUtf8(std::string_view text, char32_t& code) {
-    constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};  // by length; less is overlong
+    constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};  // by length; smaller values are overlong
     if (text.empty()) {
         return 0;
     }

@@ -8,7 +8,7 @@
 
 namespace velmdiag {
 
-/// The length in bytes of the UTF-8 character (RFC 3629) at the start of a text; 0 if there is no valid one.
+/// The length in bytes of the UTF-8 character (RFC 3629) at the start of a text; 0 if there is none.
 /// @param code  out: the character; unchanged if there is none
 std::size_t ReadUtf8(std::string_view text, char32_t& code);
 

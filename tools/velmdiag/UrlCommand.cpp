@@ -18,13 +18,13 @@ int RunUrl(const UrlOptions& options) {
     velm::UrlParser parser;
     const velm::ErrorCode result = parser.Parse(options.url.c_str());
     if (result.IsFailed()) {
-        throw Failure{options.url + ": is refused as a URL: " + Describe(result)};
+        throw Failure{options.url + ": cannot be parsed as a URL: " + Describe(result)};
     }
     picojson::object parameters;
     std::string text;
     for (const auto& [name, value] : parser.ParamMap()) {
         parameters[name] = picojson::value(value);
-        text += (text.empty() ? "" : "&") + name + "=" + value;  // neither holds one of the separators
+        text += (text.empty() ? "" : "&") + name + "=" + value;  // neither contains a separator
     }
 
     Report report;

@@ -32,7 +32,7 @@ struct WindowDestroyer {
 };
 using UniqueWindow = std::unique_ptr<std::remove_pointer_t<HWND>, WindowDestroyer>;
 
-/// A thread that makes a step of progress every few milliseconds, until it is told to end or stalls.
+/// A thread that makes progress every few milliseconds until it is stopped or stalls.
 class Worker {
 public:
     explicit Worker(unsigned int stallAfter)
@@ -68,7 +68,8 @@ private:
     velm::ThreadCaller m_thread;
 };
 
-/// Says that the worker is alive when it has made a step since the last tick, and shows or keeps each tick.
+/// Reports the worker as alive if it has made progress since the last tick. Records each tick, and
+/// shows it if wanted.
 class ProgressChecker : public velm::WatchdogChecker {
 public:
     ProgressChecker(const Worker& worker, bool show)
@@ -99,12 +100,12 @@ private:
     picojson::array m_ticks;
 };
 
-/// Runs the message loop until a quit message, whose exit code it gives, or for the duration, which gives
-/// none.
+/// Runs the message loop until a quit message or for the duration.
+/// @return the exit code of the quit message; none when the time is up
 std::optional<int> RunLoop(HWND window, unsigned int milliseconds) {
     constexpr UINT_PTR kEndTimer = 1;
     if (SetTimer(window, kEndTimer, milliseconds, nullptr) == 0) {
-        throw Failure{"the system gives no timer"};
+        throw Failure{"a timer cannot be created"};
     }
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -120,7 +121,7 @@ int RunWatch(const WatchOptions& options) {
     const UniqueWindow window(
         CreateWindowExW(0, L"STATIC", L"velmdiag watch", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
     if (window == nullptr) {
-        throw Failure{"a window cannot be made"};
+        throw Failure{"a window cannot be created"};
     }
     const Worker worker(options.stallAfter);
     ProgressChecker checker(worker, !options.json);
@@ -151,19 +152,21 @@ int RunWatch(const WatchOptions& options) {
 
 void AddWatchCommand(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<WatchOptions>();
-    CLI::App* const command = app.add_subcommand("watch", "Puts a watchdog over a worker thread");
+    CLI::App* const command = app.add_subcommand("watch", "Watches a worker thread with a watchdog");
     Explain(command,
-            "Opens a window, starts a worker thread and a watchdog that looks at its progress, and "
-            "shows each look. When the worker stalls, the watchdog ends the message loop, and the "
+            "Opens a window, starts a worker thread and a watchdog that checks its progress, and "
+            "shows each check. When the worker stalls, the watchdog ends the message loop, and the "
             "program ends with the watchdog's exit code. A DURATION is a number with ms, s, m or h, such as "
             "1.5s; seconds without a unit.",
             "velmdiag watch --for 6s --stall-after 2s");
     AddDuration(*command, "--for", options->duration, "how long to watch");
     AddDuration(*command, "--stall-after", options->stallAfter, "when the worker stalls; never if not given");
-    AddDuration(*command, "--period", options->period, "time between two looks");
-    command->add_option("--exit-code", options->exitCode, "what the watchdog ends the message loop with")
+    AddDuration(*command, "--period", options->period, "time between two checks");
+    command
+        ->add_option("--exit-code", options->exitCode,
+                     "the exit code with which the watchdog ends the message loop")
         ->capture_default_str();
-    command->add_flag("--json", options->json, "print one JSON object when the watch is over");
+    command->add_flag("--json", options->json, "print one JSON object at the end");
     command->callback([options, &exitStatus] { exitStatus = RunWatch(*options); });
 }
 

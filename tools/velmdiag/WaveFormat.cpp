@@ -12,11 +12,10 @@ constexpr std::uint16_t kExtensible = 0xFFFE;
 constexpr std::size_t kSubFormatOffset = 24;  // in the body of an extensible "fmt " chunk
 constexpr std::size_t kGuidSize = 16;
 
-/// What a sub-format has after the format tag that it begins with:
-/// {0000XXXX-0000-0010-8000-00AA00389B71}, of mmreg.h.
+/// What follows the format tag in the GUID of a sub-format: {0000XXXX-0000-0010-8000-00AA00389B71} (mmreg.h).
 constexpr unsigned char kTagGuid[] = {0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
 
-/// A format tag of mmreg.h, or of a coding that others gave a number.
+/// A format tag from mmreg.h, or one in use that mmreg.h lacks.
 struct Coding {
     std::uint16_t tag;
     const char* name;

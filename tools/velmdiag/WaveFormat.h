@@ -25,7 +25,7 @@ struct WaveFormat {
     std::vector<unsigned char> chunkBody;      ///< of the "fmt " chunk, all of it
     std::optional<std::uint32_t> factSamples;  ///< samples in each channel, as the "fact" chunk gives them
     std::uint32_t dataSize = 0;                ///< in bytes, as the "data" chunk gives it
-    bool sizeIsOpen = false;        ///< the writer did not know the size: the data ends with the file
+    bool sizeIsOpen = false;        ///< the header does not give the size: the data ends with the file
     std::vector<WaveChunk> chunks;  ///< up to the sample data
 };
 

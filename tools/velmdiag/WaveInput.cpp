@@ -28,10 +28,10 @@ struct OtherFormat {
 
 using namespace std::string_view_literals;
 constexpr OtherFormat kOtherFormats[] = {
-    {"RF64"sv, "WAVE"sv, "RF64, the WAVE of more than 4 GiB"},
-    {"BW64"sv, "WAVE"sv, "BW64, the WAVE of more than 4 GiB"},
+    {"RF64"sv, "WAVE"sv, "RF64, the WAVE variant for files over 4 GiB"},
+    {"BW64"sv, "WAVE"sv, "BW64, the WAVE variant for files over 4 GiB"},
     {"riff\x2E\x91\xCF\x11"sv, ""sv, "W64, Sony's Wave64"},
-    {"RIFX"sv, "WAVE"sv, "RIFX, the big-endian WAVE"},
+    {"RIFX"sv, "WAVE"sv, "RIFX, the big-endian WAVE variant"},
     {"FORM"sv, "AIFF"sv, "AIFF"},
     {"FORM"sv, "AIFC"sv, "AIFF-C"},
     {"RIFF"sv, "AVI "sv, "AVI"},
@@ -74,7 +74,7 @@ std::string_view TextAt(const unsigned char* bytes, std::size_t size) {
     return {reinterpret_cast<const char*>(bytes), size};
 }
 
-/// Whether a writer that does not know the size yet writes this value: all ones, or 2 GiB rounded down.
+/// Whether this is a value that writers use while they do not know the size: close to 4 GiB or to 2 GiB.
 bool IsPlaceholder(std::uint32_t size) {
     return size >= 0xFFFF0000 || (size >= 0x7FFF0000 && size <= 0x80000000);
 }
@@ -90,40 +90,40 @@ WaveInput::WaveInput(const std::string& path) : m_path(path == "-" ? "standard i
         m_source = std::move(file);
     }
     ReadHeader();
-    SettleSizes();
+    ReplaceOpenSizes();
 }
 
-/// Reads bytes of the header and keeps them. They are valid until the next call.
-const unsigned char* WaveInput::Need(unsigned long long size) {
-    constexpr unsigned long long kPiece = 64 * 1024;
+/// Reads more bytes of the header and keeps them. The result is valid until the next call.
+const unsigned char* WaveInput::ReadMoreHeader(unsigned long long size) {
+    constexpr unsigned long long kBlockSize = 64 * 1024;
     const std::size_t start = m_header.size();
     if (size > kLargestHeader - start) {
-        Refuse("more than 64 MiB stand before the sample data");
+        Refuse("more than 64 MiB precede the sample data");
     }
-    // In pieces, so that a false size in the header does not allocate memory.
+    // In blocks, so that a wrong size in the header does not allocate memory.
     while (size != 0) {
-        const unsigned long long piece = std::min(size, kPiece);
+        const unsigned long long block = std::min(size, kBlockSize);
         const std::size_t end = m_header.size();
-        m_header.resize(end + piece);
+        m_header.resize(end + block);
         unsigned long long got = 0;
-        const velm::ErrorCode result = m_source->Read(&got, m_header.data() + end, piece);
+        const velm::ErrorCode result = m_source->Read(&got, m_header.data() + end, block);
         if (result == velm::VELM_ERROR_CORE_END_OF_DATA) {
             m_header.resize(end + got);
             RefuseOtherFormats();
             Refuse("the file ends within its header (" + NameOf(result) + ')');
         }
         CheckFile(m_path, result);
-        size -= piece;
+        size -= block;
     }
     return m_header.data() + start;
 }
 
 void WaveInput::ReadHeader() {
-    Need(kRiffHeaderSize);
+    ReadMoreHeader(kRiffHeaderSize);
     RefuseOtherFormats();
     for (;;) {
         const std::uint64_t offset = m_header.size();
-        const unsigned char* const header = Need(8);
+        const unsigned char* const header = ReadMoreHeader(8);
         const WaveChunk chunk{std::string(TextAt(header, 4)), offset, Get32(header + 4)};
         m_format.chunks.push_back(chunk);
         if (chunk.tag == "data") {
@@ -140,7 +140,7 @@ void WaveInput::RefuseOtherFormats() {
     const std::string_view formType = start.substr(std::min(start.size(), kFormTypeOffset));
     for (const OtherFormat& other : kOtherFormats) {
         if (start.starts_with(other.magic) && formType.starts_with(other.formType)) {
-            Refuse(std::string("this is ") + other.name + "; only RIFF/WAVE is read");
+            Refuse(std::string("this is ") + other.name + "; only RIFF/WAVE is supported");
         }
     }
     const std::string_view riff = "RIFF";
@@ -151,14 +151,14 @@ void WaveInput::RefuseOtherFormats() {
 
 void WaveInput::ReadChunk(std::uint32_t size) {
     const WaveChunk& chunk = m_format.chunks.back();
-    const unsigned char* const body = Need(size);
+    const unsigned char* const body = ReadMoreHeader(size);
     if (chunk.tag == "fmt ") {
         m_format.chunkBody.assign(body, body + size);
         ReadFormatChunk(chunk);
     } else if (chunk.tag == "fact" && size >= 4) {
         m_format.factSamples = Get32(body);
     }
-    Need(size % 2);  // the pad byte
+    ReadMoreHeader(size % 2);  // the pad byte
 }
 
 void WaveInput::ReadFormatChunk(const WaveChunk& chunk) {
@@ -174,7 +174,7 @@ void WaveInput::ReadFormatChunk(const WaveChunk& chunk) {
 }
 
 /// Detects sizes that a writer left open and replaces them in the header with sizes that the library accepts.
-void WaveInput::SettleSizes() {
+void WaveInput::ReplaceOpenSizes() {
     const std::uint32_t riffSize = Get32(m_header.data() + kRiffSizeOffset);
     const bool riffIsOpen = riffSize == 0 || IsPlaceholder(riffSize);
     if (IsPlaceholder(m_format.dataSize) || (m_format.dataSize == 0 && riffIsOpen)) {
@@ -193,9 +193,9 @@ velm::ErrorCode WaveInput::Read(unsigned long long* readSize, void* buffer, unsi
     unsigned long long ignored = 0;
     unsigned long long& done = readSize != nullptr ? *readSize : ignored;
     auto* const out = static_cast<unsigned char*>(buffer);
-    done = std::min<unsigned long long>(size, m_header.size() - m_given);
-    std::copy_n(m_header.data() + m_given, done, out);
-    m_given += done;
+    done = std::min<unsigned long long>(size, m_header.size() - m_returned);
+    std::copy_n(m_header.data() + m_returned, done, out);
+    m_returned += done;
     if (done == size) {
         return 0;
     }

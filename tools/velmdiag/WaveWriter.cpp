@@ -3,7 +3,7 @@
 namespace velmdiag {
 namespace {
 
-constexpr std::uint32_t kOpenSize = 0xFFFFFFFF;  // what readers take for "until the file ends"
+constexpr std::uint32_t kOpenSize = 0xFFFFFFFF;  // readers take this as "until the file ends"
 
 std::string Little32(std::uint32_t value) {
     return {static_cast<char>(value), static_cast<char>(value >> 8), static_cast<char>(value >> 16),
@@ -42,7 +42,7 @@ void WaveWriter::Write(const unsigned char* data, std::size_t size) {
 void WaveWriter::Finish() {
     m_file.Write("", m_dataSize % 2);
     if (!m_file.IsStream() && (m_format.sizeIsOpen || m_dataSize != m_format.dataSize)) {
-        // Less data came than the header promised, and so fewer samples.
+        // There was less data, and so fewer samples, than the header announced.
         const auto samples = static_cast<std::uint32_t>(SamplesIn(m_format, m_dataSize).value_or(0));
         const std::string header = Header(m_dataSize, samples);
         m_file.WriteAt(0, header.data(), header.size());

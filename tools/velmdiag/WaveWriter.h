@@ -8,7 +8,7 @@
 
 namespace velmdiag {
 
-/// Writes a WAVE file of a given format. The file is in its place only after Finish.
+/// Writes a WAVE file of a given format. The file appears under its name only after Finish.
 class WaveWriter {
 public:
     /// @param path  "-" for standard output
@@ -18,7 +18,7 @@ public:
     /// Appends sample data. Throws Failure when it cannot be written.
     void Write(const unsigned char* data, std::size_t size);
 
-    /// Fills in the sizes and puts the file in its place. Throws Failure when it cannot be written.
+    /// Fills in the sizes and gives the file its name. Throws Failure when it cannot be written.
     void Finish();
 
     /// Removes the unfinished file. Threads: any; a later Write fails.

@@ -20,7 +20,7 @@ void PrintFailure(const std::string& message) {
     std::cerr << "velmdiag: " << Printable(message) << '\n';
 }
 
-/// What follows a word that the parser does not know: the one that was probably meant.
+/// The suggestion that follows an unknown word in a message; empty if no known word is close.
 std::string SuggestionFor(const std::string& word, const CLI::App& app) {
     std::vector<std::string> known;
     if (word.starts_with("--")) {
@@ -38,7 +38,7 @@ std::string SuggestionFor(const std::string& word, const CLI::App& app) {
     return meant.empty() ? "" : "; did you mean " + meant + "?";
 }
 
-/// Throws Failure when a word stands where a command of the program, or of a command, must.
+/// Throws Failure if the word in the place of a command or subcommand is not one.
 void RefuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments,
                           std::size_t at = 1) {
     const bool takesCommands = !app.get_subcommands({}).empty();
@@ -50,11 +50,10 @@ void RefuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& a
             return RefuseUnknownCommand(*command, arguments, at + 1);
         }
     }
-    throw Failure{arguments[at] + ": there is no such command" + SuggestionFor(arguments[at], app),
-                  kWrongUsage};
+    throw Failure{arguments[at] + ": no such command" + SuggestionFor(arguments[at], app), kWrongUsage};
 }
 
-/// What is wrong with a command line.
+/// The message for an invalid command line.
 std::string MessageOf(const CLI::ParseError& error, const CLI::App& app) {
     std::string message = error.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
@@ -70,9 +69,9 @@ std::string MessageOf(const CLI::ParseError& error, const CLI::App& app) {
 }
 
 int Run(std::vector<std::string> arguments) {
-    CLI::App app("Puts the velm libraries to work on real input.", "velmdiag");
+    CLI::App app("Runs the velm libraries on real input.", "velmdiag");
     app.require_subcommand(1);
-    app.allow_windows_style_options(false);  // "/" begins a path, also on Windows
+    app.allow_windows_style_options(false);  // "/" starts a path, even on Windows
     int exitStatus = 0;
     AddAdapterCommand(app, exitStatus);
     AddAudioCommand(app, exitStatus);
@@ -94,7 +93,7 @@ int Run(std::vector<std::string> arguments) {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
-            return app.exit(error);  // help or the like
+            return app.exit(error);  // --help, --version and the like
         }
         PrintFailure(MessageOf(error, app));
         std::cerr << "Run with --help for more information.\n";
@@ -118,12 +117,13 @@ int main(int argc, char** argv) {
     } catch (const std::exception& exception) {
         failed = exception.what();
     }
-    const std::string problem = FinishOutput();  // before the first message, which would flush, too
+    // Before any message: printing one flushes standard output, too.
+    const std::string problem = FinishOutput();
     if (!failed.empty()) {
         PrintFailure(failed);
     }
     if (!problem.empty()) {
-        PrintFailure("standard output cannot be written: " + problem);
+        PrintFailure("cannot write to standard output: " + problem);
         return exitStatus != 0 ? exitStatus : kOutputLost;
     }
     return exitStatus;

@@ -1,5 +1,5 @@
 /// @file
-/// What `velmdiag report` found out, before it becomes text, JSON or HTML.
+/// The results of `velmdiag report`, to be formatted as text, JSON or HTML.
 #pragma once
 
 #include <picojson.h>
@@ -16,27 +16,27 @@ struct Bar {
     std::string label;
     double value = 0;
     std::string text;  ///< the value with its unit
-    std::string edge;  ///< of a distribution: where the column ends on the axis
+    std::string edge;  ///< in a distribution: the axis label at the column's right end
 };
 
-/// A few numbers that a plot shows better than a sentence.
+/// A bar chart: rows with a limit, or the columns of a distribution.
 struct Plot {
     std::string key;
     std::string title;
     std::string caption;
     std::vector<Bar> bars;
-    double limit = 0;       ///< what no bar should exceed; 0 for a distribution, drawn as columns
+    double limit = 0;       ///< that no bar should exceed; 0 for a distribution
     std::string limitText;  ///< names the limit
 };
 
 enum class Outcome { passed, failed, notRun };
 
-/// How a family did when it was put to work.
+/// The result of a family's self-test.
 struct SelfTest {
     std::string key;
     std::string title;
     Outcome outcome = Outcome::notRun;
-    std::string finding;  ///< one sentence: what was seen, or why it failed or did not run
+    std::string finding;  ///< one sentence: the result, or why it failed or did not run
     double seconds = 0;
     Report figures;
     std::vector<Plot> plots;
@@ -48,7 +48,7 @@ struct Section {
     std::string title;
     std::vector<Report> items;
     std::string ifEmpty;
-    bool isList = true;  ///< else it is a single item
+    bool isList = true;  ///< otherwise it has a single item
 };
 
 struct Document {
@@ -60,8 +60,8 @@ struct Document {
     std::vector<SelfTest> tests;
 };
 
-/// The exit status that a document stands for: 0 when all passed, 1 when something failed or an adapter is
-/// refused, 2 when nothing failed and something could not run.
+/// The exit status of a report: 0 if all tests passed, 1 if one failed or an adapter is refused, 2 if none
+/// failed but one could not run.
 int ExitStatusOf(const Document& document);
 
 /// The same in words, such as "All 7 self-tests passed".
@@ -69,7 +69,7 @@ std::string VerdictOf(const Document& document);
 
 const char* NameOf(Outcome outcome);
 
-/// Replaces every text that comes from outside the program.
+/// Applies `replace` to every text that comes from outside the program.
 void Transform(Document& document, const std::function<std::string(const std::string&)>& replace);
 
 std::string TextOf(const Document& document, bool colors);
@@ -79,13 +79,13 @@ std::string HtmlOf(const Document& document);
 /// A whole number in groups of three digits, such as 12,345.
 std::string Grouped(unsigned long long number);
 
-/// A number with so many decimals.
+/// A number with the given number of decimals.
 std::string Fixed(double number, int decimals);
 
-/// Adds a large number, which people read in groups of three digits.
+/// Adds a large number; text has it in groups of three digits.
 void AddCount(Report& report, const std::string& key, unsigned long long number);
 
-/// Adds a time, which people read in a unit that suits it; JSON has microseconds.
+/// Adds a time; text has it in a suitable unit, JSON in microseconds.
 void AddTime(Report& report, const std::string& key, double microseconds);
 
 }  // namespace velmdiag::report

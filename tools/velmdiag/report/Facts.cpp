@@ -22,7 +22,7 @@ namespace {
 
 constexpr double kGibibyte = 1024.0 * 1024.0 * 1024.0;
 
-// Settings that change how programs behave. Never all of them: others may hold passwords.
+// Variables that change how programs run. Not the whole environment, which may contain passwords.
 constexpr const char* kVariables[] = {
     "OS",
     "PROCESSOR_ARCHITECTURE",
@@ -65,7 +65,7 @@ Section System() {
     return {"system", "System", {report}, "", false};
 }
 
-/// The clock's smallest step that was seen, and what reading it costs.
+/// The smallest step of the clock that was observed, and the cost of reading it.
 Section Clock() {
     constexpr int kReadings = 100'000;
     const auto frequency = static_cast<double>(velm::Tick::GetFrequency());

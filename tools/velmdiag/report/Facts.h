@@ -7,8 +7,8 @@
 
 namespace velmdiag::report {
 
-/// Adds what is known about system, displays, adapters, clock, libraries and settings.
-/// @param rulesPath  rules that judge the adapters; none by default
+/// Adds facts about the system, displays, adapters, clock, libraries and settings.
+/// @param rulesPath  rules to check the adapters against; none by default
 void AddFacts(Document& document, const std::optional<std::string>& rulesPath);
 
 }  // namespace velmdiag::report

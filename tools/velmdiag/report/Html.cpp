@@ -75,7 +75,7 @@ const char* MarkOf(Outcome outcome) {
     return outcome == Outcome::passed ? "\u2713 " : outcome == Outcome::failed ? "\u2717 " : "\u2013 ";
 }
 
-/// A key as people read it: "Frames lost".
+/// A key as a label, such as "Frames lost".
 std::string LabelOf(std::string key) {
     constexpr struct {
         const char* key;
@@ -109,12 +109,11 @@ public:
         }
         Figures();
         m_out << "<footer>"
-              << (m_document.redacted
-                      ? "The name of the user and the home folder are replaced by &lt;user&gt; and "
-                        "&lt;home&gt;. "
-                      : "Contains the name of the user and the home folder. ")
+              << (m_document.redacted ? "The user's name and home folder are replaced by &lt;user&gt; and "
+                                        "&lt;home&gt;. "
+                                      : "Contains the user's name and home folder. ")
               << "Made by velmdiag " << Escaped(m_document.version)
-              << "; nothing in this file comes from elsewhere.</footer>\n</main>\n</body>\n</html>\n";
+              << "; this file loads nothing from elsewhere.</footer>\n</main>\n</body>\n</html>\n";
         return m_out.str();
     }
 
@@ -134,7 +133,7 @@ private:
         m_out << "</dl>\n</header>\n";
     }
 
-    /// The first value of that key in a section; with the verdict that follows the facts of an adapter.
+    /// The value of a key in a section's first item, with the item's verdict if it has one.
     void Glance(const char* title, const std::string& sectionKey, const std::string& key) {
         std::string text = "none";
         for (const Section& section : m_document.sections) {
@@ -195,7 +194,7 @@ private:
         m_out << "</table>\n";
     }
 
-    /// Pairs in two columns, read downwards; in one when a text is long.
+    /// Pairs in two columns, or in one if a text is long.
     void Columns(std::span<const Report::Entry> entries) {
         constexpr std::size_t kLongest = 40;
         if (std::ranges::any_of(entries,
@@ -213,13 +212,13 @@ private:
     }
 
     void Facts(const Section& section) {
-        constexpr std::size_t kMostColumns = 7;
+        constexpr std::size_t kMaxColumns = 7;
         m_out << "<section>\n<h2>" << Escaped(section.title) << "</h2>\n";
         if (section.items.empty()) {
             m_out << "<p>" << Escaped(section.ifEmpty) << "</p>\n";
         } else if (!section.items.front().Entries().front().lines.empty()) {
             Lines(section.items.front().Entries().front().lines);
-        } else if (section.isList && section.items.front().Entries().size() <= kMostColumns) {
+        } else if (section.isList && section.items.front().Entries().size() <= kMaxColumns) {
             Rows(section.items);
         } else {
             for (const Report& item : section.items) {
@@ -237,7 +236,7 @@ private:
         m_out << "</pre>\n";
     }
 
-    /// Items of the same shape, one in a row.
+    /// A table of items with the same keys, one per row.
     void Rows(const std::vector<Report>& items) {
         m_out << "<table>\n<thead><tr>";
         for (const Report::Entry& entry : items.front().Entries()) {

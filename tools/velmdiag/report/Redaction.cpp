@@ -41,7 +41,7 @@ Redaction::Redaction(const velm::platform::UserIdentity& user) {
         home = Folded(home);
         home.erase(home.find_last_not_of('/') + 1);
         const std::size_t slash = home.rfind('/');
-        if (slash != std::string::npos) {  // else a root, such as "/" or "C:\"
+        if (slash != std::string::npos) {  // otherwise a root, such as "/" or "C:\"
             add(home, "<home>");
             add(home.substr(slash + 1), "<user>");
         }

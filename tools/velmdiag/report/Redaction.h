@@ -7,8 +7,8 @@
 
 namespace velmdiag::report {
 
-/// Replaces the user's name and home folder in text, so that a report can be handed on. Letters match in
-/// either case, and "/" matches "\\", as in Windows paths. A name matches as a whole word only.
+/// Replaces the user's name and home folder in text, so that a report can be shared. Matching ignores case
+/// and, as in Windows paths, the difference between "/" and "\\". A name matches only as a whole word.
 class Redaction {
 public:
     /// @param user  names and folders; empty ones and roots such as "/" are ignored
@@ -26,7 +26,7 @@ private:
     std::vector<Secret> m_secrets;  // longest first
 };
 
-/// The user whom the system and the environment name.
+/// The current user, according to the system and the environment.
 velm::platform::UserIdentity UserOfThisProcess();
 
 }  // namespace velmdiag::report

@@ -32,7 +32,7 @@ std::string PlainText(const report::Document& document) {
     return report::TextOf(document, false);
 }
 
-/// The format that a file's extension stands for, in either case.
+/// The format for a file's extension, ignoring case.
 ReportFormat FormatOf(const std::string& file) {
     const std::size_t dot = file.find_last_of("./\\");
     std::string extension = dot != std::string::npos && file[dot] == '.' ? file.substr(dot) : "";
@@ -61,7 +61,7 @@ std::string NowInUtc() {
     return text;
 }
 
-/// Shows on standard error, if that is a terminal, which self-test runs.
+/// Shows on standard error, if that is a terminal, which self-test is running.
 class Progress {
 public:
     ~Progress() { Show(""); }
@@ -96,7 +96,7 @@ report::Document MakeDocument(const ReportOptions& options) {
     return document;
 }
 
-/// What a person wants to know who has the rest in a file.
+/// Prints the verdict and what did not pass, for a report that goes to a file.
 void PrintSummary(const report::Document& document, const std::string& file) {
     Report summary;
     summary.Add("report", file);
@@ -116,7 +116,7 @@ int RunReport(const ReportOptions& options) {
     }
     std::unique_ptr<OutputFile> file;
     if (options.output) {
-        file = std::make_unique<OutputFile>(*options.output);  // before the work that it is for
+        file = std::make_unique<OutputFile>(*options.output);  // fails before the tests run, not after
     }
     const report::Document document = MakeDocument(options);
     if (file != nullptr) {
@@ -142,16 +142,16 @@ void AddReportCommand(CLI::App& app, int& exitStatus) {
         app.add_subcommand("report", "Tests every family and describes the system, for support");
     Explain(
         command,
-        "Puts every family to work, checks what comes out, and adds what support asks for: system, displays, "
-        "adapters, clock, libraries, and the settings that change how programs run. The user's name and home "
-        "folder are left out. It takes some seconds and opens a window for the device.\nEnds with 0 when all "
-        "passed, 1 when a family failed or the rules refuse an adapter, 2 when nothing failed but a family "
-        "could not run here, such as the device without Direct3D 9; the report is written in every case.",
+        "Runs a self-test of every family and adds what support asks for: system, displays, adapters, clock, "
+        "libraries, and the settings that change how programs run. The user's name and home folder are left "
+        "out. It takes some seconds and opens a window for the device.\nThe exit status is 0 if all tests "
+        "passed, 1 if one failed or the rules refuse an adapter, 2 if none failed but one could not run "
+        "here, such as the device test without Direct3D 9. The report is written in every case.",
         "velmdiag report --out report.html");
     command
         ->add_option("--out", options->output, "the file: .html, .json or .txt; standard output if not given")
         ->type_name(kFileType);
-    command->add_option("--rules", options->rules, "check the adapters by this rule file")
+    command->add_option("--rules", options->rules, "check the adapters against this rule file")
         ->type_name(kFileType);
     command->add_flag("--full", options->full, "keep the user's name and home folder");
     command->add_flag("--json", options->json,

@@ -24,7 +24,7 @@ constexpr struct Family {
     {"processes", "Threads, watchdog", TestProcesses},
 };
 
-/// A message as a sentence.
+/// A message as a sentence: with a capital letter and a full stop.
 std::string Sentence(std::string text) {
     if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') {
         text.front() = static_cast<char>(text.front() - 'a' + 'A');

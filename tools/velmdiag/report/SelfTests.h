@@ -1,5 +1,5 @@
 /// @file
-/// Puts each family to work and checks what comes out.
+/// A self-test for each family.
 #pragma once
 
 #include <functional>
@@ -10,13 +10,12 @@
 
 namespace velmdiag::report {
 
-/// Runs every self-test. A test that throws failed, or could not run if it throws Failure with kNotDone.
-/// Throws Failure when the user interrupts it.
+/// Runs every self-test. A test that throws has failed; if it throws Failure with kNotDone, it could not run.
+/// Throws Failure if the user interrupts.
 /// @param onStart  called with a test's title and its number, from 1, before it starts
 std::vector<SelfTest> RunSelfTests(const std::function<void(const std::string&, std::size_t)>& onStart);
 
-// Each fills in figures and plots and returns the finding. Throws Failure when something is not as it must
-// be.
+// Each fills in figures and plots and returns the finding. Throws Failure if the test fails or cannot run.
 
 /// Frames through the ring, from one thread to another.
 std::string TestRing(SelfTest& test);
@@ -33,10 +32,10 @@ std::string TestText(SelfTest& test);
 /// Threads that wake each other, and a watchdog over a stalled loop.
 std::string TestProcesses(SelfTest& test);
 
-/// Seconds since a reading of the clock.
+/// Seconds since the clock had this reading.
 double SecondsSince(unsigned long long tickCount);
 
-/// Throws Failure unless something is so.
+/// Throws Failure with the message `what` unless the condition holds.
 void Require(bool holds, const std::string& what);
 
 }  // namespace velmdiag::report

@@ -7,7 +7,7 @@
 namespace velmdiag::report {
 namespace {
 
-constexpr double kWidth = 474;  // of the figure on a wide page, so that text has the size of other text
+constexpr double kWidth = 474;  // of a figure on a wide page, so that its text is as large as the page's
 
 std::string TextAt(double x, double y, const char* anchor, const char* style, const std::string& text) {
     return "<text x=\"" + Fixed(x, 1) + "\" y=\"" + Fixed(y, 1) + "\" text-anchor=\"" + anchor +
@@ -49,7 +49,7 @@ std::string Columns(const Plot& plot) {
     return drawn + Line(0, kBase, kWidth, kBase);
 }
 
-/// A row for each value, in a frame as long as the limit.
+/// A bar for each value, over a track as long as the limit.
 std::string Rows(const Plot& plot) {
     constexpr double kLeft = 92;
     constexpr double kRight = 346;

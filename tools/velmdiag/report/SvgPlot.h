@@ -6,7 +6,7 @@
 
 namespace velmdiag::report {
 
-/// Text from anywhere as HTML or SVG shows it: nothing in it is markup, control or hidden.
+/// Escapes untrusted text for HTML and SVG; control characters and invisible ones become visible escapes.
 std::string Escaped(const std::string& text);
 
 /// Draws a plot as an SVG element that takes its colours from the page.

@@ -31,7 +31,7 @@ std::vector<LinkCase> LinkCases() {
     };
 }
 
-/// Whether the client would follow the link. Its parts, if read, must be the ones in it.
+/// Whether the client would follow the link. Also requires that the parts of a good link are read correctly.
 bool IsFollowed(const LinkCase& at) {
     std::string address = "https:";
     std::string title;
@@ -39,7 +39,7 @@ bool IsFollowed(const LinkCase& at) {
     const bool followed = !velm::UrlSchemeUtil::read(at.link, address, title, ticket).IsFailed();
     Require(!followed || !at.accepted ||
                 (address == "https://play.velm.example/game" && title == "Racer" && ticket == "a1.b2"),
-            std::string(at.what) + " was taken apart wrongly");
+            std::string(at.what) + " was split incorrectly");
     return followed;
 }
 
@@ -63,7 +63,7 @@ std::string TestLinks(SelfTest& test) {
     velm::UrlParser url;
     Require(!url.Parse("https://play.velm.example/a?lang=de#top").IsFailed() &&
                 url.Authority() == std::string("play.velm.example") && url.Param("lang") == std::string("de"),
-            "a URL was taken apart wrongly");
+            "a URL was split incorrectly");
     return std::to_string(good) + " good links accepted, " + std::to_string(forged) +
            " forged ones refused; the longest call took " + Fixed(longest, 1) + " ms.";
 }

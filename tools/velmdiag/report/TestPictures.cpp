@@ -19,7 +19,7 @@ struct Matrix {
     int rv, gu, gv, bu;
 };
 
-// Not constexpr: for Visual C++ the address of an imported function is no constant expression.
+// Not constexpr: for Visual C++ the address of an imported function is not a constant expression.
 const Matrix kMatrices[] = {
     {velm::Yuv420ToArgb8888_BT601, 102, 25, 52, 129},
     {velm::Yuv420ToArgb8888_BT709, 115, 14, 34, 135},
@@ -64,20 +64,20 @@ public:
                         static_cast<unsigned int>(m_pitch) * 4);
     }
 
-    /// Counts pixels that differ from the formula, and changed ones between the rows.
-    unsigned long long Faults(const Matrix& matrix) const {
-        unsigned long long faults = 0;
+    /// Counts pixels that differ from the formula, and overwritten ones between the rows.
+    unsigned long long WrongPixels(const Matrix& matrix) const {
+        unsigned long long wrong = 0;
         for (int row = 0; row < m_height; ++row) {
             const unsigned int* const pixels = m_argb.data() + row * m_pitch;
             const unsigned char* const luma = m_yuv.data() + row * m_width;
             const int chroma = row / 2 * m_chromaWidth;
             for (int x = 0; x < m_width; ++x) {
-                faults += pixels[x] != PixelOf(matrix, luma[x], m_u[chroma + x / 2], m_v[chroma + x / 2]);
+                wrong += pixels[x] != PixelOf(matrix, luma[x], m_u[chroma + x / 2], m_v[chroma + x / 2]);
             }
-            faults += static_cast<unsigned long long>(std::count_if(
+            wrong += static_cast<unsigned long long>(std::count_if(
                 pixels + m_width, pixels + m_pitch, [](unsigned int pixel) { return pixel != kUntouched; }));
         }
-        return faults;
+        return wrong;
     }
 
     unsigned long long Pixels() const { return Area(m_width, m_height); }
@@ -85,7 +85,7 @@ public:
     /// The median time of a conversion, in microseconds.
     double MedianTime() {
         std::vector<double> times(15);
-        Convert(kMatrices[1]);  // touches the memory
+        Convert(kMatrices[1]);  // maps the pages
         for (double& time : times) {
             const unsigned long long start = velm::Tick::Get().GetCount();
             Convert(kMatrices[1]);
@@ -135,23 +135,23 @@ void AddTimes(SelfTest& test) {
 
 std::string TestPictures(SelfTest& test) {
     unsigned long long pixels = 0;
-    unsigned long long faults = 0;
+    unsigned long long wrong = 0;
     for (const Size& size : {Size{1, 1}, Size{2, 2}, Size{17, 3}, Size{37, 23}, Size{130, 67}, Size{639, 361},
                              Size{1920, 1080}}) {
         Sample sample(size.width, size.height, 5);
         for (const Matrix& matrix : kMatrices) {
             sample.Convert(matrix);
-            faults += sample.Faults(matrix);
+            wrong += sample.WrongPixels(matrix);
             pixels += sample.Pixels();
         }
     }
     const std::string kernel = velm::GetYuvToArgbKernelName();
     test.figures.Add("kernel", kernel);
     AddCount(test.figures, "pixels_compared_with_the_formula", pixels);
-    test.figures.Add("pixels_that_differ", static_cast<long long>(faults));
+    test.figures.Add("pixels_that_differ", static_cast<long long>(wrong));
     AddTimes(test);
-    Require(faults == 0, Grouped(faults) + " of " + Grouped(pixels) + " pixels differ from the formula");
-    return "Kernel " + kernel + ": " + Grouped(pixels) + " pixels exactly as the formula says; 1080p in " +
+    Require(wrong == 0, Grouped(wrong) + " of " + Grouped(pixels) + " pixels differ from the formula");
+    return "Kernel " + kernel + ": " + Grouped(pixels) + " pixels match the formula exactly; 1080p in " +
            Fixed(test.plots.front().bars[2].value / 1000, 2) + " ms.";
 }
 

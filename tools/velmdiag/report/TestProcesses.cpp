@@ -15,7 +15,7 @@
 namespace velmdiag::report {
 namespace {
 
-/// Two threads that wake each other in turn.
+/// Two threads that wake each other alternately.
 class Exchange {
 public:
     static constexpr int kRounds = 2000;
@@ -51,8 +51,8 @@ private:
     velm::AutoResetSyncEventWrapper m_answer;
 };
 
-/// Is alive at its first calls, then stalls.
-struct Stalling : velm::WatchdogChecker {
+/// Reports activity for a few calls, then a stall.
+struct StallingChecker : velm::WatchdogChecker {
     static constexpr int kAliveCalls = 3;
     int calls = 0;
     bool IsActive() override { return ++calls <= kAliveCalls; }
@@ -63,10 +63,10 @@ struct SelfTestWindowCloser {
 };
 
 /// Runs the message loop until the watchdog ends it.
-/// @return the exit code of the loop; -1 when it had to be ended
-int ExitCodeOfLoop(HWND window, unsigned int giveUpAfter) {
+/// @return the exit code of the loop; -1 on timeout
+int ExitCodeOfLoop(HWND window, unsigned int timeout) {
     constexpr UINT_PTR kEndTimer = 1;
-    Require(SetTimer(window, kEndTimer, giveUpAfter, nullptr) != 0, "the system gives no timer");
+    Require(SetTimer(window, kEndTimer, timeout, nullptr) != 0, "a timer cannot be created");
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (message.hwnd == window && message.message == WM_TIMER && message.wParam == kEndTimer) {
@@ -77,15 +77,15 @@ int ExitCodeOfLoop(HWND window, unsigned int giveUpAfter) {
     return static_cast<int>(message.wParam);
 }
 
-/// @return the time the watchdog took, in milliseconds
+/// @return milliseconds until the watchdog ended the loop
 double CheckWatchdog() {
     constexpr int kExitCode = 23;
     const std::unique_ptr<std::remove_pointer_t<HWND>, SelfTestWindowCloser> window(
         CreateWindowExW(0, L"STATIC", L"velmdiag report", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
     if (window == nullptr) {
-        throw Failure{"the watchdog needs a window, and the system opens none", kNotDone};
+        throw Failure{"the watchdog needs a window, which cannot be created", kNotDone};
     }
-    Stalling checker;
+    StallingChecker checker;
     velm::Watchdog* const watchdog = velm::Watchdog::GetInstance();
     watchdog->SetElapse(50);
     watchdog->SetExitCode(kExitCode);
@@ -93,7 +93,7 @@ double CheckWatchdog() {
     Require(!watchdog->Start(window.get(), &checker).IsFailed(), "the watchdog cannot be started");
     const int exitCode = ExitCodeOfLoop(window.get(), 5000);
     watchdog->Stop();
-    Require(exitCode == kExitCode && checker.calls > Stalling::kAliveCalls,
+    Require(exitCode == kExitCode && checker.calls > StallingChecker::kAliveCalls,
             "the watchdog did not end a stalled loop");
     return SecondsSince(start) * 1000;
 }

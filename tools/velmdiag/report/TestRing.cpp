@@ -17,11 +17,11 @@ namespace {
 constexpr unsigned int kSamples = 480;  // 10 ms at 48 kHz
 constexpr unsigned int kValues = kSamples * 2;
 constexpr unsigned int kRingFrames = 8;
-constexpr double kGiveUpAfter = 10;  // seconds
+constexpr double kTimeoutSeconds = 10;
 
 using RingFrame = std::array<short, kValues>;
 
-/// What a frame begins with; the rest follows from its number.
+/// The start of a frame. The samples after it are computed from its number.
 struct Stamp {
     unsigned long long tick;
     unsigned int number;
@@ -32,24 +32,24 @@ short SampleOf(unsigned int number, std::size_t index) {
     return static_cast<short>(number * 31 + index);
 }
 
-/// Passes frames through a ring from one thread to another and notes what arrives.
-class Passage {
+/// Passes frames through a ring from one thread to another and records what arrives.
+class RingTransfer {
 public:
     /// @param pause  of the producer after each frame, in milliseconds
-    Passage(unsigned int frames, unsigned int pause) : m_frames(frames), m_pause(pause) {}
+    RingTransfer(unsigned int frames, unsigned int pause) : m_frames(frames), m_pause(pause) {}
 
     void Run() {
-        Require(!m_ring.Initialize().IsFailed(), "the ring cannot be made");
+        Require(!m_ring.Initialize().IsFailed(), "the ring cannot be created");
         const unsigned long long start = velm::Tick::Get().GetCount();
         velm::Thread producer;
         velm::Thread consumer;
-        Launch(consumer, [](void* self) { return static_cast<Passage*>(self)->Consume(); });
-        Launch(producer, [](void* self) { return static_cast<Passage*>(self)->Produce(); });
+        Launch(consumer, [](void* self) { return static_cast<RingTransfer*>(self)->Consume(); });
+        Launch(producer, [](void* self) { return static_cast<RingTransfer*>(self)->Produce(); });
         while (m_running != 0) {
             velm::Thread::Sleep(1);
-            if (SecondsSince(start) > kGiveUpAfter) {
+            if (SecondsSince(start) > kTimeoutSeconds) {
                 m_stop = true;
-                m_ring.UnlockForce();  // again each time: a thread may not have blocked yet
+                m_ring.UnlockForce();  // repeated, because a thread may not have blocked yet
             }
         }
         producer.Join(nullptr);
@@ -119,7 +119,7 @@ private:
     std::atomic<int> m_running{0};
     double m_seconds = 0;
 
-    // Each is one thread's, read after it was joined.
+    // Each is written by one thread and read after it was joined.
     unsigned int m_sent = 0;
     unsigned int m_arrived = 0;
     unsigned int m_damaged = 0;
@@ -130,7 +130,7 @@ double Percentile(const std::vector<double>& sorted, double share) {
     return sorted[static_cast<std::size_t>(share * static_cast<double>(sorted.size() - 1))];
 }
 
-/// Columns of widths that grow with the delay, in steps of 1, 2, 5.
+/// A column per range of delays; the ranges grow in steps of 1, 2, 5.
 Plot DistributionOf(const std::vector<double>& delays) {
     constexpr struct Bin {
         double end;
@@ -177,9 +177,9 @@ std::string TestRing(SelfTest& test) {
     constexpr unsigned int kFastFrames = 10'000;
     constexpr unsigned int kPacedFrames = 400;
     constexpr unsigned int kPause = 2;
-    Passage fast(kFastFrames, 0);
+    RingTransfer fast(kFastFrames, 0);
     fast.Run();
-    Passage paced(kPacedFrames, kPause);
+    RingTransfer paced(kPacedFrames, kPause);
     paced.Run();
     const unsigned int sent = fast.Sent() + paced.Sent();
     const unsigned int lost = fast.Lost() + paced.Lost();

@@ -30,14 +30,14 @@ std::string TemporaryName() {
     return {utf8.begin(), utf8.end()};
 }
 
-/// A file in the folder of temporary files, while the object lives.
+/// A temporary file, deleted by the destructor.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const std::string& text) : m_path(TemporaryName()) {
         std::ofstream file(PathOf(m_path), std::ios::binary);
         file << text << std::flush;
         if (!file) {
-            throw Failure{"the folder of temporary files cannot be written to", kNotDone};
+            throw Failure{"the folder for temporary files cannot be written to", kNotDone};
         }
     }
     ~TemporaryFile() {
@@ -59,7 +59,8 @@ int CheckIni() {
     std::string back;
     if (velm::WindowsUtil::GetOemcpStringFromUtf8String(file.Path(), path).IsFailed() ||
         velm::WindowsUtil::GetUtf8StringFromOemcpString(path, back).IsFailed() || back != file.Path()) {
-        throw Failure{"the folder of temporary files has no name in the OEM code page", kNotDone};
+        throw Failure{"the path of the folder for temporary files cannot be represented in the OEM code page",
+                      kNotDone};
     }
     velm::IniConfigReader reader;
     int port = 0;
@@ -94,7 +95,7 @@ int CheckEnvironment() {
     const auto value = Variable("VELMDIAG_SELF_TEST");
     _wputenv(L"VELMDIAG_SELF_TEST=");
     Require(value == "K\xC3\xB6ln \xE2\x82\xAC", "an environment variable was not read as set");
-    Require(!Variable("VELMDIAG_SELF_TEST"), "an environment variable is there after its removal");
+    Require(!Variable("VELMDIAG_SELF_TEST"), "an environment variable still exists after its removal");
     return 2;
 }
 

@@ -34,7 +34,8 @@ struct Characters {
 /// All characters that take one unit of UTF-16, and one in sixteen of those that take two.
 Characters MakeCharacters() {
     Characters all;
-    for (unsigned int code = 1; code <= 0x10FFFF; code += code < 0x10000 ? 1 : 16) {  // text ends at a NUL
+    // From 1: a NUL ends the text.
+    for (unsigned int code = 1; code <= 0x10FFFF; code += code < 0x10000 ? 1 : 16) {
         if (code < 0xD800 || code > 0xDFFF) {
             AppendUtf8(all.utf8, code);
             ++all.characters;
