@@ -1,5 +1,5 @@
-// The cost of checking a set of rules must be proportional to their number, so the peer is one rule checked
-// as many times.
+// The cost of checking a set of rules must be proportional to their number, so the peer is one rule, checked
+// that many times.
 #include <memory>
 #include <string>
 
@@ -54,7 +54,7 @@ void MeasureAdapterRules(Suite& suite) {
                       Check(times + " rules", rules, context, 1),
                       {{Check("checking one rule " + times + " times", 1, context, rules), 0.85}});
     }
-    suite.Grow(
+    suite.MeasureCurve(
         "Adapter rules: a check", "rules", Growth::kWithSize, {1, 10, 100, 1000, 10000},
         [&context](double rules) -> std::vector<Contender> {
             return {Check("D3d9AdapterCheckSet", static_cast<std::size_t>(rules), context, 1)};

@@ -1,4 +1,4 @@
-// Writing and reading an audio frame, against the copy and the six calls into a library that this needs.
+// Writing and reading an audio frame, against the copy and the six library calls that it takes at least.
 #include <cstring>
 
 #include "EmptyCall.h"
@@ -15,8 +15,8 @@ constexpr unsigned int kPayloadSpan = 4096;
 }  // namespace
 
 void MeasureAudioFrame(Suite& suite) {
-    // Taken from all offsets within a page in turn: at some, loads wait for stores at the same offset of
-    // another page, and which ones differs from run to run.
+    // The payloads start at changing offsets within a page: at some offsets, loads wait for stores at the
+    // same offset of another page (4K aliasing), and which offsets these are differs from run to run.
     unsigned char payloads[kPayloadSpan + kSize] = {1, 2, 3};
     const auto payload = [&payloads](unsigned int number) { return payloads + number * 64 % kPayloadSpan; };
     AudioFrame writer;

@@ -136,7 +136,7 @@ void MeasureGrowth(Suite& suite) {
         sizes.push_back(size);
     }
     constexpr unsigned int kSmallBlock = 64;
-    suite.Grow(
+    suite.MeasureCurve(
         "AudioStream: a 256-byte block through a half-full ring", "bytes of the ring", Growth::kNone, sizes,
         [&](double size) -> std::vector<Contender> {
             const auto samples = static_cast<unsigned int>(size) / kSampleSize;

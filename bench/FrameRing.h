@@ -1,5 +1,5 @@
 /// @file
-/// Our frame ring, the same ring over other semaphores, and the code that passes frames through either.
+/// Our frame ring, the same ring over other semaphores, and the code that measures them.
 #pragma once
 
 #include <algorithm>
@@ -108,12 +108,12 @@ void Pass(Ring& ring, std::size_t frames, unsigned int threads, Place place) {
 
 using SteadyClock = std::chrono::steady_clock;
 
-/// What it took to pass a number of frames from one thread to another.
-struct Turn {
+/// The cost of passing frames from one thread to another.
+struct Cost {
     double seconds = 0;  // from the start of either thread to the end of both
     double sleeps = 0;   // of both threads
 
-    Turn& operator+=(const Turn& other) {
+    Cost& operator+=(const Cost& other) {
         seconds += other.seconds;
         sleeps += other.sleeps;
         return *this;
@@ -121,10 +121,10 @@ struct Turn {
 };
 
 /// Passes frames from the calling thread to another; both start at the same time.
-/// @param place  called on either thread with its number, 0 or 1
-/// @param countSleeps  how often the calling thread has slept so far
+/// @param place  called on each thread with its number, 0 or 1
+/// @param countSleeps  returns how often the calling thread has slept so far
 template <typename Ring, typename Place, typename CountSleeps>
-Turn TakeTurn(Ring& ring, std::size_t frames, Place place, CountSleeps countSleeps) {
+Cost MeasurePass(Ring& ring, std::size_t frames, Place place, CountSleeps countSleeps) {
     SteadyClock::time_point begun[2];
     SteadyClock::time_point ended[2];
     double slept[2];
@@ -144,58 +144,58 @@ Turn TakeTurn(Ring& ring, std::size_t frames, Place place, CountSleeps countSlee
         ended[thread] = SteadyClock::now();
         slept[thread] = countSleeps() - before;
     };
-    std::thread taker(run, 1U, [&ring](short* frame) { ring.Take(frame); });
+    std::thread consumer(run, 1U, [&ring](short* frame) { ring.Take(frame); });
     run(0U, [&ring](short* frame) { ring.Push(frame); });
-    taker.join();
+    consumer.join();
     const std::chrono::duration<double> time = std::max(ended[0], ended[1]) - std::min(begun[0], begun[1]);
     return {time.count(), slept[0] + slept[1]};
 }
 
-/// A ring that takes turns with others.
-struct Passer {
+/// A ring to measure.
+struct RingContender {
     std::string name;
-    std::function<Turn(std::size_t frames)> turn;  // empty if the ring is missing
+    std::function<Cost(std::size_t frames)> pass;  // empty if the ring is missing
     double required = 0;                           // the target ratio of its time to ours
-    std::string lacks{};                           // the package that provides a missing ring
+    std::string missingPackage{};                  // the package that provides a missing ring
 };
 
 constexpr int kRuns = 3;
 
-/// Lets the rings take many short turns, interleaved: whether two threads run in step or sleep in turns may
-/// change from one turn to the next, so only a mean over many says something.
-/// @return per run and ring, what one frame took on average
-inline std::vector<std::vector<Turn>> TakeTurns(const std::vector<Passer>& rings, std::size_t frames,
-                                                bool shortly) {
-    const int turns = shortly ? 1 : 20;
-    std::vector<std::vector<Turn>> runs(shortly ? 1 : kRuns, std::vector<Turn>(rings.size()));
-    for (std::vector<Turn>& run : runs) {
-        for (int turn = 0; turn < turns; ++turn) {
+/// Measures all rings in many short passes, interleaved: whether two threads run in step or alternately sleep
+/// may change from one pass to the next, so only a mean over many passes is meaningful.
+/// @return for each run and ring, the mean cost of a frame
+inline std::vector<std::vector<Cost>> MeasureInterleaved(const std::vector<RingContender>& rings,
+                                                         std::size_t frames, bool isShort) {
+    const int passes = isShort ? 1 : 20;
+    std::vector<std::vector<Cost>> runs(isShort ? 1 : kRuns, std::vector<Cost>(rings.size()));
+    for (std::vector<Cost>& run : runs) {
+        for (int pass = 0; pass < passes; ++pass) {
             for (std::size_t i = 0; i < rings.size(); ++i) {
-                run[i] += rings[i].turn ? rings[i].turn(frames) : Turn{};
+                run[i] += rings[i].pass ? rings[i].pass(frames) : Cost{};
             }
         }
-        for (Turn& sum : run) {
-            sum.seconds /= static_cast<double>(turns) * static_cast<double>(frames);
-            sum.sleeps /= static_cast<double>(turns) * static_cast<double>(frames);
+        for (Cost& sum : run) {
+            sum.seconds /= static_cast<double>(passes) * static_cast<double>(frames);
+            sum.sleeps /= static_cast<double>(passes) * static_cast<double>(frames);
         }
     }
     return runs;
 }
 
 /// Records the ratio of the time of each ring to that of the first, which is ours.
-inline void RecordTimes(Suite& suite, const std::string& work, const std::vector<Passer>& rings,
-                        const std::vector<std::vector<Turn>>& runs) {
+inline void RecordTimes(Suite& suite, const std::string& work, const std::vector<RingContender>& rings,
+                        const std::vector<std::vector<Cost>>& runs) {
     for (std::size_t i = 1; i < rings.size(); ++i) {
         Runs ratios;
-        ratios.lacks = rings[i].lacks;
-        for (const std::vector<Turn>& run : runs) {
-            if (rings[i].turn) {
+        ratios.missingPackage = rings[i].missingPackage;
+        for (const std::vector<Cost>& run : runs) {
+            if (rings[i].pass) {
                 ratios.figures.push_back(run[i].seconds / run[0].seconds);
                 ratios.oursSeconds += run[0].seconds / static_cast<double>(runs.size());
                 ratios.peerSeconds += run[i].seconds / static_cast<double>(runs.size());
             }
         }
-        suite.Repeated("AudioFrameStream", work, rings[i].name, ratios, Sense::kLeast, rings[i].required);
+        suite.RecordRuns("AudioFrameStream", work, rings[i].name, ratios, Bound::kAtLeast, rings[i].required);
     }
 }
 

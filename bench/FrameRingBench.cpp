@@ -109,7 +109,7 @@ Contender Through(std::string name, unsigned int threads, unsigned int cores, st
 }
 
 template <typename Ring>
-Passer MakePasser(std::string name, unsigned int cores, double required = 0) {
+RingContender MakeRingContender(std::string name, unsigned int cores, double required = 0) {
     const auto ring = std::make_shared<Ring>();
     const auto countSleeps = [] {
         rusage usage{};
@@ -117,52 +117,53 @@ Passer MakePasser(std::string name, unsigned int cores, double required = 0) {
         return static_cast<double>(usage.ru_nvcsw);
     };
     return {.name = std::move(name),
-            .turn =
+            .pass =
                 [=](std::size_t frames) {
                     const Placement placement(cores);
-                    return TakeTurn(
+                    return MeasurePass(
                         *ring, frames, [&](unsigned int thread) { placement.Place(thread); }, countSleeps);
                 },
             .required = required};
 }
 
-/// Records the share of frames that pass while neither thread sleeps. A sleep counts for as many frames as
-/// the ring holds.
-void RecordSteps(Suite& suite, const std::vector<Passer>& rings, const std::vector<std::vector<Turn>>& runs) {
+/// Records the share of frames that pass while neither thread sleeps. Each sleep counts as many frames as the
+/// ring holds.
+void RecordSteps(Suite& suite, const std::vector<RingContender>& rings,
+                 const std::vector<std::vector<Cost>>& runs) {
     for (std::size_t i = 0; i < rings.size(); ++i) {
         Runs shares;
-        shares.lacks = rings[i].lacks;
-        for (const std::vector<Turn>& run : runs) {
-            if (rings[i].turn) {
+        shares.missingPackage = rings[i].missingPackage;
+        for (const std::vector<Cost>& run : runs) {
+            if (rings[i].pass) {
                 shares.figures.push_back(100 * std::max(0.0, 1 - kFrames * run[i].sleeps));
             }
         }
-        suite.Repeated("AudioFrameStream", "the same: frames passed in step", i == 0 ? "" : rings[i].name,
-                       shares, Sense::kLeast, i == 0 ? 90 : 0, "%");
+        suite.RecordRuns("AudioFrameStream", "the same: frames passed in step", i == 0 ? "" : rings[i].name,
+                         shares, Bound::kAtLeast, i == 0 ? 90 : 0, "%");
     }
 }
 
-void MeasureTurns(Suite& suite) {
+void MeasureThroughput(Suite& suite) {
     const std::size_t frames = suite.IsShort() ? 50 : 2000;
     const char* const kQueue = "moodycamel::BlockingReaderWriterCircularBuffer";
-    std::vector<Passer> rings{MakePasser<OurRing>("AudioFrameStream", 2),
-                              MakePasser<RingOver<MutexSemaphore>>(kSemaphores, 2, 5.0),
+    std::vector<RingContender> rings{MakeRingContender<OurRing>("AudioFrameStream", 2),
+                                     MakeRingContender<RingOver<MutexSemaphore>>(kSemaphores, 2, 5.0),
 #ifdef VELM_BENCH_READERWRITERQUEUE
-                              MakePasser<CircularBuffer>(kQueue, 2, 3.0)};
+                                     MakeRingContender<CircularBuffer>(kQueue, 2, 3.0)};
 #else
-                              {kQueue, nullptr, 3.0, "libreaderwriterqueue-dev"}};
+                                     {kQueue, nullptr, 3.0, "libreaderwriterqueue-dev"}};
 #endif
-    auto runs = TakeTurns(rings, frames, suite.IsShort());
+    auto runs = MeasureInterleaved(rings, frames, suite.IsShort());
     RecordTimes(suite, "frames of 1920 bytes, 4 slots, two threads on two cores", rings, runs);
     RecordSteps(suite, rings, runs);
 
-    rings = {MakePasser<OurRing>("AudioFrameStream", 1),
-             MakePasser<RingOver<MutexSemaphore>>(kSemaphores, 1, 0.95)};
-    runs = TakeTurns(rings, frames, suite.IsShort());
+    rings = {MakeRingContender<OurRing>("AudioFrameStream", 1),
+             MakeRingContender<RingOver<MutexSemaphore>>(kSemaphores, 1, 0.95)};
+    runs = MeasureInterleaved(rings, frames, suite.IsShort());
     RecordTimes(suite, "the same on one core", rings, runs);
 }
 
-/// Both ends of a ring through which frames pass at a fixed rate.
+/// The two ends of a ring, for passing frames at a fixed rate.
 struct Ends {
     std::function<void(short*)> push;
     std::function<void(short*)> take;
@@ -206,19 +207,19 @@ std::vector<double> TakeAndTime(const Ends& ring, std::size_t frames) {
     return delays;
 }
 
-struct Pace {
+struct RateResult {
     double processorSeconds = 0;  // of both threads, per frame
     double median = 0;            // seconds from push to take
     double percentile99 = 0;
 };
 
-/// Passes frames through all rings at once, whose frames are evenly spread over each period: so whatever else
-/// the machine does affects the rings alike.
-std::vector<Pace> PassAtRate(const std::vector<Ends>& rings, long perSecond, std::size_t frames) {
+/// Passes frames through all rings at the same time. The rings' frames are evenly spread over each period, so
+/// that other load on the machine affects all rings alike.
+std::vector<RateResult> PassAtRate(const std::vector<Ends>& rings, long perSecond, std::size_t frames) {
     const std::chrono::nanoseconds period(1'000'000'000 / perSecond);
     SteadyClock::time_point first = SteadyClock::now() + std::chrono::milliseconds(10);
     std::vector<std::atomic<double>> processor(rings.size());
-    std::vector<Pace> paces(rings.size());
+    std::vector<RateResult> results(rings.size());
     std::vector<std::thread> threads;
     for (std::size_t ring = 0; ring < rings.size(); ++ring) {
         threads.emplace_back([&, ring, first] {
@@ -228,55 +229,55 @@ std::vector<Pace> PassAtRate(const std::vector<Ends>& rings, long perSecond, std
         threads.emplace_back([&, ring] {
             const std::vector<double> delays = TakeAndTime(rings[ring], frames);
             processor[ring] += ProcessorSeconds();
-            paces[ring].median = delays[frames / 2];
-            paces[ring].percentile99 = delays[frames * 99 / 100];
+            results[ring].median = delays[frames / 2];
+            results[ring].percentile99 = delays[frames * 99 / 100];
         });
         first += period / static_cast<long>(rings.size());
     }
     for (std::size_t ring = 0; ring < rings.size(); ++ring) {
         threads[2 * ring].join();
         threads[2 * ring + 1].join();
-        paces[ring].processorSeconds = processor[ring] / static_cast<double>(frames);
+        results[ring].processorSeconds = processor[ring] / static_cast<double>(frames);
     }
-    return paces;
+    return results;
 }
 
-/// What the rings cost when the threads wait most of the time.
+/// Measures the rings while their threads wait most of the time.
 void MeasureAtRate(Suite& suite, long perSecond, std::size_t frames) {
     const struct {
         const char* name;
-        double Pace::*figure;
+        double RateResult::*figure;
         double required;
-    } rows[] = {{"processor time of both threads", &Pace::processorSeconds, 1.2},
-                {"delay from push to take, median", &Pace::median, 0},
-                {"delay from push to take, 99th percentile", &Pace::percentile99, 1.0}};
+    } rows[] = {{"processor time of both threads", &RateResult::processorSeconds, 1.2},
+                {"delay from push to take, median", &RateResult::median, 0},
+                {"delay from push to take, 99th percentile", &RateResult::percentile99, 1.0}};
     Runs ratios[std::size(rows)];
     const int runs = suite.IsShort() ? 1 : kRuns;
     for (int run = 0; run < runs; ++run) {
-        const std::vector<Pace> paces =
+        const std::vector<RateResult> results =
             PassAtRate({MakeEnds<OurRing>(), MakeEnds<RingOver<MutexSemaphore>>()}, perSecond,
                        suite.IsShort() ? 5 : frames);
         for (std::size_t i = 0; i < std::size(rows); ++i) {
-            const double ours = paces[0].*rows[i].figure;
-            const double theirs = paces[1].*rows[i].figure;
+            const double ours = results[0].*rows[i].figure;
+            const double theirs = results[1].*rows[i].figure;
             ratios[i].figures.push_back(ours / theirs);
             ratios[i].oursSeconds += ours / runs;
             ratios[i].peerSeconds += theirs / runs;
         }
     }
     for (std::size_t i = 0; i < std::size(rows); ++i) {
-        suite.Repeated("AudioFrameStream", std::to_string(perSecond) + " frames a second: " + rows[i].name,
-                       kSemaphores, ratios[i], Sense::kMost, rows[i].required, "times");
+        suite.RecordRuns("AudioFrameStream", std::to_string(perSecond) + " frames a second: " + rows[i].name,
+                         kSemaphores, ratios[i], Bound::kAtMost, rows[i].required, "times");
     }
 }
 
 }  // namespace
 
 void MeasureFrameRing(Suite& suite) {
-    MeasureTurns(suite);
+    MeasureThroughput(suite);
     MeasureAtRate(suite, 100, 500);
     MeasureAtRate(suite, 1000, 2000);
-    suite.Grow(
+    suite.MeasureCurve(
         "AudioFrameStream: a frame between threads", "threads", Growth::kNone, {1, 2, 4, 6, 8},
         [&](double size) -> std::vector<Contender> {
             const auto threads = static_cast<unsigned int>(size);

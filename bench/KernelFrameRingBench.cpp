@@ -25,12 +25,12 @@ private:
 };
 
 template <typename Ring>
-Passer MakePasser(std::string name, double required = 0) {
+RingContender MakeRingContender(std::string name, double required = 0) {
     const auto ring = std::make_shared<Ring>();
     return {.name = std::move(name),
-            .turn =
+            .pass =
                 [ring](std::size_t frames) {
-                    return TakeTurn(
+                    return MeasurePass(
                         *ring, frames, [](unsigned int) {}, [] { return 0; });
                 },
             .required = required};
@@ -39,9 +39,10 @@ Passer MakePasser(std::string name, double required = 0) {
 }  // namespace
 
 void MeasureFrameRing(Suite& suite) {
-    const std::vector<Passer> rings{MakePasser<OurRing>("AudioFrameStream"),
-                                    MakePasser<RingOver<KernelSemaphore>>("three kernel semaphores", 10.0)};
-    const auto runs = TakeTurns(rings, suite.IsShort() ? 20 : 500, suite.IsShort());
+    const std::vector<RingContender> rings{
+        MakeRingContender<OurRing>("AudioFrameStream"),
+        MakeRingContender<RingOver<KernelSemaphore>>("three kernel semaphores", 10.0)};
+    const auto runs = MeasureInterleaved(rings, suite.IsShort() ? 20 : 500, suite.IsShort());
     RecordTimes(suite, "frames of 1920 bytes, 4 slots, two threads, Windows", rings, runs);
 }
 

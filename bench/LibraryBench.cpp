@@ -63,7 +63,8 @@ void MeasureLoading(Suite& suite) {
 
 void MeasureLibraries(Suite& suite) {
     const auto bytes = fs::file_size(Folder() / L"VelmCore.dll") + fs::file_size(Folder() / L"VelmUtil.dll");
-    suite.Limit("Libraries", "size of both, stripped", "", static_cast<double>(bytes) / 1000, 700, "KB");
+    suite.RecordFigure("Libraries", "size of both, stripped", "", static_cast<double>(bytes) / 1000, 700,
+                       "KB");
     MeasureLoading(suite);
 }
 

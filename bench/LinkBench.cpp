@@ -68,7 +68,7 @@ void MeasureLinks(Suite& suite) {
     });
     suite.Compare("UrlSchemeUtil", "read, one valid and one invalid link",
                   Repeat("UrlSchemeUtil::read", ReadBoth), {{expressions, 3.0}});
-    suite.Grow(
+    suite.MeasureCurve(
         "UrlSchemeUtil: read", "bytes of the link", Growth::kWithSize, {50, 100, 1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> { return {ReadLong(static_cast<std::size_t>(size))}; },
         1e3);

@@ -12,9 +12,9 @@ int Usage() {
         stderr,
         "usage: velm_bench [--rounds N] [--family NAME] [--json FILE] [--short]\n"
         "Measures the libraries against their peers, interleaved; each figure is the median of all rounds.\n"
-        "Fails if a row misses what is required of it, and names the row.\n"
-        "--short runs every case once on a small amount of work; its figures mean nothing, so it\n"
-        "requires none.\n"
+        "Fails if a row misses its target, and names the row.\n"
+        "--short runs every case once on a small amount of work; its figures mean nothing, so\n"
+        "targets do not apply.\n"
         "Families:");
     for (const Family& family : GetFamilies()) {
         std::fprintf(stderr, " %s", family.name);
@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
         const std::string_view argument = argv[i];
         const char* const value = i + 1 < argc ? argv[i + 1] : nullptr;
         if (argument == "--short") {
-            options.shortly = true;
+            options.isShort = true;
             options.rounds = 1;
             options.roundSeconds = 1e-6;
         } else if (argument == "--rounds" && value != nullptr && std::atoi(value) > 0) {

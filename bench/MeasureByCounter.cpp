@@ -1,4 +1,4 @@
-// Does with the performance counter what Google Benchmark does on Linux: Debian has no Google Benchmark for
+// Does what Google Benchmark does on Linux, with the performance counter: Debian has no Google Benchmark for
 // Windows.
 #include <windows.h>
 

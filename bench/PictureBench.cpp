@@ -34,7 +34,8 @@ struct Size {
 
 constexpr Size kSizes[] = {{640, 360}, {1280, 720}, {1920, 1080}, {3840, 2160}};
 
-// Where memory is the limit, no kernel is 1.5 times as fast as libyuv; elsewhere, none comes near memory.
+// Where memory is the bottleneck, no kernel is 1.5 times as fast as libyuv; elsewhere, none comes close to
+// the limit set by memory.
 constexpr double kOverLibyuv = 1.5;
 constexpr double kShareOfLimit = 0.85;
 
@@ -116,7 +117,7 @@ Contender Ours(const SharedFrame& frame) {
 
 enum class Level { kSsse3, kAvx2, kBest };
 
-/// libyuv limited to one of its paths; the path is chosen before the timing starts.
+/// libyuv limited to one of its code paths, which is selected before the timing starts.
 Peer Libyuv(const SharedFrame& frame, Level level, double required) {
     const std::string name = level == Level::kBest   ? "libyuv"
                              : level == Level::kAvx2 ? "libyuv, AVX2"
@@ -165,13 +166,13 @@ Peer LoadStoreLimit(const SharedFrame& frame) {
     return LimitOf(Repeat(kLimitName, [frame] { frame->ConvertBy(kLoadAndStore); }));
 }
 
-/// The exported conversion against others, against our other kernels and against memory.
+/// The exported conversion against other libraries, our other kernels and the limit set by memory.
 void MeasureConversion(Suite& suite, const SharedFrame& frame) {
     std::vector<Peer> peers{Libyuv(frame, Level::kBest, 1.0), Swscale(frame), LoadStoreLimit(frame)};
     for (const yuv::Kernel& kernel : yuv::GetKernels()) {
         const bool canRun = yuv::FindKernel(kernel.name) != nullptr;
         if (canRun && &kernel != &yuv::BestKernel() && std::string_view(kernel.name) != "scalar") {
-            // A kernel that is faster than the one chosen means that the choice is wrong.
+            // If another kernel is faster than the one chosen, the choice is wrong.
             peers.push_back(
                 {Repeat(std::string("kernel ") + kernel.name, [frame, &kernel] { frame->ConvertBy(kernel); }),
                  0.93});
@@ -183,7 +184,7 @@ void MeasureConversion(Suite& suite, const SharedFrame& frame) {
 }
 
 /// Every kernel that this processor can run, against libyuv's AVX2 path; the SSE2 one also against its SSSE3
-/// path. While computing is the limit, a kernel must not be slower than libyuv's path for the same
+/// path. Where computation is the bottleneck, a kernel must not be slower than libyuv's path for the same
 /// instructions.
 void MeasureKernels(Suite& suite, const SharedFrame& frame) {
     for (const char* const name : {"sse2", "avx2", "avx512bw", "avx512vbmi"}) {
@@ -218,7 +219,7 @@ void MeasurePictures(Suite& suite) {
         MeasureConversion(suite, frame);
         MeasureKernels(suite, frame);
     }
-    suite.Grow(
+    suite.MeasureCurve(
         "Pictures: a conversion", "pixels", Growth::kWithSize,
         PixelsOf({160, 320, 640, 1280, 1920, 2560, 3840, 5120, 7680}),
         [](double pixels) -> std::vector<Contender> {

@@ -31,9 +31,9 @@ void Print(const picojson::object& row) {
 }
 
 /// "at least 0.85, measured 0.681"
-std::string Figures(const char* sense, double required, double measured) {
+std::string Figures(const char* bound, double required, double measured) {
     char text[64];
-    std::snprintf(text, sizeof text, "%s %.3g, measured %.3g", sense, required, measured);
+    std::snprintf(text, sizeof text, "%s %.3g, measured %.3g", bound, required, measured);
     return text;
 }
 
@@ -46,7 +46,7 @@ double MedianOf(std::vector<double> values) {
 }
 
 void Suite::Require(const std::string& row, bool holds) {
-    if (!holds && !m_options.shortly) {
+    if (!holds && !m_options.isShort) {
         m_missed.push_back(row);
         m_failed = true;
     }
@@ -67,7 +67,7 @@ void Suite::RequireOneOf(const std::string& row, const Ratios& measured, const R
 
 void Suite::PrintMissed() const {
     for (const std::string& row : m_missed) {
-        std::fprintf(stderr, "velm_bench: misses what is required: %s\n", row.c_str());
+        std::fprintf(stderr, "velm_bench: target missed: %s\n", row.c_str());
     }
 }
 
@@ -101,8 +101,8 @@ void Suite::Record(const std::string& family, const std::string& work, double ou
     row["work"] = picojson::value(work);
     row["peer"] = picojson::value(name);
     row["limit"] = picojson::value(peer.isLimit);
-    if (!peer.lacks.empty()) {
-        row["missing"] = picojson::value(peer.lacks);
+    if (!peer.missingPackage.empty()) {
+        row["missing"] = picojson::value(peer.missingPackage);
     } else {
         const double figure = peerSeconds / ourSeconds;
         row["figure"] = picojson::value(figure);
@@ -114,8 +114,8 @@ void Suite::Record(const std::string& family, const std::string& work, double ou
     Add(row);
 }
 
-void Suite::Limit(const std::string& family, const std::string& work, const std::string& against,
-                  double figure, double most, const std::string& unit) {
+void Suite::RecordFigure(const std::string& family, const std::string& work, const std::string& against,
+                         double figure, double most, const std::string& unit) {
     picojson::object row;
     row["family"] = picojson::value(family);
     row["work"] = picojson::value(work);
@@ -133,19 +133,19 @@ void Suite::Add(const picojson::object& row) {
     m_rows.emplace_back(row);
 }
 
-void Suite::Repeated(const std::string& family, const std::string& work, const std::string& against,
-                     const Runs& runs, Sense sense, double required, const std::string& unit) {
+void Suite::RecordRuns(const std::string& family, const std::string& work, const std::string& against,
+                       const Runs& runs, Bound bound, double required, const std::string& unit) {
     picojson::object row;
     row["family"] = picojson::value(family);
     row["work"] = picojson::value(work);
     row["peer"] = picojson::value(against);
     row["required"] = picojson::value(required);
-    row["sense"] = picojson::value(sense == Sense::kMost ? "most" : "least");
+    row["sense"] = picojson::value(bound == Bound::kAtMost ? "most" : "least");
     if (runs.figures.empty()) {
-        row["missing"] = picojson::value(runs.lacks);
+        row["missing"] = picojson::value(runs.missingPackage);
     } else {
         const auto [least, most] = std::ranges::minmax(runs.figures);
-        row["figure"] = picojson::value(sense == Sense::kMost ? most : least);
+        row["figure"] = picojson::value(bound == Bound::kAtMost ? most : least);
         row["runs"] = picojson::value(picojson::array(runs.figures.begin(), runs.figures.end()));
     }
     if (!unit.empty()) {
@@ -160,9 +160,10 @@ void Suite::Repeated(const std::string& family, const std::string& work, const s
     m_rows.emplace_back(row);
 }
 
-void Suite::Grow(const std::string& curve, const std::string& unit, Growth growth,
-                 const std::vector<double>& sizes,
-                 const std::function<std::vector<Contender>(double size)>& make, double enough, Clock clock) {
+void Suite::MeasureCurve(const std::string& curve, const std::string& unit, Growth growth,
+                         const std::vector<double>& sizes,
+                         const std::function<std::vector<Contender>(double size)>& make, double enough,
+                         Clock clock) {
     Options options = m_options;
     options.rounds = std::min(options.rounds, kGrowthRounds);
     picojson::object series;
@@ -178,7 +179,7 @@ void Suite::Grow(const std::string& curve, const std::string& unit, Growth growt
             points.get<picojson::array>().emplace_back(
                 picojson::array{picojson::value(size), picojson::value(seconds[i] * kNanoseconds)});
         }
-        if (m_options.shortly && size >= enough) {
+        if (m_options.isShort && size >= enough) {
             break;
         }
     }
@@ -191,7 +192,7 @@ void Suite::Grow(const std::string& curve, const std::string& unit, Growth growt
 
 void Suite::RequireGrowth(const std::string& curve, const std::string& series, double from, double to,
                           double most) {
-    if (m_options.shortly) {
+    if (m_options.isShort) {
         return;
     }
     const auto costAt = [&](double size) {

@@ -51,7 +51,7 @@ std::string DenseName(unsigned int number) {
     return name;
 }
 
-/// A URL of about `size` bytes that is all parameters, of 8 bytes each.
+/// A URL of about `size` bytes that consists of parameters of 8 bytes each.
 std::string MakeDenseUrl(std::size_t size) {
     std::string url = "?";
     for (unsigned int i = 0; url.size() < size; ++i) {
@@ -158,7 +158,7 @@ void MeasureManyParameters(Suite& suite) {
     suite.Compare("UrlParser", "Parse, 125,000 parameters in 1 MB", Ours(url),
                   {Uriparser(url, 0), MapOfSorted(count)});
     const std::string curve = "UrlParser: Parse, a parameter in 8 bytes";
-    suite.Grow(
+    suite.MeasureCurve(
         curve, "bytes of the URL", Growth::kWithSize, {1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> {
             const std::string grown = MakeDenseUrl(static_cast<std::size_t>(size));
@@ -185,7 +185,7 @@ void MeasureUrls(Suite& suite) {
     }
     MeasureManyParameters(suite);
     const std::string curve = "UrlParser: Parse";
-    suite.Grow(
+    suite.MeasureCurve(
         curve, "bytes of the URL", Growth::kWithSize, {10, 100, 1e3, 1e4, 1e5, 1e6},
         [](double size) -> std::vector<Contender> {
             const std::string url = MakeUrl(static_cast<std::size_t>(size));

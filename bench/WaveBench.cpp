@@ -94,7 +94,7 @@ Peer Sndfile(const std::shared_ptr<WaveFile>& file, double required) {
 #endif
 }
 
-/// The kernel's share: read() into a buffer of 64 KB.
+/// The operating system's part of the work: read() into a buffer of 64 KB.
 Peer ReadAlone(const std::shared_ptr<WaveFile>& file) {
     return LimitOf(Repeat("read() alone, 64 KB at a time",
                           [file] {
@@ -158,7 +158,7 @@ void MeasureWave(Suite& suite) {
     for (double size = 1 << 10; size <= 1 << 30; size *= 4) {
         sizes.push_back(size);
     }
-    suite.Grow(
+    suite.MeasureCurve(
         "WaveFileReadHelper: a file read in blocks of 1920 bytes", "bytes of the file", Growth::kWithSize,
         sizes,
         [](double size) -> std::vector<Contender> {
