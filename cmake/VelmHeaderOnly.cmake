@@ -1,8 +1,8 @@
 # velm_header_only(<target> <header> [<folder>]): an imported target for a header-only library installed on the system.
 #
-# A cross compiler must not search /usr/include, which would hide its own C library. So what is needed, the header or the
-# top folder of its path, is copied into the build tree, and only that is searched. Sources may include the header from
-# <folder>, whether the system has it there (Debian) or at the top (vcpkg).
+# A cross compiler must not search /usr/include, which would hide its own C library. So the header, or the top
+# folder of its path, is copied into the build tree, and only the copy is searched. With <folder>, sources include
+# <folder>/<header>, whether the system has it there (Debian) or without the folder (vcpkg).
 function(velm_header_only target header)
     find_path(${target}_HEADER_DIR ${header} REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include
         PATH_SUFFIXES ${target} ${ARGN})

@@ -16,7 +16,7 @@ endif()
 
 if(MSVC)
     install(FILES $<TARGET_PDB_FILE:VelmCore> $<TARGET_PDB_FILE:VelmUtil> DESTINATION ${CMAKE_INSTALL_BINDIR}
-        OPTIONAL) # a build without debug information has none
+        OPTIONAL) # absent from a build without debug information
 endif()
 
 # picojson is installed too, because the library and its callers must be built with the same version.
@@ -32,7 +32,7 @@ write_basic_package_version_file(VelmUtilConfigVersion.cmake COMPATIBILITY SameM
 install(FILES ${PROJECT_BINARY_DIR}/VelmUtilConfig.cmake ${PROJECT_BINARY_DIR}/VelmUtilConfigVersion.cmake
     DESTINATION ${package_dir})
 
-# The guides with what they link to, in the folders in which they expect each other.
+# The guides and the files they link to, in the folders that their relative links expect.
 install(FILES README.md SECURITY.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
     PATTERN Doxyfile EXCLUDE PATTERN site.css EXCLUDE)

@@ -3,7 +3,7 @@
 add_library(velm_build_flags INTERFACE)
 target_compile_features(velm_build_flags INTERFACE cxx_std_20)
 
-# What clang-cl wants in front of an option of clang.
+# The prefix that clang-cl requires for clang's own options.
 set(VELM_CLANG_CL "")
 if(MSVC AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     set(VELM_CLANG_CL /clang:)
@@ -13,7 +13,7 @@ if(MSVC)
     target_compile_options(velm_build_flags INTERFACE /W4 /permissive- /utf-8 /EHsc)
     # C4251: exported classes have standard containers as private members; both sides share one runtime.
     target_compile_options(velm_build_flags INTERFACE /wd4251)
-    # C4996, for std::fopen and _vsnprintf: their "secure" variants are in no other runtime.
+    # C4996, for std::fopen and _vsnprintf: only Microsoft's runtime has the "secure" variants.
     target_compile_definitions(velm_build_flags INTERFACE _CRT_SECURE_NO_WARNINGS)
     if(VELM_WARNINGS_AS_ERRORS)
         target_compile_options(velm_build_flags INTERFACE /WX)
@@ -35,7 +35,7 @@ endif()
 if(MINGW)
     # Link the runtime statically, so that the libraries import only each other and Windows.
     target_link_options(velm_build_flags INTERFACE -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
-    # The fake devices of the tests: their interfaces are declared "nothrow".
+    # For the tests' fake devices, whose interfaces are declared "nothrow".
     target_compile_options(velm_build_flags INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wno-microsoft-exception-spec>)
 endif()
 
@@ -45,8 +45,8 @@ if(VELM_SANITIZE)
     add_link_options(-fsanitize=${VELM_SANITIZE})
 endif()
 
-# velm_quick_to_compile(<target>): for programs that are compiled more often than run, such as tests: compiles their
-# sources as one unit, with little optimisation; clang takes half the time without any when it adds sanitizers.
+# velm_quick_to_compile(<target>): compiles the sources as one unit with little optimisation, for programs that are
+# compiled more often than run, such as tests. For clang with sanitizers, no optimisation at all halves the time.
 function(velm_quick_to_compile target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0 LINK_DEPENDS_NO_SHARED ON)
     if(NOT MSVC)
@@ -77,7 +77,7 @@ function(velm_version_resource target description)
         COMPILE_DEFINITIONS $<$<CONFIG:Debug>:VELM_DEBUG>)
 endfunction()
 
-# velm_unloadable(<target>): makes a library leave nothing behind in the process when it is unloaded.
+# velm_unloadable(<target>): makes a library free its C++ runtime's memory when it is unloaded.
 function(velm_unloadable target)
     if(MINGW)
         target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/EmergencyPool.cpp)
@@ -92,7 +92,7 @@ function(velm_silent target)
     endif()
 endfunction()
 
-# velm_without_thread_library(<target>): a library that can throw without allocating and needs no thread notifications.
+# velm_without_thread_library(<target>): lets a library throw without allocating, and work without thread notifications.
 function(velm_without_thread_library target)
     if(MINGW)
         target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/mingw/ThrowState.cpp)

@@ -23,7 +23,7 @@ inline std::string TextOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// A file of this process's own.
+/// A temporary file, with a name that is unique to this process.
 inline velm::test::TemporaryFile FileOf(const std::string& content) {
     static const std::string path =
         (std::filesystem::temp_directory_path() / ("fuzz-" + std::to_string(std::random_device()())))

@@ -1,5 +1,5 @@
-// Pictures of any geometry through every kernel that this processor can run: each produces the pixels of the
-// scalar kernel and touches no byte before, after or between the rows.
+// Pictures of any geometry through every kernel that this processor can run: each kernel produces the same
+// pixels as the scalar one and touches no byte before, after or between the rows.
 #include "Fuzz.h"
 #include "GuardedPicture.h"
 

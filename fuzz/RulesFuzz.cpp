@@ -1,5 +1,5 @@
-// Reads the input as rules about adapters. Every accepted rule must be checkable, and a set must pass exactly
-// if each of its rules does; an error must be within the text.
+// Reads the input as rules about adapters. Every accepted rule must be checkable, and a set must pass if and
+// only if each of its rules does. The position of an error must be within the text.
 #include <algorithm>
 
 #include "Fuzz.h"

@@ -11,7 +11,8 @@ namespace {
 std::atomic<int> g_allocated{0};
 std::atomic<int> g_released{0};
 
-/// The object that the plug-in provides. Both sides know this class; a real plug-in would share an interface.
+/// The object that the plug-in provides. Here, host and plug-in share the class; a real plug-in would share
+/// an interface.
 struct Greeter {
     int answer = 42;
 };

@@ -1,5 +1,5 @@
 /// @file
-/// A plug-in whose AllocateClass never provides an object.
+/// A plug-in whose AllocateClass returns no object.
 #include "PluginExport.h"
 
 VELM_PLUGIN_EXPORT void AllocateClass(void** object) {

@@ -1,7 +1,7 @@
 /// @file
 /// Hooks of the delay-load helper. Delay-loaded DLLs come from the system folder only: a DLL of the same name
 /// in the program's folder or the current one is never loaded. If the DLL or a function in it is missing,
-/// calls to it return 0 and set the last error; without the hooks the helper would end the process.
+/// calls return 0 and set the last error. Without the hooks, the helper would end the process.
 #include <windows.h>
 #include <delayimp.h>
 
@@ -17,7 +17,7 @@ FARPROC WINAPI OnDelayLoad(unsigned int event, DelayLoadInfo* info) {
         case dliNotePreLoadLibrary: {
             const HMODULE found = LoadLibraryExA(info->szDll, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
             // If this returned null, the helper would search the other folders. Any module that stays loaded
-            // will do instead: looking the function up in it fails.
+            // will do, because it does not have the function.
             return reinterpret_cast<FARPROC>(found != nullptr ? found : GetModuleHandleW(L"kernel32"));
         }
         case dliFailGetProc:

@@ -1,6 +1,6 @@
 /// @file
 /// Calls a library's DllMain when the library is loaded and unloaded. Compiled into every library that has
-/// one, as its last source, so that the library's static initializers have run by then.
+/// one, as its last source, so that the library's static initializers have run before DllMain.
 #include <windows.h>
 #include <dlfcn.h>
 

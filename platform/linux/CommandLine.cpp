@@ -8,8 +8,8 @@
 namespace velm::platform {
 namespace {
 
-/// Reopens standard descriptors that the caller closed. Otherwise the first file opened would take their
-/// number and receive what is printed. They are opened in the wrong direction, so reads and writes still
+/// Reopens standard descriptors that the caller closed. Otherwise the first file opened would reuse their
+/// number and receive the output. They are opened for the wrong direction, so that reads and writes still
 /// fail.
 void FillStandardDescriptors() {
     constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_RDWR};

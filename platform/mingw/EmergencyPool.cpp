@@ -1,6 +1,6 @@
 /// @file
-/// The C++ runtime reserves 72 KiB for exceptions thrown when out of memory: in every library that links it,
-/// from load on, never freed. Compiled into each library, this frees them when the library is unloaded.
+/// Every library that links the C++ runtime gets an emergency pool of 72 KiB, for exceptions thrown when out
+/// of memory, which the runtime never frees. Compiled into each library, this frees it on unload.
 
 namespace __gnu_cxx {
 

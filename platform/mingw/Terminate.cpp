@@ -1,7 +1,7 @@
 /// @file
-/// Replaces the runtime's terminate handler, which runs when an exception leaves a noexcept function. This
-/// one only aborts. The runtime's prints the exception's name, for which it links the demangler: 50 KB in
-/// each library.
+/// Replaces the runtime's terminate handler, which runs when an exception leaves a noexcept function, with
+/// one that only aborts. The runtime's handler prints the exception's name and so links the demangler: 50 KB
+/// in each library.
 #include <cstdlib>
 
 namespace __gnu_cxx {

@@ -3,8 +3,8 @@
 ///
 /// MinGW's runtime keeps a thread's exception state in emulated thread-local storage and guards its emergency
 /// pool with a mutex of its thread library. Both allocate on first use and end the process if that fails, so
-/// std::bad_alloc could not be thrown exactly when it is needed. Both also need to be told of every thread
-/// that exits. This file replaces the functions that bring them in.
+/// std::bad_alloc could not be thrown exactly when it is needed. Both also need a notification for every
+/// thread that exits. This file replaces the functions that link them in.
 #include <windows.h>
 #include <cxxabi.h>
 #include <pthread.h>
@@ -16,7 +16,7 @@
 
 namespace __cxxabiv1 {
 
-/// As the C++ ABI for Itanium lays it out.
+/// The layout of the Itanium C++ ABI.
 struct __cxa_eh_globals {
     void* caughtExceptions;
     unsigned int uncaughtExceptions;
@@ -30,8 +30,8 @@ constexpr int kFirst = 101;
 constexpr DWORD kSlotsInTeb = 64;
 constexpr DWORD kSlots = kSlotsInTeb + 1024;
 
-// Windows keeps a thread's TLS slots in its TEB. The offsets are not documented, but have never changed,
-// since other compilers build them into programs.
+// Windows keeps a thread's TLS slots in its TEB. The offsets are not documented, but cannot change
+// without breaking programs: other compilers compile them in.
 static_assert(offsetof(TEB, TlsSlots) == 0x1480 && offsetof(TEB, TlsExpansionSlots) == 0x1780);
 static_assert(sizeof(__cxxabiv1::__cxa_eh_globals) == 2 * sizeof(void*));
 
@@ -70,7 +70,7 @@ TEB* ThisThread() {
     return self;
 }
 
-/// Slots from 64 on are in a block that a thread gets when it first sets one of them.
+/// Slots from 64 on are in a block that is allocated when a thread first sets one of them.
 void** FindSlots(DWORD slot) {
     TEB* const thread = ThisThread();
     if (slot < kSlotsInTeb) {

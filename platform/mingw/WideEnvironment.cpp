@@ -3,7 +3,7 @@
 ///
 /// Reads the process's environment, not the runtime's copy: _wgetenv returns a pointer into that copy, which
 /// another thread's _wputenv may free before it is read, whereas Windows copies the value under its own lock.
-/// The runtime applies every change of its copy to the process's environment too.
+/// The runtime also applies every change of its copy to the process's environment.
 #include <windows.h>
 
 #include <cerrno>

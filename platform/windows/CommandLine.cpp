@@ -33,9 +33,9 @@ bool EnableEscapes(HANDLE console) {
            GetConsoleMode(console, &mode) && (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
-/// Whether the console interprets escape sequences; some accept the mode and still show them as text. Tried
-/// on a hidden screen buffer: a sequence that is interpreted does not move the cursor.
-bool ConsoleUnderstandsEscapes() {
+/// Whether the console interprets escape sequences. Some consoles accept the mode but still show the
+/// sequences as text, so this tries one on a hidden screen buffer: interpreted, it does not move the cursor.
+bool ConsoleInterpretsEscapes() {
     const HANDLE screen =
         CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr);
     if (screen == INVALID_HANDLE_VALUE) {
@@ -90,7 +90,7 @@ bool ErrorIsTerminal() {
 }
 
 bool OutputTakesColors() {
-    return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) == 0 && ConsoleUnderstandsEscapes() &&
+    return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) == 0 && ConsoleInterpretsEscapes() &&
            EnableEscapes(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 

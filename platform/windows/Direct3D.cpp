@@ -15,7 +15,7 @@ std::wstring Utf16(const char* utf8) {
 
 }  // namespace
 
-// Loaded on demand and never unloaded: its objects may live as long as their owners like.
+// The library is loaded on demand and never unloaded, because its objects may exist until the process ends.
 InterfacePtr<IDirect3D9> CreateDirect3D9() {
     const HMODULE module = LoadLibraryExW(L"d3d9.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (module == nullptr) {

@@ -1,5 +1,5 @@
 /// @file
-/// The Direct3D 9 interfaces, for the fake objects of tests: Linux has no Direct3D. IDirect3D9 is complete;
+/// The Direct3D 9 interfaces, for the tests' fake objects: Linux has no Direct3D. IDirect3D9 is complete;
 /// the others declare, in Windows' order, only the methods that the libraries and their clients call. Those
 /// that only clients call fail unless they are overridden.
 #pragma once

@@ -49,8 +49,8 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD readSize, OVERLAPP
 // Settings. corecrt_wstdlib.h has _wdupenv_s.
 BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
 
-// INI files. Relative paths refer to the current folder, not to the Windows folder. Neither call lists
-// sections or keys when one of them is null.
+// INI files. Relative paths refer to the current folder, not to the Windows folder. GetPrivateProfileStringW
+// lists sections or keys when section or key is null.
 UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR path);
 DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultText, LPWSTR buffer, DWORD units,
                                LPCWSTR path);

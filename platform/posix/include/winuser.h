@@ -43,7 +43,7 @@ BOOL KillTimer(HWND window, UINT_PTR timer);
 BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last);
 /// Always removes the message.
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove);
-/// Calls the timer's function, even if the timer has been killed meanwhile.
+/// Calls the timer's function, even if the timer has been killed in the meantime.
 LRESULT DispatchMessageW(const MSG* message);
 void PostQuitMessage(int exitCode);
 

@@ -55,7 +55,7 @@ HDC CreateDCW(LPCWSTR, LPCWSTR device, LPCWSTR, const DEVMODEW*) {
 }
 
 BOOL DeleteDC(HDC context) {
-    const bool fails = MustFail("DeleteDC");  // deletes the context even so
+    const bool fails = MustFail("DeleteDC");  // deletes the context in any case
     if (context == nullptr) {
         return FALSE;
     }

@@ -12,8 +12,8 @@
 
 namespace velm::posix {
 
-/// Locks access to process-wide state, which is never destroyed: libraries and static objects of programs
-/// still make calls while the process exits.
+/// Locks and gives access to process-wide state. The state is never destroyed, because libraries and static
+/// objects still make calls while the process exits.
 template <typename State>
 class Locked {
 public:
@@ -24,13 +24,13 @@ public:
 private:
     static inline std::mutex s_mutex;
 
-    static State& TheState() {
+    static State& Instance() {
         static State& state = *new State;
         return state;
     }
 
     std::unique_lock<std::mutex> m_lock{s_mutex};
-    State& m_state = TheState();
+    State& m_state = Instance();
 };
 
 /// The state behind Control.h.
@@ -64,15 +64,14 @@ bool MustFailWatched(const char* name);
 /// Nesting depth of WithinSystem on this thread.
 inline thread_local int t_withinSystem = 0;
 
-/// Every Windows call checks this first, with its own name, and fails if it returns true; the last error is
-/// then set. Calls made from within WithinSystem are not the library's own: they are neither recorded nor
-/// made to fail.
+/// Every Windows call first calls this with its own name, and fails if it returns true; the last error is
+/// then set. Calls from within WithinSystem are not the library's own: they are neither recorded nor failed.
 inline bool MustFail(const char* name) {
     return g_watching.load(std::memory_order_relaxed) && t_withinSystem == 0 && MustFailWatched(name);
 }
 
-/// Runs the body of a Windows call that allocates memory or makes further calls. Out of memory, the call
-/// fails as on Windows instead of throwing.
+/// Runs the body of a Windows call that allocates memory or makes further calls. When memory runs out,
+/// the call fails as on Windows instead of throwing.
 template <typename Result, typename Body>
 Result WithinSystem(Result failure, Body body) {
     const struct Depth {

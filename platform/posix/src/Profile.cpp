@@ -11,8 +11,8 @@
 #include "Text.h"
 
 // INI rules, as on Windows: a line ends at CR or LF; blanks around lines, names and values are ignored; names
-// are case-insensitive; the first section of a name and the first line of a key win; there are no comments,
-// only keys that nobody reads.
+// are case-insensitive; the first section of a name and the first line of a key win; there are no
+// comments: a line with one is a key that nobody reads.
 
 using namespace velm::posix;
 

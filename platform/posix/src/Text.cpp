@@ -13,7 +13,7 @@
 namespace velm::posix {
 namespace {
 
-constexpr std::size_t kPiece = 256;  // in units
+constexpr std::size_t kChunkUnits = 256;  // in units
 
 /// iconv converters by target and source encoding. Opening one allocates memory, so they are cached.
 using Converters = std::map<std::pair<std::string, std::string>, iconv_t>;
@@ -24,8 +24,8 @@ std::string NameOf(UINT codePage) {
     return codePage == CP_UTF8 ? "UTF-8" : "CP" + std::to_string(number);
 }
 
-/// Converts a text in pieces. A unit that iconv rejects becomes `replacement`.
-/// @param put  called with each piece of the result
+/// Converts a text in chunks. A unit that iconv rejects becomes `replacement`.
+/// @param put  called with each chunk of the result
 /// @return false when iconv does not support an encoding
 template <typename To, typename From, typename Put>
 bool Convert(const std::string& to, const std::string& from, std::basic_string_view<From> in,
@@ -42,12 +42,12 @@ bool Convert(const std::string& to, const std::string& from, std::basic_string_v
     auto* next = reinterpret_cast<char*>(const_cast<From*>(in.data()));  // iconv only reads it
     std::size_t left = in.size() * sizeof(From);
     while (left != 0) {
-        To piece[kPiece];
-        auto* end = reinterpret_cast<char*>(piece);
-        std::size_t room = sizeof piece;
+        To chunk[kChunkUnits];
+        auto* end = reinterpret_cast<char*>(chunk);
+        std::size_t room = sizeof chunk;
         const bool stopped = iconv(converter, &next, &left, &end, &room) == static_cast<std::size_t>(-1);
         const bool rejected = stopped && errno != E2BIG;
-        put(std::basic_string_view<To>(piece, kPiece - room / sizeof(To)));
+        put(std::basic_string_view<To>(chunk, kChunkUnits - room / sizeof(To)));
         if (rejected) {
             put(replacement);
             next += sizeof(From);
@@ -69,11 +69,11 @@ bool ConvertFromWide(const std::string& to, std::wstring_view in, Put put) {
     const std::string_view replacement = to == "UTF-8" ? "\uFFFD" : "?";
     bool known = true;
     while (known && !in.empty()) {
-        char16_t units[kPiece];
-        const std::size_t count = std::min(in.size(), kPiece);
+        char16_t units[kChunkUnits];
+        const std::size_t count = std::min(in.size(), kChunkUnits);
         std::copy_n(in.begin(), count, units);
         // Do not split a surrogate pair.
-        const std::size_t taken = count == kPiece && isHigh(units[count - 1]) ? count - 1 : count;
+        const std::size_t taken = count == kChunkUnits && isHigh(units[count - 1]) ? count - 1 : count;
         known = Convert<char>(to, "UTF-16LE", std::u16string_view(units, taken), replacement, put);
         in.remove_prefix(taken);
     }
@@ -86,12 +86,12 @@ class Output {
 public:
     Output(Unit* out, int size) : m_out(out), m_size(static_cast<std::size_t>(size)) {}
 
-    template <typename Piece>
-    void Put(Piece piece) {
+    template <typename Chunk>
+    void Put(Chunk chunk) {
         if (m_count < m_size) {
-            std::copy_n(piece.begin(), std::min(piece.size(), m_size - m_count), m_out + m_count);
+            std::copy_n(chunk.begin(), std::min(chunk.size(), m_size - m_count), m_out + m_count);
         }
-        m_count += piece.size();
+        m_count += chunk.size();
     }
 
     /// The return value of the Windows call.
@@ -124,13 +124,13 @@ std::basic_string_view<Unit> TextOf(const Unit* text, int size) {
 
 std::wstring Wide(std::string_view text, const char* encoding) {
     std::wstring wide;
-    ConvertToWide(encoding, text, [&](auto piece) { wide.append(piece.begin(), piece.end()); });
+    ConvertToWide(encoding, text, [&](auto chunk) { wide.append(chunk.begin(), chunk.end()); });
     return wide;
 }
 
 std::string Utf8(std::wstring_view text) {
     std::string utf8;
-    ConvertFromWide("UTF-8", text, [&](auto piece) { utf8 += piece; });
+    ConvertFromWide("UTF-8", text, [&](auto chunk) { utf8 += chunk; });
     return utf8;
 }
 
@@ -160,7 +160,7 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWST
         Output<wchar_t> output(out, outUnits);
         return output.Result(
             AreValid(in, inSize, out, outUnits, flags) &&
-            ConvertToWide(NameOf(codePage), TextOf(in, inSize), [&](auto piece) { output.Put(piece); }));
+            ConvertToWide(NameOf(codePage), TextOf(in, inSize), [&](auto chunk) { output.Put(chunk); }));
     });
 }
 
@@ -173,6 +173,6 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPS
         Output<char> output(out, outSize);
         return output.Result(
             AreValid(in, inUnits, out, outSize, flags) && defaultChar == nullptr && usedDefault == nullptr &&
-            ConvertFromWide(NameOf(codePage), TextOf(in, inUnits), [&](auto piece) { output.Put(piece); }));
+            ConvertFromWide(NameOf(codePage), TextOf(in, inUnits), [&](auto chunk) { output.Put(chunk); }));
     });
 }

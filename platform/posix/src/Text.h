@@ -14,9 +14,8 @@ std::wstring Wide(std::string_view text, const char* encoding = "UTF-8");
 /// Converts UTF-16 to UTF-8.
 std::string Utf8(std::wstring_view text);
 
-/// Converts a Windows path to a native path in UTF-8. A path of an existing file is unchanged; otherwise
-/// every
-/// "\" becomes "/".
+/// Converts a Windows path to a native path in UTF-8. A path of an existing file is unchanged; in others,
+/// every "\" becomes "/".
 std::string NativePath(LPCWSTR path);
 
 /// Copies a string as Windows does: truncated to the buffer, NUL-terminated.

@@ -81,7 +81,7 @@ struct Desktop {
 };
 
 /// @return units copied, without the NUL
-int GiveText(const std::wstring& text, LPWSTR buffer, int size) {
+int CopyTextOut(const std::wstring& text, LPWSTR buffer, int size) {
     if (buffer == nullptr || size <= 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
@@ -125,7 +125,7 @@ int GetClassNameW(HWND window, LPWSTR name, int size) {
     }
     const Locked<Desktop> desktop;
     const Window* const found = desktop->Find(window);
-    return found != nullptr ? GiveText(found->className, name, size) : 0;
+    return found != nullptr ? CopyTextOut(found->className, name, size) : 0;
 }
 
 BOOL SetWindowTextW(HWND window, LPCWSTR text) {
@@ -147,7 +147,7 @@ BOOL SetWindowTextW(HWND window, LPCWSTR text) {
 int GetWindowTextW(HWND window, LPWSTR text, int size) {
     const Locked<Desktop> desktop;
     const Window* const found = desktop->Find(window);
-    return found != nullptr ? GiveText(found->text, text, size) : 0;
+    return found != nullptr ? CopyTextOut(found->text, text, size) : 0;
 }
 
 UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC function) {

@@ -8,13 +8,13 @@ namespace velm::platform {
 /// Returns name and version of the operating system.
 std::string SystemName();
 
-/// Returns the processor's own name for itself; empty when it is unknown.
+/// Returns the processor's brand name; empty when it is unknown.
 std::string ProcessorName();
 
 /// Returns the size of the physical memory in bytes; 0 when it is unknown.
 unsigned long long PhysicalMemory();
 
-/// Names what the performance counter counts.
+/// Returns the name of the clock behind the performance counter.
 std::string ClockSource();
 
 /// A display that is part of the desktop.
@@ -30,7 +30,7 @@ struct Display {
 /// Returns the displays; none when the system cannot tell.
 std::vector<Display> Displays();
 
-/// What identifies the person at the machine, in every form that is found in paths and settings.
+/// The current user's names and home folders, in every form that occurs in paths and settings.
 struct UserIdentity {
     std::vector<std::string> names;
     std::vector<std::string> homes;  ///< folders
@@ -47,7 +47,7 @@ struct LibraryFile {
 /// Finds a loaded library by its target name, such as "VelmUtil".
 LibraryFile FindLibrary(const std::string& name);
 
-/// Says why the last call on this thread that loads a library failed, without a final full stop.
+/// Returns why this thread's last attempt to load a library failed, without a final full stop.
 /// @param code  what GetLastError returned after it
 /// @return the system's text for the code on Windows, the dynamic loader's message on Linux; UTF-8; may be
 /// empty

@@ -23,8 +23,7 @@ void StartRecording();
 /// Returns the names of the calls since StartRecording, in order.
 std::vector<std::string> RecordedCalls();
 
-/// The arguments of a call that shows or writes something: its strings, and its numbers without the handles,
-/// in parameter order.
+/// A call with a visible effect, and its arguments in parameter order: strings, and numbers except handles.
 struct ShownCall {
     std::string name;
     std::vector<std::wstring> texts;
