@@ -157,7 +157,7 @@ public:
 private:
     void Check(velm::ErrorCode result) const { CheckFile(m_options.input, result); }
 
-    /// Rejects a file that delivered none of its data. Of a truncated file, what is there is used.
+    /// Rejects a file that delivered none of its data. A truncated file is used up to its end.
     void CheckEnd() const {
         if (m_taken.load() == 0 && MissingBytes() != 0) {
             throw Failure{m_options.input +

@@ -14,7 +14,7 @@ namespace {
 
 constexpr ErrorText kErrorTexts[] = {
     {velm::VELM_ERROR_UTIL_UNKNOWN, "failed for an unknown reason",
-     "Check that the input has the form that the call expects, and look into the system's log."},
+     "Check that the input has the form that the call expects, and see the system's log."},
     {velm::VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY, "memory ran out",
      "Close other programs, or use smaller input; velmdiag system shows what the process uses."},
     {velm::VELM_ERROR_UTIL_INVALID_PARAM, "an argument is missing or does not have the expected form",

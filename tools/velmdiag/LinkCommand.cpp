@@ -21,7 +21,7 @@ struct LinkOptions {
 };
 
 int ScramblePattern(const std::string& pattern, bool json) {
-    const std::string scrambled = velm::Unscramble(pattern);  // its own inverse
+    const std::string scrambled = velm::Unscramble(pattern);  // scrambling is its own inverse
     if (json) {
         Report report;
         report.Add("scrambled", scrambled);

@@ -89,7 +89,7 @@ int Run(std::vector<std::string> arguments) {
     AddHelp(app);
     RefuseUnknownCommand(app, arguments);
     try {
-        // The parser takes the arguments from the back.
+        // The parser expects the arguments in reverse order, without the program's name.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {

@@ -10,7 +10,7 @@ extern "C" {
 #define CP_OEMCP 1U
 #define CP_UTF8 65001U
 
-/// Neither supports flags, and WideCharToMultiByte no default character. The code pages are those of iconv.
+/// The conversions support neither flags nor a default character. The code pages are those of iconv.
 /// Invalid input becomes U+FFFD; a character that the code page lacks becomes "?".
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR in, int inSize, LPWSTR out, int outUnits);
 int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR in, int inUnits, LPSTR out, int outSize,

@@ -13,7 +13,7 @@
 namespace velm::posix {
 namespace {
 
-constexpr std::size_t kChunkUnits = 256;  // in units
+constexpr std::size_t kChunkUnits = 256;
 
 /// iconv converters by target and source encoding. Opening one allocates memory, so they are cached.
 using Converters = std::map<std::pair<std::string, std::string>, iconv_t>;

@@ -151,7 +151,7 @@ std::string TestPictures(SelfTest& test) {
     test.figures.Add("pixels_that_differ", static_cast<long long>(wrong));
     AddTimes(test);
     Require(wrong == 0, Grouped(wrong) + " of " + Grouped(pixels) + " pixels differ from the formula");
-    return "Kernel " + kernel + ": " + Grouped(pixels) + " pixels match the formula exactly; 1080p in " +
+    return "Kernel " + kernel + ": " + Grouped(pixels) + " pixels exactly as the formula says; 1080p in " +
            Fixed(test.plots.front().bars[2].value / 1000, 2) + " ms.";
 }
 

@@ -61,7 +61,7 @@ std::string TestText(SelfTest& test) {
     AddCount(test.figures, "units_of_utf_16", wide.size());
     Require(wide.size() == all.units,
             "UTF-16 has " + Grouped(wide.size()) + " units instead of " + Grouped(all.units));
-    Require(back == all.utf8, "text changed on the way to UTF-16 and back");
+    Require(back == all.utf8, "text changed in the conversion to UTF-16 and back");
 
     std::string ascii;
     for (char c = ' '; c <= '~'; ++c) {
@@ -69,7 +69,7 @@ std::string TestText(SelfTest& test) {
     }
     std::string oem;
     Require(!velm::WindowsUtil::GetOemcpStringFromUtf8String(ascii, oem).IsFailed() && oem == ascii,
-            "ASCII changed on the way to the OEM code page");
+            "ASCII changed in the conversion to the OEM code page");
     return Grouped(all.characters) + " characters of all planes of Unicode survive UTF-8 to UTF-16 and back.";
 }
 
