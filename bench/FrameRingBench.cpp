@@ -126,8 +126,8 @@ RingContender MakeRingContender(std::string name, unsigned int cores, double req
             .required = required};
 }
 
-/// Records the share of frames that pass while neither thread sleeps. Each sleep counts as many frames as the
-/// ring holds.
+/// Records the share of frames that pass while neither thread sleeps. Each sleep counts against as many
+/// frames as the ring holds.
 void RecordSteps(Suite& suite, const std::vector<RingContender>& rings,
                  const std::vector<std::vector<Cost>>& runs) {
     for (std::size_t i = 0; i < rings.size(); ++i) {
