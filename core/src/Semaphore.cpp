@@ -12,13 +12,13 @@
 #include "velm/core/ProcessEnd.h"
 
 // Threads sleep in WaitOnAddress while the low half of `counts` is 0. No wake-up is lost:
-// - A sleeper adds itself to the high half before its last look at the low half, and Post changes the low
-//   half and reads the high half in one operation. So either the sleeper sees the new count or Post sees the
-//   sleeper, and WaitOnAddress returns at once when the low half is no longer 0.
+// - A sleeper adds itself to the high half before it checks the low half for the last time, and Post changes
+//   the low half and reads the high half in one operation. So either the sleeper sees the new count or Post
+//   sees the sleeper, and WaitOnAddress returns at once if the low half is no longer 0.
 // - The closing bit keeps the low half nonzero, so no thread falls asleep once it is set.
 //
-// No thread touches freed memory: Post takes the time before its one operation on `counts`, after which it
-// uses the address only, which the wake calls never dereference; a waiter holds a reference from before it
+// No thread touches freed memory: after its one operation on `counts`, Post uses only the address, which the
+// wake calls do not dereference (so it must read the clock before); a waiter holds a reference from before it
 // spins until it leaves.
 
 namespace velm {
@@ -26,22 +26,21 @@ namespace velm {
 struct SemaphoreState {
     SemaphoreState(unsigned int initial, unsigned int max) : counts(initial), maximum(max) {}
 
-    // The padding keeps other heap blocks off the 64-byte cache line of the counts; heap blocks start at
-    // multiples of 16.
+    // The padding keeps other heap blocks off the counts' 64-byte cache line. Heap blocks are aligned to 16.
     unsigned char padBefore[64 - 16] = {};
     // Low half: the count and the closing bit. High half: the number of sleeping threads. Both in one word,
-    // so that a post which sees no sleeper and a thread that falls asleep cannot miss each other. Post's
-    // release pairs with the acquire of the exchange that takes; every change is a read-modify-write, so a
-    // take is ordered after all earlier posts. Adding a sleeper, reading and closing are relaxed: they
-    // publish nothing but this word, whose changes have one order.
+    // so that Post cannot miss a thread that is falling asleep. Post's release pairs with the acquire of a
+    // take; every change is a read-modify-write, so a take is ordered after all earlier posts. Adding a
+    // sleeper, reading and closing are relaxed: they publish nothing but this word, and all threads see its
+    // changes in the same order.
     std::atomic<unsigned long long> counts;
-    // One for the semaphore, one for each thread in WaitSlowly, and the closing bit. The release of a leaving
-    // thread pairs with the acquire of the one that frees the state or of the destructor's wait. Adding a
-    // reference is relaxed: the semaphore's own keeps the state alive until then.
+    // One for the semaphore, one for each thread in WaitSlowly, and the closing bit. A leaving thread's
+    // release pairs with the acquire of whoever frees the state, and with that of the waiting destructor.
+    // Adding a reference is relaxed: the semaphore's own reference keeps the state alive meanwhile.
     std::atomic<unsigned int> references{1};
     const unsigned int maximum;
-    // When a post last found sleepers and a count of 0. Relaxed: a woken thread that reads the time of
-    // another post learns a wrong wake-up time, which does no harm.
+    // The time of the last post that found sleepers and a count of 0. Relaxed: a woken thread may read the
+    // time of another post and learn a wrong wake-up time, which does no harm.
     std::atomic<Ticks> posted{0};
     SpinTrials trials;
     unsigned char padAfter[64 - 16 - sizeof posted - sizeof trials] = {};
@@ -56,10 +55,10 @@ constexpr unsigned int kMaxCount = kClosing - 1;
 constexpr State kOneSleeper = State{1} << 32;
 constexpr unsigned int kLeaveMilliseconds = 200;
 
-// A clock read takes about as long as a pause, some 10 to 50 ns.
+// Reading the clock takes about as long as one pause, some 10 to 50 ns.
 constexpr unsigned int kPausesPerClockRead = 16;
 
-// One for all semaphores: a thread that spins on one often waits for a thread that is being woken on another.
+// Shared by all semaphores: a thread that spins on one often waits for a thread being woken on another.
 constinit WakeTime g_wakeTime;
 
 static_assert(std::endian::native == std::endian::little, "the count is the first half of the state");
@@ -101,7 +100,7 @@ bool TryTakeBetweenPauses(SemaphoreState& semaphore) {
     return false;
 }
 
-/// A short wait reads no clock.
+/// Spins. Reads the clock only if the first pauses are not enough.
 bool TryTakeFor(SemaphoreState& semaphore, Ticks duration) {
     if (TryTakeBetweenPauses(semaphore)) {
         return true;
@@ -176,7 +175,7 @@ Semaphore::~Semaphore() {
     unsigned int references = m_state->references.fetch_or(kClosing, std::memory_order_acq_rel) | kClosing;
     if (references != (kClosing | 1)) {
         if (IsProcessEnding()) {
-            return;  // the waiters are dead; waking them would touch what they left in the system
+            return;  // the waiters are dead, and waking them would touch what they left in the system
         }
         m_state->counts.fetch_or(kClosing, std::memory_order_relaxed);
         WakeByAddressAll(&m_state->counts);

@@ -1,14 +1,14 @@
 /// @file
 /// How long a thread spins before it sleeps.
 ///
-/// A thread that spins for as long as its wake-up would take, and then sleeps, pays at most twice what it
-/// would pay if it knew in advance how long it has to wait. It also gets two threads that keep waking each
-/// other back in step: the one spins until the other is awake.
+/// A thread that spins for as long as its wake-up would take, and only then sleeps, loses at most twice the
+/// time it would lose if it knew in advance how long it has to wait. Spinning that long also stops two
+/// threads from alternately waking each other: the spinning one is still awake when the other one arrives.
 ///
-/// Times come from the processor's time stamp counter, which takes some 10 ns to read and no system call. Its
-/// rate is unknown here, but durations are only compared with durations. On processors before 2009, whose
-/// counters may differ or change their rate, a duration may be wrong, even negative. It is limited to between
-/// 0 and the longest that is useful, so that costs time at worst.
+/// Times are read from the processor's time stamp counter, in some 10 ns and without a system call. Its rate
+/// is unknown here, but durations are only compared with one another. On processors older than about 2009,
+/// counters may differ between cores or change their rate, so a duration may be wrong, even negative. It is
+/// clamped to a useful range, so such an error only costs time.
 #pragma once
 
 #include <algorithm>
@@ -20,17 +20,19 @@ namespace velm {
 /// A point in time or a duration, in ticks of the time stamp counter.
 using Ticks = unsigned long long;
 
-/// Learns how long it takes to wake a thread. All accesses are relaxed: a lost update does no harm.
+/// Learns how long waking a thread takes. All accesses are relaxed: a lost update does no harm.
 /// Threads: any.
 class WakeTime {
 public:
-    /// 50 to 130 microseconds at 5 to 2 GHz. A thread that takes longer is waiting for a processor.
+    /// 130 microseconds at 2 GHz, 50 at 5 GHz. A wake-up that takes longer is waiting for a free processor.
     static constexpr Ticks kLongest = 1U << 18;
 
-    /// A moving average over some 8 wake-ups.
+    /// A moving average over about 8 wake-ups.
     Ticks Get() const { return m_ticks.load(std::memory_order_relaxed); }
 
-    /// Records a wake-up: when the thread was posted, and when it was awake.
+    /// Records a wake-up.
+    /// @param posted  when the semaphore was posted
+    /// @param awake  when the woken thread ran
     void Learn(Ticks posted, Ticks awake) {
         const auto took = static_cast<long long>(awake - posted);
         const auto known = static_cast<long long>(Get());
@@ -42,8 +44,8 @@ private:
     std::atomic<Ticks> m_ticks{1U << 15};
 };
 
-/// Decides which waits spin. Spinning does not pay while all waits are long, nor if the awaited thread needs
-/// the same processor. So after kPatience waits in a row that ended in sleep, ever fewer waits try again.
+/// Decides which waits spin. Spinning does not pay while all waits are long, or if the awaited thread needs
+/// the same processor. So after kPatience waits in a row have ended in sleep, waits spin less and less often.
 /// All accesses are relaxed: a lost update does no harm.
 /// Threads: any.
 class SpinTrials {
@@ -55,7 +57,7 @@ public:
 
     void Succeed() { m_failures.store(0, std::memory_order_relaxed); }
 
-    /// The thread sleeps, whether or not it has spun.
+    /// To be called whenever a thread sleeps, even if it did not spin.
     void Fail() {
         m_failures.store(m_failures.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     }

@@ -29,7 +29,7 @@ bool Suits(D3d9AdapterParamCompare compare, D3d9AdapterParamType type) {
     }
 }
 
-/// The row of a table that has a name.
+/// Finds a table's row by name; null if there is none.
 template <typename Row, std::size_t kRows>
 const Row* FindNamed(const Row (&table)[kRows], const AdapterRuleToken& name) {
     const auto row =
@@ -37,13 +37,13 @@ const Row* FindNamed(const Row (&table)[kRows], const AdapterRuleToken& name) {
     return name.kind == '"' && row != std::end(table) ? row : nullptr;
 }
 
-/// A token for a message: as it is in the text, where it has no line end, and not too long.
+/// Quotes a token in an error message: as written, which has no line breaks, but shortened if long.
 std::string Shown(const AdapterRuleToken& token) {
     constexpr std::size_t kShown = 60;
     std::size_t size = std::min(token.raw.size(), kShown);
     while (size < token.raw.size() && (static_cast<unsigned char>(token.raw[size]) & 0xC0) == 0x80 &&
            size > 0) {
-        --size;  // not within a character
+        --size;  // do not cut a character in two
     }
     return std::string(token.raw.substr(0, size)) + (size < token.raw.size() ? "..." : "");
 }

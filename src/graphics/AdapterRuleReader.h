@@ -12,10 +12,10 @@ struct AdapterRule {
     std::tr1::shared_ptr<D3d9AdapterCheckItem> item;
 };
 
-/// Reads a rules text; see D3d9AdapterRules.
-/// @param rules  out: appended to, also before an error
+/// Reads rules from JSON; see D3d9AdapterRules.
+/// @param rules  out: the rules are appended; after an error, those that precede it
 /// @param error  out: set on failure
-/// @return whether the text is one of rules
+/// @return whether the text is valid
 /// Throws std::bad_alloc when out of memory.
 bool ReadAdapterRules(std::string_view text, std::vector<AdapterRule>& rules, AdapterRuleError& error);
 

@@ -146,7 +146,7 @@ bool AdapterRuleTokens::Fail(const char* at, const std::string& message) {
         if (*c == '\n') {
             ++m_error.line;
             m_error.column = 1;
-        } else if ((static_cast<unsigned char>(*c) & 0xC0) != 0x80) {  // not within a character
+        } else if ((static_cast<unsigned char>(*c) & 0xC0) != 0x80) {  // not a continuation byte
             ++m_error.column;
         }
     }

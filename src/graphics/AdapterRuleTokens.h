@@ -5,33 +5,33 @@
 
 namespace velm {
 
-/// Where a rules text is broken, and why.
+/// Where the JSON text of rules is invalid, and why.
 struct AdapterRuleError {
     unsigned int line = 0;
     unsigned int column = 0;
     std::string message;
 };
 
-/// A token of JSON.
+/// A JSON token.
 struct AdapterRuleToken {
-    char kind = '\0';      ///< one of { } [ ] : , itself; '"' a string; '0' a number; 'a' a word; NUL the end
-    std::string_view raw;  ///< as in the text
-    std::string text;      ///< a string's characters
+    char kind = '\0';      ///< '"' string, '0' number, 'a' word, NUL end of text; otherwise the token itself
+    std::string_view raw;  ///< as written
+    std::string text;      ///< the characters of a string, unescaped
 };
 
-/// Splits a JSON text into tokens, and tells where in the text an error is.
+/// Splits a JSON text into tokens, and finds the line and column of an error.
 class AdapterRuleTokens {
 public:
     /// @param text  must outlive the object
     AdapterRuleTokens(std::string_view text, AdapterRuleError& error);
 
     /// Reads the next token.
-    /// @return false after a malformed one, which has been reported
+    /// @return false if it is malformed; the error is then reported
     bool Next();
     const AdapterRuleToken& Current() const { return m_current; }
 
     /// Reports an error.
-    /// @param at  in the text
+    /// @param at  where in the text
     /// @return false
     bool Fail(const char* at, const std::string& message);
 

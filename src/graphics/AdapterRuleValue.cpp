@@ -57,7 +57,7 @@ std::optional<GUID> ParseGuid(std::string_view text) {
     return right ? std::optional(guid) : std::nullopt;
 }
 
-/// The digits at the start of a text, taken off it.
+/// Removes the leading digits from a text and returns them.
 std::string_view TakeDigits(std::string_view& text) {
     const std::string_view digits = text.substr(0, text.find_first_not_of("0123456789"));
     text.remove_prefix(digits.size());
@@ -70,7 +70,7 @@ struct UnsignedNumber {
     std::string_view fraction;
     long long exponent = 0;
 
-    /// The digit at a place of whole and fraction together.
+    /// The digit at a position within `whole` followed by `fraction`.
     int DigitAt(std::size_t place) const {
         return (place < whole.size() ? whole[place] : fraction[place - whole.size()]) - '0';
     }
@@ -99,10 +99,10 @@ std::optional<UnsignedNumber> SplitNumber(std::string_view text) {
     return text.empty() ? std::optional(number) : std::nullopt;
 }
 
-/// A JSON number that is whole and at most 2^53 in size: other programs read larger ones inexactly.
+/// Parses a JSON number that is an integer of magnitude at most 2^53: many JSON readers round larger ones.
 std::optional<std::int64_t> ParseWholeNumber(std::string_view text) {
     constexpr std::int64_t kTooLarge = (std::int64_t{1} << 53) + 1;
-    constexpr long long kLongest = 2 * 1024 * 1024;  // no text is longer
+    constexpr long long kLongest = 2 * 1024 * 1024;  // longer than any text
     const bool isNegative = text.starts_with('-');
     const auto number = SplitNumber(text.substr(isNegative ? 1 : 0));
     if (!number) {
@@ -131,7 +131,7 @@ std::optional<std::int64_t> ParseNumber(const AdapterRuleToken& value) {
                                : std::nullopt;
 }
 
-// Each sets the item when the value is one of its type, and says whether it was.
+// Each of these sets the item and returns whether the value was valid for its type.
 
 bool SetRuleString(D3d9AdapterCheckItem& item, D3d9AdapterCheckCommand command,
                    D3d9AdapterParamCompare compare, const AdapterRuleToken& value) {
@@ -139,7 +139,7 @@ bool SetRuleString(D3d9AdapterCheckItem& item, D3d9AdapterCheckCommand command,
         return false;
     }
     item.SetAsString(command, compare, value.text.c_str());
-    return value.text == item.AsString();  // neither cut at 127 bytes nor at a NUL
+    return value.text == item.AsString();  // not cut, at 127 bytes or at a NUL
 }
 
 bool SetRuleInt64(D3d9AdapterCheckItem& item, D3d9AdapterCheckCommand command,
