@@ -21,7 +21,7 @@ struct CloseFile {
 
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-/// Appends a file to `text`; false when reading fails.
+/// Appends a file to `text`; returns false if reading fails.
 bool ReadAll(std::FILE* file, std::string& text) {
     constexpr std::size_t kChunk = 1 << 16;
     constexpr long kMostReserved = 1 << 26;
@@ -73,7 +73,7 @@ JsonConfigReader& JsonConfigReader::operator=(const JsonConfigReader&) = default
 JsonConfigReader::~JsonConfigReader() = default;
 
 int JsonConfigReader::ReadFile(const std::string& path) {
-    // Binary mode: JoinLines does what Windows' text mode does, faster and on every system.
+    // Binary mode: JoinLines does what text mode does on Windows, but faster and on every system.
     const File file(std::fopen(path.c_str(), "rb"));
     if (file == nullptr) {
         return kOpenFailed;

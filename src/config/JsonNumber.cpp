@@ -6,17 +6,20 @@
 #include <cstdint>
 #include <cstdlib>
 
-// A number is digits * 10^exponent = digits * 5^exponent * 2^exponent. Three ways lead to its nearest double:
-// two exact doubles and one rounding, if both fit in 53 bits; 64 digits of the product or quotient with 5^n
-// in two registers, if both fit in 64 bits; and big integers otherwise. The last two leave 63 or 64 bits and
-// whether anything follows them, which is all that rounding to 53 bits needs.
+// A number is digits * 10^exponent = digits * 5^exponent * 2^exponent. Its nearest double is computed in one
+// of three ways:
+// - If digits and power of ten are exact doubles, one multiplication or division rounds correctly.
+// - If digits and power of five fit in 64 bits each, integers give the leading 64 bits of the product or
+//   quotient.
+// - Otherwise big integers do.
+// The last two give 63 or 64 bits, and whether more follow: all that is needed for rounding to 53 bits.
 namespace velm {
 namespace {
 
-// The middle between two doubles has at most 767 significant digits. Beyond these only whether one is not 0
-// matters.
+// The midpoint of two adjacent doubles has at most 767 significant digits. Of further digits, it only matters
+// whether any is not 0.
 constexpr int kMaxDigits = 770;
-constexpr long long kMaxExponent = 1'000'000'000'000'000;  // larger ones count as this
+constexpr long long kMaxExponent = 1'000'000'000'000'000;  // larger ones are clamped
 
 constexpr int kMaxExactPower = 22;  // 10^22 is the largest power of ten that a double holds
 constexpr int kMaxExactDigits = 15;
@@ -42,9 +45,9 @@ bool IsDigit(char c) {
 
 struct Decimal {
     bool isNegative = false;
-    int count = 0;                                     ///< of significant digits
-    long long exponent = 0;                            ///< of the last digit
-    std::array<unsigned char, kMaxDigits + 1> digits;  ///< as numbers; neither the first nor the last is 0
+    int count = 0;                                     ///< number of significant digits
+    long long exponent = 0;                            ///< power of ten of the last digit
+    std::array<unsigned char, kMaxDigits + 1> digits;  ///< values 0 to 9; neither the first nor the last is 0
 
     std::uint64_t Word() const {
         std::uint64_t word = 0;
@@ -57,7 +60,7 @@ struct Decimal {
 };
 
 /// Reads digits with an optional decimal point.
-/// @return where they end; null if there is none
+/// @return the end of the digits; null if there are none
 const char* ReadDigits(const char* at, const char* end, Decimal& decimal) {
     bool isAfterPoint = false;
     bool isAny = false;
@@ -110,14 +113,14 @@ bool ReadExponent(const char* at, const char* end, Decimal& decimal) {
     return at == end;
 }
 
-/// A positive number: bits * 2^exponent, and less than 2^exponent more if `isMore`.
+/// A positive number: bits * 2^exponent, plus a remainder below 2^exponent if `isMore`.
 struct Binary {
     std::uint64_t bits = 0;
     int exponent = 0;
     bool isMore = false;
 };
 
-/// Rounds to the nearest double, in the middle to the even one.
+/// Rounds to the nearest double, ties to even.
 std::optional<double> Round(Binary number) {
     const int zeros = std::countl_zero(number.bits);
     const std::uint64_t bits = number.bits << zeros;
@@ -132,7 +135,8 @@ std::optional<double> Round(Binary number) {
     if (rest > half || (rest == half && (number.isMore || significand % 2 != 0))) {
         ++significand;
     }
-    // The leading bit of a normal number adds 1 to the exponent field, and so does a carry.
+    // The leading bit of a normal number adds 1 to the exponent field, as does a carry out of the
+    // significand.
     constexpr std::uint64_t kInfinity = 0x7FF0000000000000;
     if (exponent > 1023) {
         return std::nullopt;
@@ -173,7 +177,7 @@ Binary DivideWords(std::uint64_t a, std::uint64_t b) {
     return {quotient, shiftB - shiftA - 63, remainder != 0};
 }
 
-/// An unsigned integer of up to 3,072 bits: 771 digits, or 5^1095, and 64 bits more.
+/// An unsigned integer of up to 3,072 bits: room for 771 decimal digits, or for 5^1095, plus 64 bits.
 class BigInteger {
 public:
     void MultiplyAdd(std::uint32_t factor, std::uint32_t addend) {

@@ -9,7 +9,7 @@ using JsonInput = picojson::input<const char*>;
 
 constexpr int kDeepest = picojson::DEFAULT_MAX_DEPTHS;
 
-/// Consumes every character that can be part of a number; nothing if they do not form one.
+/// Consumes all characters that may belong to a number. Returns nothing if they do not form one.
 std::optional<double> ReadNumber(JsonInput& in) {
     const char* const begin = in.cur();
     int c = 0;
@@ -26,8 +26,8 @@ struct JsonResult {
     bool tooDeep = false;
 };
 
-/// Parses one value into its destination; the parse context that picojson's functions for arrays and objects
-/// take.
+/// Parses a value into its destination. It is the parse context of picojson's functions for arrays and
+/// objects.
 class JsonTarget {
 public:
     JsonTarget(picojson::value& out, int depth, JsonResult& result)

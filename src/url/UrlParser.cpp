@@ -9,15 +9,15 @@
 namespace velm {
 namespace {
 
-/// A query with at most this many "&" goes into the map as it is read.
+/// A query with at most this many "&" is inserted into the map as it is read.
 constexpr std::ptrdiff_t kFew = 128;
 
 struct Parameter {
-    std::uint64_t prefix;  // the first 8 bytes of the name, as a number that sorts like them
+    std::uint64_t prefix;  // the first 8 bytes of the name, as a number with the same order
     std::string_view name;
     std::string_view value;
 
-    /// By name; the same names in their order in the query.
+    /// Orders by name, and equal names by their position in the query.
     bool operator<(const Parameter& other) const {
         if (prefix != other.prefix) {
             return prefix < other.prefix;
@@ -95,10 +95,10 @@ void UrlParser::DebugPrint() const {}
 //
 //     ^(([^:/?#]+):)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?
 //
-// matched in full from left to right, each optional piece taken wherever it stands. That is also what an
-// engine that tries alternatives arrives at: every piece ends at a character which the piece itself may not
-// hold, so giving one up never helps a later one. All text matches, unless the fragment holds one of the two
-// line ends that "." excludes: no other piece can hold the first "#".
+// must match the whole text. It is matched from left to right, and every optional part that is present is
+// taken. A backtracking engine finds the same match: each part ends at a character that it cannot contain, so
+// giving one up never helps the parts after it. Any text matches, unless the fragment contains a line
+// terminator that "." excludes: only the fragment can contain what follows the first "#".
 ErrorCode UrlParser::ParseUrl(const char* url) {
     if (url == nullptr) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
@@ -163,8 +163,8 @@ ErrorCode UrlParser::ParseQuery() {
         }
         name = valueEnd + 1;
     }
-    // Searching the map for the place of each of many names would leave the caches at every step. Sorted
-    // names are appended, without a search.
+    // Looking up each of many names in the map would miss the cache at almost every step. Sorted names are
+    // appended without a search.
     std::sort(many.begin(), many.end());
     for (auto next = many.begin(); next != many.end(); ++next) {
         if (next + 1 == many.end() || next[1].name != next->name) {

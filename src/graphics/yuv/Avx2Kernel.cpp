@@ -1,6 +1,6 @@
-// AVX2. Most of its operations work within 128-bit lanes, so loads distribute the pixels over the lanes: of
-// every 8, the lower lane gets pixels 0 to 3 and the upper one 4 to 7. Every store then writes 8 adjacent
-// pixels.
+// AVX2. Most of its operations work within 128-bit lanes, so pixels are distributed over the lanes as they
+// are loaded: of every 8, the lower lane gets pixels 0 to 3 and the upper one 4 to 7. Every store then writes
+// 8 adjacent pixels.
 #include <immintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"

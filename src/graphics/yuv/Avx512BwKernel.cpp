@@ -1,5 +1,5 @@
-// AVX-512 with BW. As in the AVX2 kernel, loads distribute the pixels over the 128-bit lanes: of every 16,
-// each lane gets 4.
+// AVX-512 with BW. As in the AVX2 kernel, pixels are distributed over the 128-bit lanes as they are loaded:
+// each lane gets 4 of every 16.
 #include <immintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"

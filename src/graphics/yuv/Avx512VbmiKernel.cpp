@@ -1,4 +1,4 @@
-// AVX-512 with VBMI, whose byte permutes assemble 16 pixels in one instruction.
+// AVX-512 with VBMI, which can permute bytes and so assembles 16 pixels in one instruction.
 #include <immintrin.h>
 
 #include "graphics/yuv/YuvBlocks.h"
@@ -6,14 +6,14 @@
 namespace velm::yuv {
 namespace {
 
-/// Indices for a permute: 0 to 63 select from its first table, 64 to 127 from its second.
+/// Indices for a byte permute: 0 to 63 select from its first register, 64 to 127 from its second.
 struct alignas(64) Index {
     unsigned char byte[64];
 };
 
 constexpr int kSecond = 64;
 
-/// Pairs U and V of each block, from a register that holds 32 U followed by 32 V.
+/// Pairs each U with its V, from a register that holds 32 U followed by 32 V.
 constexpr Index MakeChromaIndex() {
     Index index{};
     for (int block = 0; block < 32; ++block) {

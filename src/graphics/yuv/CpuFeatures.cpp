@@ -110,15 +110,15 @@ CpuLevel LevelOf(const CpuReport& report) {
     return level;
 }
 
-// AMD's processors do it in one operation, in all families that have VBMI. Intel's take three, and a vendor
-// whose processors were not measured is not assumed to be faster.
+// All AMD families that have VBMI do so. Intel's processors need three operations. Other vendors' processors
+// were not measured, and are assumed to be no faster.
 bool HasFastTwoTablePermutes(const CpuReport& report) {
     constexpr unsigned int kAuthenticAmd = 0x68747541;  // "Auth"
     return report.leaf0Ebx == kAuthenticAmd;
 }
 
 // Concurrent first calls each detect the level and store the same result. A function-local static would need
-// a guard, for which MinGW's runtime allocates memory without checking that it got any.
+// a guard, for which MinGW's runtime allocates memory without checking for failure.
 CpuLevel GetCpuLevel() {
     static constinit std::atomic<int> known{-1};
     int level = known.load(std::memory_order_relaxed);

@@ -1,4 +1,4 @@
-// SSE2, which every x86-64 processor has. It cannot multiply bytes, so they are widened to words first: luma
+// SSE2, which every x86-64 processor has. It cannot multiply bytes, so they are first widened to words: luma
 // in pixel order, and each chroma term duplicated for the two pixels that share it.
 #include <emmintrin.h>
 
@@ -31,8 +31,8 @@ public:
           m_greenOffset(Words(Offset(matrix, -matrix.uToGreen - matrix.vToGreen))),
           m_blueOffset(Words(Offset(matrix, matrix.uToBlue))) {}
 
-    // U and V are not centred here: the products of blue may wrap, and subtracting the offset wraps them
-    // back.
+    // U and V are not centred here, so the products for blue may wrap around; subtracting the offset undoes
+    // that.
     Chroma LoadChroma(const unsigned char* u, const unsigned char* v) const {
         const __m128i us = LoadWords(u);
         const __m128i vs = LoadWords(v);
@@ -75,7 +75,7 @@ private:
         return _mm_packus_epi16(_mm_srai_epi16(left, kFractionBits), _mm_srai_epi16(right, kFractionBits));
     }
 
-    // Shifts by multiplying: the shift units are busy with the other shifts and the packing.
+    // Multiplies instead of shifting, because shifts and packing compete for the same execution units.
     static __m128i ClampRed(__m128i biased) {
         return _mm_mulhi_epi16(_mm_subs_epu16(biased, Words(kClampBias)), Words(kShiftFactor));
     }

@@ -11,14 +11,14 @@
 ///                  of green                                    -10963 .. 27542
 ///                  of blue                                     -18464 .. 34831
 ///
-/// The chroma terms include luma's offset because four pixels share each of them. Once U and V are centred,
-/// their products fit as well. Only the sum of blue can overflow, and only upwards. A saturating add then
-/// gives 32767; shifted right by 6, that and the true sum both exceed 255, so both are clamped to 255.
-/// Packing with unsigned saturation clamps.
+/// Luma's offset is part of the chroma terms, which four pixels share, so it is subtracted only once for
+/// them. The products fit in 16 bits too once U and V are centred. Only the sum of blue can overflow, and
+/// only upwards. A saturating add then gives 32767; shifted right by 6, both that and the true sum exceed
+/// 255. Packing with unsigned saturation clamps both to 255.
 ///
-/// Where red is not packed, it is clamped before the shift, to 0 .. 16383. With kClampBias added to its
-/// chroma term (33248 .. 62573, unsigned), a saturating add of luma stops at 65535 = 16383 + kClampBias, and
-/// a saturating subtraction of kClampBias stops at 0.
+/// Some kernels do not pack red; they clamp it before the shift, to 0 .. 16383. They add kClampBias to its
+/// chroma term (which gives 33248 .. 62573, unsigned), so that an unsigned saturating add of luma stops at
+/// 65535 = 16383 + kClampBias, and a saturating subtraction of kClampBias then stops at 0.
 #pragma once
 
 #include <cstddef>
@@ -34,13 +34,13 @@ constexpr int kClampBias = 65535 - kLargestSum;
 /// Multiplying by this and taking the upper 16 bits shifts right by kFractionBits.
 constexpr int kShiftFactor = 1 << (16 - kFractionBits);
 
-/// Two adjacent bytes, or factors for them, as one 16-bit number.
+/// Two adjacent bytes, or the factors for two bytes, as one 16-bit number.
 [[maybe_unused]] static constexpr short BytePair(int first, int second) {
     return static_cast<short>(second * 256 + first);
 }
 
-/// Converts a picture in blocks of Block::kPixels pixels, two rows that share their chroma at a time. The
-/// rest of a row is converted in a temporary buffer, so that nothing beyond the row is accessed.
+/// Converts a picture in blocks of Block::kPixels pixels, two rows at a time because they share their chroma.
+/// The rest of a row is converted in a temporary buffer, so that nothing beyond the row is accessed.
 ///
 /// A Block is constructed from a matrix and has two operations: LoadChroma(u, v) reads kPixels / 2 bytes of
 /// each plane and returns the block's chroma terms; StoreRow<kStream>(chroma, y, argb) adds kPixels bytes of
@@ -86,7 +86,7 @@ private:
         }
     }
 
-    // The rows are passed by value, so that no store through a pointer can alias them.
+    // Rows is passed by value, so the compiler knows that no store through a pointer changes it.
     template <int kCount, bool kStream>
     static void ConvertRows(const Block& block, Rows rows, std::size_t width) {
         std::size_t x = 0;

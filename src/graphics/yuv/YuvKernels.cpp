@@ -18,8 +18,8 @@ constexpr Kernel kKernels[] = {
     {"scalar", CpuLevel::kBaseline, ConvertScalar},
 };
 
-/// Output size from which non-temporal stores are faster: output and planes would not stay in the caches
-/// anyway. Measured between 1920 x 1080 (8 MiB) and 3840 x 2160 (32 MiB).
+/// Output size from which non-temporal stores are faster, because output and planes no longer fit the caches.
+/// Measurements put it between 1920 x 1080 (8 MiB) and 3840 x 2160 (32 MiB).
 constexpr std::size_t kPastCachesSize = std::size_t{12} << 20;
 constexpr std::size_t kPastCachesAlignment = 64;
 
@@ -40,8 +40,8 @@ std::span<const Kernel> GetKernels() {
     return kKernels;
 }
 
-// The VBMI kernel needs fewer operations than the AVX-512BW kernel, but six of them are byte permutes from
-// two registers. Speed relative to libyuv's AVX2 path at 640 x 360:
+// The VBMI kernel needs fewer operations than the AVX-512BW kernel, but six of them permute the bytes of two
+// registers, which is slow on some processors. Speed relative to libyuv's AVX2 path at 640 x 360:
 //
 //     processor                   avx512bw  avx512vbmi
 //     AMD, family 25                  1.52        1.98

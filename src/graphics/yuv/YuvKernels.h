@@ -19,7 +19,7 @@ struct Kernel {
     void (*convert)(const Matrix& matrix, const Picture& picture, Writing writing);
 };
 
-/// Returns all kernels, the newest instructions first. The last one, scalar, runs anywhere.
+/// Returns all kernels, those with the newest instructions first. The last one, scalar, runs everywhere.
 std::span<const Kernel> GetKernels();
 
 /// Returns the fastest kernel for a processor.
@@ -29,7 +29,7 @@ const Kernel& ChooseKernel(const CpuReport& report);
 /// Threads: any.
 const Kernel& BestKernel();
 
-/// Returns the kernel of that name; null when there is none or this processor cannot run it.
+/// Returns the kernel of that name; null if there is none or this processor cannot run it.
 const Kernel* FindKernel(std::string_view name);
 
 /// Converts a picture with the given kernel; otherwise like the exported functions.

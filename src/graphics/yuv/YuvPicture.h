@@ -1,8 +1,8 @@
 /// @file
 /// The interface between the picture conversion and its kernels. The kernels are compiled for instruction
-/// sets that the processor may lack, so this header and YuvBlocks.h define nothing whose code the linker
-/// could share with the rest of the library: no inline functions with external linkage, no templates over
-/// shared types, nothing from the standard library.
+/// sets that the processor may lack. So this header and YuvBlocks.h define nothing that the linker might use
+/// in the rest of the library as well: no inline functions with external linkage, no templates over shared
+/// types, nothing from the standard library.
 #pragma once
 
 namespace velm::yuv {
