@@ -125,7 +125,7 @@ TEST(AudioFrameStream, BlocksWhileFullOrEmpty) {
     }
 }
 
-TEST(AudioFrameStream, NeverHangsWithoutAUsableShape) {
+TEST(AudioFrameStream, NeverHangsWithUnusableDimensions) {
     const unsigned int shapes[][4] = {
         {0, 4, 2, 16},  {4, 4, 0, 16}, {0xFFFFFFFF, 4, 2, 16}, {65536, 65535, 1, 8}, {480, 0xFFFFFFFF, 2, 16},
         {480, 0, 2, 16}};
@@ -142,7 +142,7 @@ TEST(AudioFrameStream, NeverHangsWithoutAUsableShape) {
     }
 }
 
-TEST(AudioFrameStream, UnlockForceReleasesOneAndTerminateAll) {
+TEST(AudioFrameStream, UnlockForceFreesOneThreadAndTerminateAll) {
     for (const bool full : {false, true}) {
         SCOPED_TRACE(full ? "pushes" : "takes");
         Ring ring;
@@ -150,13 +150,13 @@ TEST(AudioFrameStream, UnlockForceReleasesOneAndTerminateAll) {
         if (full) {
             ASSERT_EQ(ring.stream.PushAllClearFrame(), 0U);
         }
-        ring.stream.UnlockForce();  // nobody blocks: releases the next thread, and only that
+        ring.stream.UnlockForce();  // nobody is blocked: releases the next thread, and only that one
         EXPECT_EQ(wait(), VELM_ERROR_UTIL_UNKNOWN);
         Blocked forced(wait);
         ring.stream.UnlockForce();
         EXPECT_EQ(forced.Result(), VELM_ERROR_UTIL_UNKNOWN);
         Blocked ended[] = {Blocked(wait), Blocked(wait)};
-        // If they reached the ring, they would find room, or a frame, and the lock free.
+        // A thread that reached the ring would succeed: there is room or a frame, and the lock is free.
         full ? ring.stream.DropAllSamples() : ring.stream.PushBackClearSamples(kSamples);
         g_wakesAreSlow = true;
         const auto begin = Clock::now();
@@ -172,19 +172,19 @@ TEST(AudioFrameStream, UnlockForceReleasesOneAndTerminateAll) {
     }
 }
 
-TEST(AudioFrameStream, KeepsUnlockForceUntilAThreadBlocks) {
+TEST(AudioFrameStream, UnlockForceReleasesTheNextToBlock) {
     Ring ring;
     ASSERT_EQ(ring.stream.PushBackClearFrame(), 0U);
     ring.stream.UnlockForce();
     EXPECT_EQ(ring.stream.DropFrontFrame(), 0U);
     EXPECT_EQ(ring.stream.DropFrontFrame(), VELM_ERROR_UTIL_UNKNOWN);
     Blocked renewed(ring.takes[0]);
-    ASSERT_EQ(ring.stream.Initialize(), 0U) << "misuse: a second time";
+    ASSERT_EQ(ring.stream.Initialize(), 0U) << "a second time, which is misuse";
     EXPECT_EQ(renewed.Result(), VELM_ERROR_UTIL_UNKNOWN);
 }
 
 #ifndef _WIN32
-// A frame of one page; a thread that touches it is held until it is released.
+// A frame of one page; a thread that touches it is held up until g_released.
 alignas(4096) short g_page[2048] = {};
 std::atomic<bool> g_held{false};
 std::atomic<bool> g_released{false};
@@ -196,8 +196,8 @@ void HoldUp(int) {
     mprotect(g_page, sizeof g_page, PROT_READ | PROT_WRITE);
 }
 
-// Terminate waits for a push in progress, unless it takes so long that its thread must have been killed.
-TEST(AudioFrameStream, TerminateLetsNobodyInDuringAPush) {
+// Terminate waits for a push in progress, unless it takes so long that its thread must be dead.
+TEST(AudioFrameStream, TerminateAdmitsNobodyDuringAPush) {
     const auto handler = std::signal(SIGSEGV, &HoldUp);
     for (const bool killed : {false, true}) {
         SCOPED_TRACE(killed);
@@ -213,7 +213,7 @@ TEST(AudioFrameStream, TerminateLetsNobodyInDuringAPush) {
         }
         Blocked takes[] = {Blocked(take), Blocked(take)};  // one waits for the ring, one for a frame
         Blocked end([&] { return stream.Terminate(), ErrorCode(0); });
-        EXPECT_TRUE(takes[0].Blocks() || takes[1].Blocks()) << "let in during the push";
+        EXPECT_TRUE(takes[0].Blocks() || takes[1].Blocks()) << "entered the ring during the push";
         if (killed) {
             end.Result();
         }
@@ -232,7 +232,7 @@ struct Soak {
     static constexpr unsigned int kNumbers = 16;
 
     AudioFrameStream stream{kNumbers, 4, 2, 16};
-    std::atomic<unsigned int> difference{0};  // between the sums of the numbers pushed and taken
+    std::atomic<unsigned int> difference{0};  // of the sums of the numbers pushed and taken
     std::atomic<unsigned long long> taken{0};
 
     void Push(unsigned int number) {
@@ -279,8 +279,8 @@ struct Soak {
     }
 };
 
-// VELM_SOAK_SECONDS makes it longer.
-TEST(AudioFrameStreamSoak, LosesAndTearsNoFrames) {
+// VELM_SOAK_SECONDS sets its length.
+TEST(AudioFrameStreamSoak, NeverLosesOrTearsFrames) {
     const char* const given = std::getenv("VELM_SOAK_SECONDS");
     const auto end = Clock::now() + std::chrono::seconds(given != nullptr ? std::atoi(given) : 1);
     Soak soak;

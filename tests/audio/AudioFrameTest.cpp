@@ -10,7 +10,7 @@ namespace velm::audio_frame_test {
 
 using Bytes = std::vector<unsigned char>;
 
-/// Expects a frame of these bytes; none: no frame.
+/// Expects a frame of these bytes, or no frame if there are none.
 void ExpectFrame(AudioFrame& frame, const Bytes& bytes) {
     const bool held = !bytes.empty();
     ASSERT_EQ(frame.GetFrameBufferSize(), bytes.size());
@@ -24,7 +24,7 @@ void ExpectFrame(AudioFrame& frame, const Bytes& bytes) {
     EXPECT_EQ(frame.IsOpusCodec(), held && bytes[1] >= 2);
 }
 
-// The two frames swap roles, so each starts with the other role's state.
+// Writer and reader swap objects, so each starts with the state that the other role left.
 TEST(AudioFrame, CarriesEveryTypeFromWriterToReader) {
     Bytes data = test::RandomBytes(300);
     AudioFrame frames[2];
@@ -61,7 +61,7 @@ TEST(AudioFrame, ReaderRejectsInvalidHeaders) {
         if (code != 0) {
             continue;
         }
-        // The getters check again: the bytes belong to the caller, who may change them.
+        // The getters check again, because the caller may have changed the bytes.
         bytes[4] = static_cast<unsigned char>(bytes.size() - 5);
         EXPECT_EQ(frame.GetDataBufferSize(), 0U);
         bytes[1] = 9;
@@ -83,10 +83,10 @@ TEST(AudioFrame, WriterAcceptsAnySizeThatFits) {
     EXPECT_EQ(frame.GetFrameBufferSize(), 70'006U);
     EXPECT_EQ(frame.GetDataBufferSize(), 70'000U % 65536U);
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
-    EXPECT_EQ(frame.GetDataBuffer()[2], 4) << "its own frame as data";
+    EXPECT_EQ(frame.GetDataBuffer()[2], 4) << "wrong when its own frame is the data";
     unsigned char* const buffer = frame.GetFrameBuffer();
     ASSERT_EQ(frame.InitilizeWriter(E_FrameType_Raw0, 5, 70'006, frame.GetFrameBuffer()), 0U);
-    EXPECT_EQ(frame.GetFrameBuffer(), buffer) << "allocated although it fits";
+    EXPECT_EQ(frame.GetFrameBuffer(), buffer) << "reallocated although it fits";
     const std::tuple<int, unsigned int, unsigned char*> invalid[] = {
         {0, 1, nullptr}, {0, 0xFFFFFFFA, data.data()}, {-1, 9, data.data()}, {4, 9, data.data()}};
     for (const auto& [type, size, bytes] : invalid) {

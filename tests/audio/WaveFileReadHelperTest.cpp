@@ -19,14 +19,15 @@ std::string Samples(std::size_t size) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// A helper that reads a file of these bytes.
+/// A helper that reads a file with these bytes.
 struct Wave {
     explicit Wave(const std::string& bytes) : file("wave.wav", bytes) {
         EXPECT_EQ(reader.Open(file.Name()), 0U);
         initialized = helper.Initialize(&reader);
     }
 
-    /// All sample data, in blocks of 10 ms, each read by a copy: copies continue where the original was.
+    /// Reads all sample data in blocks of 10 ms, each with a copy: copies continue where the original
+    /// stopped.
     std::string ReadAll() {
         std::string all;
         std::vector<unsigned char> block(1 << 16);
@@ -47,7 +48,7 @@ struct Wave {
     ErrorCode initialized;
 };
 
-/// Expects the tag, channels, sample rate and depth of the body of a "fmt " chunk.
+/// Expects the tag, channels, sample rate and depth that the body of a "fmt " chunk gives.
 void ExpectFormat(WaveFileReadHelper& helper, const std::string& format) {
     unsigned int rate = 0;
     unsigned int channels = 0;
@@ -105,7 +106,7 @@ TEST(WaveFileReadHelper, SizesBlocksByPlayTime) {
         {1, 48000, 20, 959, VELM_ERROR_UTIL_INVALID_PARAM, 0},
         {1, 44100, 1, 4096, VELM_ERROR_UTIL_INVALID_PARAM, 0},
         {0, 48000, 10, 4096, VELM_ERROR_CORE_NOTHING_TO_READ, 0},
-        // The products wrap at 32 bits: 500,000,000 * 9 is 205,032,704, no multiple of 1000.
+        // The products wrap at 32 bits: 500,000,000 * 9 becomes 205,032,704, which is not a multiple of 1000.
         {1, 500'000'000, 9, 4096, VELM_ERROR_UTIL_INVALID_PARAM, 0},
     };
     const std::string data = Samples(4000);
@@ -125,9 +126,9 @@ TEST(WaveFileReadHelper, SizesBlocksByPlayTime) {
     }
 }
 
-// Of a second format that is cut, the bytes that are there replace those of the first; a chunk under 18 bytes
-// clears the first before.
-TEST(WaveFileReadHelper, ReadsAFileCutAnywhereAsFarAsItGoes) {
+// If a second format chunk is truncated, its bytes replace those of the first. A chunk under 18 bytes clears
+// the first format before that.
+TEST(WaveFileReadHelper, ReadsTruncatedFilesUpToTheirEnd) {
     const std::string data = Samples(250);
     const std::string first = PcmFormat(1, 8000, 8) + std::string(2, '\0');
     const std::string second = PcmFormat(2, 44100, 16) + std::string(2, '\1');

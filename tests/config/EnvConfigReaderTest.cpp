@@ -20,9 +20,9 @@ TEST(EnvConfigReader, FindsVariablesByName) {
     ASSERT_EQ(_wputenv(L"VELM_TEST_GONE=x"), 0);
     ASSERT_EQ(_wputenv(L"VELM_TEST_GONE="), 0);
     ASSERT_EQ(_wputenv(L"VELM_TEST_\xE9=accent"), 0);
-#if !defined(_MSC_VER)  // its runtime copies the environment and has no empty variables
+#if !defined(_MSC_VER)  // whose runtime copies the environment and has no empty variables
     ASSERT_TRUE(SetEnvironmentVariableW(L"VELM_TEST_EMPTY", L""));
-    EXPECT_EQ(Read("VELM_TEST_EMPTY"), "") << "set but empty is not missing";
+    EXPECT_EQ(Read("VELM_TEST_EMPTY"), "") << "took set but empty for missing";
 #endif
     const std::pair<std::string, std::string> rows[] = {
         {std::string("velm_Test\0x", 11), "a=b \xE2\x82\xAC\xF0\x9F\x98\x80"},
@@ -35,8 +35,8 @@ TEST(EnvConfigReader, FindsVariablesByName) {
     }
 }
 
-#if !defined(_MSC_VER)  // its runtime reads the value itself, in Wine without a lock
-TEST(EnvConfigReader, ReadsChangingValuesWhole) {
+#if !defined(_MSC_VER)  // whose runtime reads the value itself, under Wine without a lock
+TEST(EnvConfigReader, NeverMixesOldAndNewValues) {
     const std::wstring longEntry = L"VELM_TEST_RACE=" + std::wstring(5000, L'l');
     ASSERT_EQ(_wputenv(L"VELM_TEST_RACE=short"), 0);
     std::atomic<bool> stop{false};

@@ -6,7 +6,7 @@
 
 #include "TemporaryFile.h"
 
-// What Wine 8 answers.
+// The results of Wine 8.
 namespace velm::ini_config_reader_test {
 
 using namespace std::string_literals;

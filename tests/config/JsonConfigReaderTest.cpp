@@ -60,7 +60,7 @@ TEST(JsonConfigReader, ReadsFilesAsJoinedLines) {
     }
 }
 
-TEST(JsonConfigReader, KeepsItsTextIfNoFileOpens) {
+TEST(JsonConfigReader, KeepsItsTextIfTheFileCannotOpen) {
     JsonConfigReader reader;
     reader.Read("[1]");
     EXPECT_EQ(reader.ReadFile("none.json"), 1);
@@ -68,7 +68,7 @@ TEST(JsonConfigReader, KeepsItsTextIfNoFileOpens) {
     EXPECT_EQ(reader.ReadFile(std::filesystem::current_path().string()), 1);
 }
 
-TEST(JsonConfigReader, IgnoresTheRestAndRejectsInfinity) {
+TEST(JsonConfigReader, IgnoresTrailingTextAndRejectsInfinity) {
     for (const auto& [text, answer] :
          {std::pair<std::string, std::string>{"{} word", "{}"},
           {"1 " + Repeat("[", 200), "1"},
@@ -108,10 +108,11 @@ TEST(JsonConfigReader, ReadsLongNumbersExactlyAndFast) {
     }
     EXPECT_EQ(ParseText("[1" + zeros + "e-99000, 2]"), kError + ", 2]");
     EXPECT_EQ(ParseText("[1e99999999999999999999]"), kError + "]");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2)) << "43 s in quadratic time";
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2))
+        << "a quadratic parser takes 43 s";
 }
 
-// A long double, where it is longer than a double, holds the midpoint of two doubles, which has up to 767
+// Where a long double is longer than a double, it holds the midpoint of two doubles, which has up to 767
 // digits.
 TEST(JsonConfigReader, RoundsNumbersToTheNearestDouble) {
     std::mt19937_64 random(test::SeededRandom()());
@@ -143,9 +144,10 @@ TEST(JsonConfigReader, KeepsAnEarlierError) {
     EXPECT_EQ(value.serialize(), "[1]");
     reader.Read(Repeat("[{\"a\":", 100));
     EXPECT_FALSE(reader.getJsonValue(value, error));
-    EXPECT_EQ(error, kError + "{\"a\":" + Repeat("[{\"a\":", 49)) << "after the bracket of level 101";
+    EXPECT_EQ(error, kError + "{\"a\":" + Repeat("[{\"a\":", 49)) << "not at the bracket of level 101";
     EXPECT_EQ(value.serialize(), "[1]") << "text that is too deep changed the value";
-    EXPECT_EQ(ParseText("[1 2\n" + Repeat("[", 200)), kError + "2") << "an error before that bracket";
+    EXPECT_EQ(ParseText("[1 2\n" + Repeat("[", 200)), kError + "2")
+        << "an error before that bracket comes first";
 }
 
 TEST(JsonConfigReader, MatchesPicojsonOnRandomText) {

@@ -16,7 +16,7 @@ TEST(KeyStringToByteData, ConvertsEveryKindOfDigit) {
                             0xCD, 0xEF, 0x77, 0x0A, 0xFA, 0x00, 0xF0, 0x39};
     Bytes buffer{};
     EXPECT_EQ(KeyStringToByteData::Translate(100, (text + "ffff").c_str(), 34, buffer.data()), 0U);
-    EXPECT_EQ(buffer, expected) << "64 digits and no more";
+    EXPECT_EQ(buffer, expected) << "did not read exactly 64 digits";
 }
 
 TEST(KeyStringToByteData, RejectsShortLengths) {

@@ -19,7 +19,7 @@
 namespace velm::error_registry_test {
 
 // The first test of the program, so that all the threads find the registry empty.
-TEST(ErrorRegistry, LosesAndDoublesNoCodeUnderThreads) {
+TEST(ErrorRegistry, LosesOrRepeatsNoCodeAcrossThreads) {
     constexpr unsigned int kThreads = 4;
     constexpr unsigned int kCodes = 200;
     std::atomic<unsigned int> arrived{0};

@@ -13,7 +13,7 @@ namespace velm::file_reader_test {
 using test::TemporaryFile;
 
 // The reader's buffer holds 262144 bytes.
-TEST(FileReader, ReadsTheSameBytesInAnyPieces) {
+TEST(FileReader, ReadsTheSameBytesInPiecesOfAnySize) {
     const auto pattern = test::RandomBytes(600'000);
     const std::string content(pattern.begin(), pattern.end());
     const TemporaryFile file("pieces.bin", content);

@@ -32,7 +32,7 @@ TEST(PathHelper, NeverWritesPastTheBuffer) {
 }
 
 // Up to 512 units are converted on the stack.
-TEST(PathHelper, ConvertsAnySizeAndNuls) {
+TEST(PathHelper, ConvertsAnyLengthAndEmbeddedNuls) {
     for (const std::size_t size : {0U, 1U, 512U, 513U, 5000U}) {
         SCOPED_TRACE(size);
         std::wstring wide = L"old";

@@ -6,7 +6,7 @@ namespace velm::spin_time_test {
 
 constexpr Ticks kMicrosecond = 2'000;
 
-TEST(WakeTime, FollowsTheWakeUps) {
+TEST(WakeTime, AveragesWakeUpsWithinItsLimits) {
     const struct {
         const char* name;
         Ticks posted, awake, learned;
@@ -15,7 +15,7 @@ TEST(WakeTime, FollowsTheWakeUps) {
         {"40 us", 5'000, 5'000 + 40 * kMicrosecond, 40 * kMicrosecond},
         {"10 us, while the counter overflows", Ticks(0) - 1, 10 * kMicrosecond - 1, 10 * kMicrosecond},
         {"a thread that was suspended", 0, 1'000'000 * kMicrosecond, WakeTime::kLongest},
-        {"a counter that is behind", 9'000, 5'000, 0},
+        {"a counter that lags behind", 9'000, 5'000, 0},
     };
     WakeTime time;
     for (const auto& [name, posted, awake, learned] : cases) {
@@ -23,7 +23,7 @@ TEST(WakeTime, FollowsTheWakeUps) {
         const Ticks before = time.Get();
         time.Learn(posted, awake);
         EXPECT_NEAR(double(time.Get()), double(before), WakeTime::kLongest / 8.0)
-            << "one wake-up says little";
+            << "changed too much after one wake-up";
         for (int i = 0; i < 80; ++i) {
             time.Learn(posted, awake);
         }
@@ -31,7 +31,7 @@ TEST(WakeTime, FollowsTheWakeUps) {
     }
 }
 
-TEST(SpinTrials, BecomeRareButNeverEndAndResume) {
+TEST(SpinTrials, BackOffButNeverStopAndRecover) {
     SpinTrials trials;
     for (int round = 0; round < 2; ++round) {
         int due = 0;

@@ -22,12 +22,12 @@
 
 using namespace std::chrono_literals;
 
-// Calls that put a thread to sleep, and calls that wake threads; on Linux only.
+// Count the calls that put a thread to sleep and those that wake threads; on Linux only.
 static std::atomic<int> g_waits{0};
 static std::atomic<int> g_wakes{0};
 static std::atomic<bool> g_processEnds{false};
 
-// By how much each wake-up is delayed, and when a thread last fell asleep and was awake again; on Linux only.
+// The delay added to each wake-up, and when a thread last fell asleep and last woke up; on Linux only.
 using Clock = std::chrono::steady_clock;
 static std::atomic<Clock::duration> g_wakeDelay{Clock::duration::zero()};
 static std::atomic<Clock::time_point> g_asleep{};
@@ -73,7 +73,7 @@ unsigned char RtlDllShutdownInProgress() {
 
 namespace velm::synchronization_test {
 
-/// Expects that an operation never sleeps and makes a number of calls that wake threads.
+/// Expects an operation not to sleep and to make this many calls that wake threads.
 template <typename Run>
 void ExpectWakes([[maybe_unused]] int wakes, Run run) {
     g_waits = g_wakes = 0;
@@ -161,7 +161,7 @@ TEST(Mutex, AdmitsOneThreadAtATime) {
     EXPECT_EQ(count, rounds);
 }
 
-TEST(Mutex, WakesEverySleeperAndNobodyElse) {
+TEST(Mutex, WakesAllSleepersWithoutSpareCalls) {
     Mutex mutex;
     mutex.Initialize();
     mutex.Lock();
@@ -236,13 +236,14 @@ TEST(Semaphore, SpinsAsLongAsAWakeUpTakes) {
             const Clock::time_point posted = Clock::now();
             semaphore.Post(1);
             waiter.join();
-            if (round >= 32) {  // until then it learns
+            if (round >= 32) {  // earlier rounds teach it the delay
                 spins.push_back(g_asleep.load() - began);
                 wakeUps.push_back(g_awake.load() - posted);
             }
         }
         g_wakeDelay = Clock::duration::zero();
-        // Other threads can only lengthen a spin, and an average is between the least and the greatest value.
+        // Other load can only lengthen a spin, and an average lies between the smallest and the largest
+        // value.
         const Clock::duration spin = std::ranges::min(spins);
         const auto [shortest, longest] = std::ranges::minmax(wakeUps);
         EXPECT_GE(spin, std::min<Clock::duration>(shortest, 50us) * 9 / 10) << delay / 1us;

@@ -19,7 +19,7 @@ void Start(Thread& thread, int (*function)(void*), void* argument, const ThreadC
     ASSERT_EQ(thread.Start(nullptr), 0U);
 }
 
-/// Counts its runs; throws in the third.
+/// Counts its runs; the third one throws.
 int CountToThree(void* counter) {
     if (++*static_cast<int*>(counter) == 3) {
         throw std::runtime_error("on purpose");

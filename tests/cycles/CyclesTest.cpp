@@ -1,5 +1,5 @@
 /// @file
-/// Repeats every operation of tests/failures/Operations.cpp: none may leave anything behind.
+/// Repeats every operation of tests/failures/Operations.cpp; none may leave anything behind.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -12,7 +12,7 @@
 namespace velm::test {
 namespace {
 
-/// What the process holds after a number of cycles. The system may still be winding up the last thread.
+/// What the process holds after a number of cycles. Waits until the system has cleaned up the last thread.
 ProcessResources ResourcesAfter(const Operation& operation, int cycles, long long threads) {
     for (int i = 0; i < cycles; ++i) {
         EXPECT_EQ(operation.run({[] {}, [] {}}), operation.outcome);
@@ -23,7 +23,7 @@ ProcessResources ResourcesAfter(const Operation& operation, int cycles, long lon
     return GetProcessResources();
 }
 
-// VELM_CYCLES sets another number of cycles.
+// VELM_CYCLES sets the number of cycles.
 TEST(Cycles, RepeatedOperationsLeakNothing) {
     const char* const given = std::getenv("VELM_CYCLES");
     for (const Operation& operation : AllOperations()) {

@@ -1,5 +1,5 @@
 /// @file
-/// Fails each Windows call that the libraries make, one at a time, in every operation.
+/// Makes each Windows call of every operation fail, one at a time.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -25,7 +25,7 @@ struct Failure {
 constexpr char kHarmless[] =
     "CloseHandle GetModuleHandleW GetProcAddress MultiByteToWideChar SetThreadDescription WaitOnAddress";
 
-/// Every call of every operation.
+/// Every call that each operation makes.
 const Failure kFailures[] = {
     {"D3d9AdapterRules", "MultiByteToWideChar", VELM_ERROR_CORE_INVALID_PARAM},
     {"D3d9AdapterRules", "CreateFileW", VELM_ERROR_CORE_UNKNOWN},
@@ -78,7 +78,7 @@ long long RunWith(const Operation& operation, const std::string& call, DWORD las
     return RunOne(operation, {begin, end});
 }
 
-/// Fails the call of that number in each way that the table lists.
+/// Makes the call with that number fail in each way that the table lists.
 int FailOne(const Operation& operation, const std::string& call, unsigned int number) {
     int cases = 0;
     std::vector<std::string> ignored;

@@ -1,5 +1,5 @@
 /// @file
-/// Fails each allocation that the libraries make, one at a time, in every operation.
+/// Makes each allocation of every operation fail, one at a time.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ bool Fail(const Operation& operation, Shortage shortage) {
     };
     const long long blocks = g_memory.blocks;
     const long long outcome = RunOne(operation, {begin, [] { g_memory.isShort = false; }});
-    // The first runs, without a shortage, fill the system's caches.
+    // The first runs, in which nothing fails, fill the system's caches.
     if (shortage.from != kNever && !operation.keeps) {
         for (int i = 0; i < 1000 && g_memory.blocks > blocks; ++i) {
             Sleep(1);  // a joined thread may still be exiting
@@ -37,7 +37,7 @@ bool Fail(const Operation& operation, Shortage shortage) {
     return g_memory.didFail;
 }
 
-TEST(Failures, ShortMemoryGivesTheDocumentedOutcome) {
+TEST(Failures, FailedAllocationsGiveTheDocumentedOutcome) {
     ReplaceAllocator();
     int cases = 0;
     for (const Operation& operation : AllOperations()) {

@@ -12,7 +12,7 @@ using velm::test::MayAllocate;
 #define VELM_TEST_MALLOC std::malloc  // the sanitizer has replaced it already
 #else
 #define VELM_TEST_MALLOC __libc_malloc
-// The C library's own functions, for its allocations and those of the layer below the libraries.
+// The C library's own functions, for itself and for the layer below the libraries.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -29,7 +29,7 @@ void* realloc(void* block, std::size_t size) {
 }
 #endif
 
-// Inlined, the pairs of malloc and free would look mismatched to the compiler.
+// If these were inlined, the compiler would report mismatched pairs of malloc and free.
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return MayAllocate() ? velm::test::CountBlock(VELM_TEST_MALLOC(size)) : nullptr;
 }

@@ -1,5 +1,5 @@
 /// @file
-/// The operations of the libraries, and the outcomes of each when something below fails.
+/// The operations of the libraries, and their outcomes when an allocation or a call to Windows fails.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ namespace velm::test {
 /// The outcome of an operation that throws std::bad_alloc.
 constexpr long long kThrew = -1000;
 
-/// The outcomes of operations that write a text and give no code: unchanged, emptied, or as expected.
+/// The outcomes of operations that write a text and return no code: unchanged, emptied, or as expected.
 enum Written : long long { kOld, kEmpty, kNew };
 
 inline long long Number(ErrorCode code) {
@@ -28,7 +28,7 @@ long long Number(T value) {
     return static_cast<long long>(value);
 }
 
-/// One run of an operation: its preparation succeeds; the body that it passes on may fail.
+/// One run of an operation. Nothing fails during its preparation; things may fail in the body it passes on.
 struct Attempt {
     std::function<void()> begin;
     std::function<void()> end;
@@ -50,9 +50,9 @@ struct Attempt {
 struct Operation {
     std::string what;
     std::function<long long(const Attempt&)> run;
-    long long outcome = 0;              ///< when nothing fails; also allowed otherwise
+    long long outcome = 0;              ///< when nothing fails; always allowed
     std::vector<long long> noMemory{};  ///< the outcomes when an allocation fails
-    bool keeps = false;                 ///< never frees its memory
+    bool keeps = false;                 ///< keeps its memory for good
     int slowness = 1;                   ///< run time compared with the others
 };
 

@@ -28,7 +28,7 @@ constexpr long long kCoreNoMemory = VELM_ERROR_CORE_NOT_ENOUGH_MEMORY;
 constexpr long long kCoreInvalid = VELM_ERROR_CORE_INVALID_PARAM;
 constexpr long long kCoreUnknown = VELM_ERROR_CORE_UNKNOWN;
 
-// Texts that need memory of their own.
+// Texts too long for a string's internal buffer.
 const std::string kText = "a text that is longer than a string object";
 const std::wstring kWide(kText.begin(), kText.end());
 
@@ -36,7 +36,7 @@ const std::string kFile = "./a-file-with-a-long-name.ini";
 const std::string kKey = "a section or a key with a long name";
 const TemporaryFile g_file(kFile, '[' + kKey + "]\n" + kKey + '=' + kText + '\n');
 
-/// An operation that gives a text and a code; on failure it keeps the text.
+/// An operation that returns a code and a text, and leaves the text unchanged on failure.
 template <typename Text, typename Body>
 auto Converts(const Text& expected, Body body) {
     return [=](const Attempt& attempt) {
@@ -218,7 +218,7 @@ long long RaiseThread(const Attempt& attempt) {
     return attempt([&] { return thread.StartThreadPriorityHigh(); });
 }
 
-/// Windows leave messages, which take memory until they are read.
+/// Windows leave messages behind, which take memory until they are read.
 void EmptyMessageQueue() {
     for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
     }

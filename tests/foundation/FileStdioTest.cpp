@@ -17,7 +17,7 @@ std::string Content(const char* path) {
     return {text, std::fread(text, 1, sizeof text, file.Get())};
 }
 
-TEST(FileStdio, OpenAlwaysClosesTheEarlierStream) {
+TEST(FileStdio, OpenClosesThePreviousStream) {
     FileStdio file;
     EXPECT_EQ(file.Get(), nullptr);
     const char* const refused[][2] = {{"no such folder/file", "wb"},

@@ -10,7 +10,7 @@
 #include "velm/posix/Control.h"
 #include "velm/WindowsUtil.h"
 
-// A heap that changes the last error when it frees, as that of Windows may.
+// A heap whose free changes the last error, as that of Windows may.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return operator new(size, std::nothrow);
 }
@@ -95,7 +95,7 @@ TEST_F(WindowsUtilPosixTest, WritesOnlyNamesThatFit) {
 }
 
 TEST_F(WindowsUtilPosixTest, HandlesPathsNearTheLimit) {
-    // "D:\" and folders of a length, then the executable.
+    // "D:\" and folders of the given length, then the executable.
     const auto executable = [](std::size_t units, wchar_t letter) {
         return L"D:\\" + std::wstring(units - 9, letter) + L"\\a.exe";
     };
@@ -130,9 +130,10 @@ TEST_F(WindowsUtilPosixTest, MeasuresMatchingScreens) {
     };
     constexpr DWORD kPrimary = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_PRIMARY_DEVICE;
     posix::SetDisplays({screen(1920, 1080), screen(1280, 1440, kPrimary), screen(4000, 3000, 0)});
-    EXPECT_EQ(maxScreenSize(0), std::pair(1920, 1440)) << "of all that are attached";
+    EXPECT_EQ(maxScreenSize(0), std::pair(1920, 1440)) << "not the largest of all attached displays";
     EXPECT_EQ(maxScreenSize(DISPLAY_DEVICE_PRIMARY_DEVICE), std::pair(1280, 1440));
-    EXPECT_EQ(maxScreenSize(DISPLAY_DEVICE_PRIMARY_DEVICE | 0x8), std::pair(0, 0)) << "one of two flags";
+    EXPECT_EQ(maxScreenSize(DISPLAY_DEVICE_PRIMARY_DEVICE | 0x8), std::pair(0, 0))
+        << "counted a display that has only one of the two flags";
     std::vector<posix::Display> seventeen(15, screen(1, 1));
     seventeen.push_back(screen(115, 215));
     seventeen.push_back(screen(116, 216));

@@ -56,7 +56,8 @@ TEST(WindowsUtilText, RoundTripsEveryEncoding) {
         ExpectDecoded(row);
         ExpectEncoded(row);
     }
-    for (const std::size_t size : {0U, 511U, 512U, 1U << 20}) {  // 511 and the NUL fit on the stack
+    for (const std::size_t size :
+         {0U, 511U, 512U, 1U << 20}) {  // the stack buffer holds 511 units and the NUL
         ExpectDecoded({kUtf8, std::string(size, 'x'), std::wstring(size, L'x')});
         ExpectEncoded({kUtf8, std::string(size, 'x'), std::wstring(size, L'x')});
     }

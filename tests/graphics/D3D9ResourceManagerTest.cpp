@@ -81,7 +81,7 @@ TEST_F(D3D9ResourceManagerTest, BroadcastsWhileInitialized) {
     D3D9ResourceManager::Finalize();  // before the resource
 }
 
-TEST_F(D3D9ResourceManagerTest, RegistersEveryCopyOnItsOwn) {
+TEST_F(D3D9ResourceManagerTest, RegistersEveryCopySeparately) {
     D3D9ResourceManager::Initialize();
     Probe probe(&m_log);
     const Probe ofUnregistered(probe);
@@ -89,7 +89,7 @@ TEST_F(D3D9ResourceManagerTest, RegistersEveryCopyOnItsOwn) {
     probe.LogCallbacks();
     probe.Register();
     probe.Register();
-    EXPECT_EQ(Broadcast(), "lLRr") << "twice, or the callbacks in the wrong order";
+    EXPECT_EQ(Broadcast(), "lLRr") << "notified twice, or callbacks in the wrong order";
     {
         Probe constructed(probe);
         Probe assigned(&m_log);
@@ -97,7 +97,7 @@ TEST_F(D3D9ResourceManagerTest, RegistersEveryCopyOnItsOwn) {
             assigned = *source;
             EXPECT_EQ(Broadcast(), "lLlLlLRrRrRr");
         }
-        EXPECT_EQ(constructed.seen, assigned.seen) << "a broadcast shows every resource the same copy";
+        EXPECT_EQ(constructed.seen, assigned.seen) << "resources of one broadcast got different parameters";
         EXPECT_NE(constructed.seen, &m_parameters);
     }
     EXPECT_EQ(Broadcast(), "lLRr") << "destroying a copy removed the source's entry";

@@ -11,7 +11,7 @@
 
 namespace velm::d3_d9_surface_posix_test {
 
-/// A surface that counts its references and leaves its device's set with the last one.
+/// A surface that counts its references and leaves its device's set when the last one is released.
 class FakeSurface final : public IDirect3DSurface9 {
 public:
     FakeSurface(std::set<FakeSurface*>& living, const D3DSURFACE_DESC& given)
@@ -102,7 +102,7 @@ TEST_F(D3D9SurfaceTest, RebuildsByPoolAndUsage) {
         const char* what;
         D3DSURFACE_DESC desc;
         bool released, rebuilt;
-        BOOL lockable, discard;  // -1: no render target, or depth-stencil surface, was requested
+        BOOL lockable, discard;  // -1: no render target or depth-stencil surface was requested
         DWORD flags = 0xFFFFFFFD;
         bool failCreation = false;
     } rows[] = {
@@ -152,8 +152,8 @@ TEST_F(D3D9SurfaceTest, HoldsOneReferencePerObject) {
     EXPECT_EQ(a->count, 2U);
     for (const D3D9Surface* const source : {&std::as_const(first), &copy}) {
         second = *source;
-        EXPECT_EQ(a->count, 3U) << "on assignment, also of the same surface";
-        EXPECT_EQ(m_device.living.size(), 1U) << "kept the surface bound before";
+        EXPECT_EQ(a->count, 3U) << "wrong count after assignment, also of the same surface";
+        EXPECT_EQ(m_device.living.size(), 1U) << "kept the previously bound surface";
     }
     second = D3D9Surface();
     EXPECT_EQ(second.GetSurface(), nullptr);

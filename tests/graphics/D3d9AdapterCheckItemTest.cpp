@@ -15,7 +15,7 @@ using Item = D3d9AdapterCheckItem;
 constexpr GUID kGuid = {0xABCDEF01, 0x2345, 0x6789, {0x0A, 1, 2, 3, 4, 5, 6, 0xFF}};
 constexpr GUID kOtherGuid = {0xABCDEF01, 0x2345, 0x6789, {0x0A, 1, 2, 3, 4, 5, 6, 0xFE}};
 
-/// The operators, of -1 to 9, by which a rule with this operand holds for a fact; as bits.
+/// The operators, of -1 to 9, for which a rule with this operand holds for a fact; one bit each.
 template <typename T, typename Set, typename Check>
 unsigned int Holding(T actual, T value, Set set, Check check) {
     unsigned int holding = 0;
@@ -27,7 +27,8 @@ unsigned int Holding(T actual, T value, Set set, Check check) {
     return holding;
 }
 
-// The operators that hold for each relation of fact and operand, without the bit tests.
+// The operators, without the bit tests, that hold when the fact is less than, equal to or greater than the
+// operand.
 constexpr unsigned int kLess = 0x32;     // !=, <=, <
 constexpr unsigned int kEqual = 0x19;    // ==, >=, <=
 constexpr unsigned int kGreater = 0x0E;  // !=, >, >=
@@ -52,7 +53,7 @@ TEST(D3d9AdapterCheckItem, ComparesIntegersBySignAndWidth) {
                               kAny);
 }
 
-TEST(D3d9AdapterCheckItem, NotEqualAloneHoldsForNaN) {
+TEST(D3d9AdapterCheckItem, OnlyNotEqualHoldsForNaN) {
     const float nan = std::nanf("");
     const struct {
         float actual, value;
@@ -68,7 +69,7 @@ TEST(D3d9AdapterCheckItem, NotEqualAloneHoldsForNaN) {
     EXPECT_EQ(Holding<double>(1.0, 1.0 + DBL_EPSILON, &Item::SetAsDouble, &Item::CheckAsDouble), kLess);
 }
 
-TEST(D3d9AdapterCheckItem, ComparesTextsByUnsignedBytes) {
+TEST(D3d9AdapterCheckItem, ComparesTextAsUnsignedBytes) {
     const struct {
         const char *actual, *value;
         unsigned int holding;
@@ -81,7 +82,8 @@ TEST(D3d9AdapterCheckItem, ComparesTextsByUnsignedBytes) {
         EXPECT_EQ(Holding<const char*>(actual, value, &Item::SetAsString, &Item::CheckAsString), holding)
             << (actual != nullptr ? actual : "null");
     }
-    EXPECT_EQ(Holding<GUID>(kGuid, kGuid, &Item::SetAsGUID, &Item::CheckAsGUID), 0x01U) << "no order";
+    EXPECT_EQ(Holding<GUID>(kGuid, kGuid, &Item::SetAsGUID, &Item::CheckAsGUID), 0x01U)
+        << "GUIDs have no order";
     EXPECT_EQ(Holding<GUID>(kGuid, kOtherGuid, &Item::SetAsGUID, &Item::CheckAsGUID), 0x02U);
 }
 

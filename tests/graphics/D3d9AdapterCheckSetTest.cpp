@@ -31,7 +31,7 @@ ItemPtr Number(D3d9AdapterCheckCommand command, DWORD value) {
     return Rule(&Item::SetAsDWORD, command, value);
 }
 
-/// The result of a check, and the rules that its callback got.
+/// The result of a check, and the rules passed to its callback.
 struct Outcome {
     unsigned int result = 0;
     bool passed = true;
@@ -78,7 +78,7 @@ TEST(D3d9AdapterCheckSet, StopsAtTheFirstFailingRule) {
     }
 }
 
-// Every fact has its command's number.
+// Every fact's value is the number of its command.
 TEST(D3d9AdapterCheckSet, ReadsEveryFactFromItsField) {
     constexpr GUID kIdentifier = {5, 6, 7, {8}};
     D3d9AdapterContext context;
@@ -134,14 +134,14 @@ TEST(D3d9AdapterContext, KeepsFactsThatCannotBeRead) {
         second.failFrom = failFrom;
         second.queries = 0;
         EXPECT_EQ(context.Setup(&second, 5), VELM_ERROR_UTIL_D3D9_FAILED);
-        EXPECT_EQ(second.queries, failFrom + 1U) << "queried on after a failure";
+        EXPECT_EQ(second.queries, failFrom + 1U) << "went on querying after a failure";
         EXPECT_EQ(context.m_pD3d9, &second);
         EXPECT_EQ(context.m_nAdapter, 5U);
         EXPECT_EQ(context.m_identifier.VendorId, failFrom > FakeDirect3D9::kIdentifier ? 11U : 1U);
         EXPECT_EQ(context.m_caps.Caps, failFrom > FakeDirect3D9::kCaps ? 12U : 2U);
         EXPECT_EQ(context.m_displayMode.Width, 3U);
         bool passed = false;
-        EXPECT_EQ(set.Check(&passed, &second, 0), 0U) << "facts that are zero are no error";
+        EXPECT_EQ(set.Check(&passed, &second, 0), 0U) << "a fact that is zero counts as an error";
         EXPECT_EQ(passed, failFrom > FakeDirect3D9::kCaps);
     }
 }

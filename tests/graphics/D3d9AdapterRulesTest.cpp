@@ -15,7 +15,7 @@ std::string Rules(const std::string& fact, const std::string& is, const std::str
     return R"({"rules": [{"fact": ")" + fact + R"(", "is": ")" + is + R"(", "value": )" + value + "}]}";
 }
 
-/// "LINE:COLUMN: what is wrong with a text"; "" when nothing is.
+/// "LINE:COLUMN: MESSAGE" for an invalid text; "" for a valid one.
 std::string ErrorOf(const std::string& text) {
     D3d9AdapterRules rules;
     if (!rules.Read(text.data(), text.size()).IsFailed()) {
@@ -27,7 +27,7 @@ std::string ErrorOf(const std::string& text) {
            rules.GetErrorMessage();
 }
 
-/// Whether the only rule of a text holds.
+/// Whether the text's only rule holds.
 bool Holds(const std::string& text, D3d9AdapterContext& context) {
     D3d9AdapterRules rules;
     EXPECT_EQ(rules.Read(text.data(), text.size()), 0U) << text << rules.GetErrorMessage();
@@ -39,7 +39,7 @@ bool Holds(const std::string& text, D3d9AdapterContext& context) {
     return passed;
 }
 
-TEST(AdapterRules, EveryOperatorAndValueMeansWhatItSays) {
+TEST(AdapterRules, ReadsAllOperatorsAndKindsOfValues) {
     D3d9AdapterContext context;
     context.m_identifier.DriverVersion.QuadPart = 0x000800150000FFFFLL;
     context.m_identifier.VendorId = 0x10DE;
@@ -52,7 +52,8 @@ TEST(AdapterRules, EveryOperatorAndValueMeansWhatItSays) {
         {Rules("driver-version", "==", R"("8.21.0.65535")"), true},
         {Rules("driver-version", "<=", R"("0x80015FFFF")"), false},
         {Rules("driver-version", ">", "-1"), true},
-        {Rules("driver-version", "<", R"("0x8000000000000000")"), false},  // its bits are a negative number
+        {Rules("driver-version", "<", R"("0x8000000000000000")"),
+         false},  // negative: the bits of a signed number
         {Rules("device-id", ">=", "4294967295"), true},
         {Rules("device-identifier", "!=", R"("{aeb2cdd4-6e41-43ea-941c-010203040580}")"), true},
         {Rules("caps2", "has-none", R"("0x30")"), false},
@@ -68,7 +69,7 @@ TEST(AdapterRules, EveryOperatorAndValueMeansWhatItSays) {
     EXPECT_EQ(ErrorOf(R"( {"rules": []} )"), "");
 }
 
-TEST(AdapterRules, AFactAsItIsShownMakesARuleThatHolds) {
+TEST(AdapterRules, FormattedFactsWorkAsRuleValues) {
     D3d9AdapterContext context;
     context.m_identifier.DriverVersion.QuadPart = -2;
     context.m_identifier.SubSysId = 0xFEDCBA98;
@@ -88,7 +89,7 @@ TEST(AdapterRules, AFactAsItIsShownMakesARuleThatHolds) {
     EXPECT_EQ(facts, 15);
 }
 
-TEST(AdapterRules, ABrokenTextIsRefusedInOneLine) {
+TEST(AdapterRules, RejectsInvalidTextWithOneLineErrors) {
     const std::string files[] = {
         "{\"rules\": [",
         "[]",
@@ -131,7 +132,7 @@ TEST(AdapterRules, ABrokenTextIsRefusedInOneLine) {
     }
 }
 
-TEST(AdapterRules, AnErrorIsReportedWhereItIs) {
+TEST(AdapterRules, ReportsTheLineAndColumnOfErrors) {
     const std::pair<std::string, std::string> cases[] = {
         {"", "1:1: expected {"},
         {"\xEF\xBB\xBF{\n\"r\xC3\xBCl\" 1", "2:7: expected :"},
@@ -154,7 +155,7 @@ TEST(AdapterRules, AnErrorIsReportedWhereItIs) {
     }
 }
 
-TEST(AdapterRules, AFileIsReadAndItsRulesAreNamed) {
+TEST(AdapterRules, ReadsFilesAndFormatsTheirRules) {
     const TemporaryFile file("r\xC3\xBCles.json", Rules("caps", "has-any", "\"0x1\""));
     D3d9AdapterRules rules;
     ASSERT_EQ(rules.ReadFile(file.Name()), 0U);

@@ -61,7 +61,7 @@ TEST(YuvKernels, StayInsideSmallPictures) {
     }
 }
 
-/// A large picture bypasses the caches only if its rows begin at multiples of 64.
+/// Large pictures are written past the caches, but only if their rows start at multiples of 64.
 TEST(YuvKernels, ConvertLargePicturesExactly) {
     constexpr std::size_t kLarge = (std::size_t{1} << 31) + 4096 + 4;  // needs 32 bits
     std::mt19937 random(2);
@@ -99,7 +99,7 @@ TEST(YuvKernels, AreFoundByFullName) {
     EXPECT_EQ(yuv::FindKernel(GetYuvToArgbKernelName()), &yuv::BestKernel());
 }
 
-TEST(YuvKernels, TheNewestIsNotChosenWhereItIsSlower) {
+TEST(YuvKernels, NewKernelsThatAreSlowerAreNotChosen) {
     constexpr unsigned int kIntel = 0x756E6547;
     constexpr unsigned int kAmd = 0x68747541;
     constexpr unsigned int kOther = 0x746E6543;

@@ -5,7 +5,7 @@
 
 namespace velm::test {
 
-/// Direct3D with one made-up adapter. Queries give its facts; those from `failFrom` on fail.
+/// Direct3D with one made-up adapter. Queries return its facts; from number `failFrom` on, they fail.
 class FakeDirect3D9 final : public IDirect3D9 {
 public:
     enum Query { kIdentifier, kCaps, kMode, kNone };

@@ -21,7 +21,7 @@ inline std::vector<yuv::Kernel> RunnableKernels() {
     return kernels;
 }
 
-/// The formula, with the coefficients of the two standards.
+/// The conversion formula, with the coefficients of the two standards.
 inline std::uint32_t PixelOf(const yuv::Matrix& matrix, int luma, int cb, int cr) {
     const auto clamp = [](int value) { return std::clamp(value >> 6, 0, 255); };
     const int y = 74 * (luma - 16);
@@ -34,11 +34,11 @@ inline std::uint32_t PixelOf(const yuv::Matrix& matrix, int luma, int cb, int cr
     return static_cast<std::uint32_t>(red << 16 | green << 8 | blue);
 }
 
-/// Where a picture is in memory. Rows of the planes that are read may overlap.
+/// How a picture lies in memory. Rows of the input planes may overlap.
 struct PictureLayout {
     std::size_t width, height;
     std::size_t yStride, uvStride;
-    std::size_t argbStride;  // a multiple of 4, and at least the pixels of a row
+    std::size_t argbStride;  // a multiple of 4, at least the bytes of a row
     Guard guard;
     std::size_t odd = 0;  // added to the address and the stride of the output, both multiples of 4
 };
@@ -96,7 +96,7 @@ private:
         for (std::size_t x = 0; x < m_at.width; ++x) {
             expected[x] = PixelOf(matrix, m_y.Row(row)[x], m_u.Row(row / 2)[x / 2], m_v.Row(row / 2)[x / 2]);
         }
-        // A gap of more than a page is not memory.
+        // Gaps of more than a page are not mapped.
         const std::size_t gap = m_at.argbStride - 4 * m_at.width;
         const bool hasGap = row + 1 < m_at.height && gap < kPageSize;
         return std::memcmp(begin, expected.data(), 4 * m_at.width) == 0 &&

@@ -13,7 +13,7 @@
 
 namespace velm::test {
 
-constexpr std::size_t kPageSize = 4096;  // of every x86-64 system
+constexpr std::size_t kPageSize = 4096;  // on every x86-64 system
 
 /// Which end of the rows lies against an inaccessible page; the other end is then unaligned.
 enum class Guard { kBefore, kAfter };

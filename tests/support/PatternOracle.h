@@ -15,7 +15,7 @@ inline bool Matches(const std::string& text, std::string pattern) {
     return UrlSchemeUtil::checkDomain(text, pattern) == 0U;
 }
 
-/// The standard library's answer; empty if it rejects the pattern.
+/// The standard library's result; empty if it rejects the pattern.
 inline std::optional<bool> MatchesStandard(const std::string& text, const std::string& pattern) {
     try {
         return std::regex_match(text, std::regex(pattern));

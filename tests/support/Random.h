@@ -17,7 +17,7 @@ inline std::mt19937 SeededRandom() {
     return std::mt19937(seed);
 }
 
-/// Pseudo-random bytes, so that a lost, repeated or swapped one shows.
+/// Pseudo-random bytes, so that lost, repeated or swapped ones are noticed.
 inline std::vector<unsigned char> RandomBytes(std::size_t size, unsigned int seed = 1) {
     std::minstd_rand random(seed);
     std::vector<unsigned char> bytes(size);

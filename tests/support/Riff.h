@@ -4,7 +4,7 @@
 
 namespace velm::test {
 
-/// Numbers, chunks and files in RIFF format.
+/// Builds numbers, chunks and files in RIFF format.
 inline std::string Le16(unsigned int value) {
     return {static_cast<char>(value), static_cast<char>(value >> 8)};
 }

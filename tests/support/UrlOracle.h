@@ -25,8 +25,8 @@ inline UrlParts PartsOf(const UrlParser& parser) {
         parser.ParamMap());
 }
 
-/// The same by the regular expression of RFC 3986 and a split of the query; six empty texts if the URL is
-/// invalid. Stack use grows with the text.
+/// The same from the regular expression of RFC 3986 and a simple split of the query; six empty texts if the
+/// URL is invalid. Stack use grows with the length.
 inline UrlParts PartsByExpression(const std::string& url) {
     static const std::regex whole(R"(^(([^\:/?#]+)\:)?(//([^/?#]*))?([^?#]*)(\?([^#]*))?(#(.*))?)");
     static const std::regex pairs("([^=&]*=[^=&]*(&[^=&]*=[^=&]*)*)?");

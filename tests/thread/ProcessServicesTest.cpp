@@ -37,7 +37,7 @@ protected:
     const UniqueWindow m_window = MakeWindow();
 };
 
-TEST_F(WatchdogTest, LastStartCountsAndActivityIsSpared) {
+TEST_F(WatchdogTest, LastStartWinsAndActivityKeepsTheLoop) {
     const UniqueWindow other = MakeWindow();
     Checker first;
     Checker alive;
@@ -57,7 +57,7 @@ TEST_F(WatchdogTest, LastStartCountsAndActivityIsSpared) {
     EXPECT_EQ(RunLoop(m_window.get(), 5 * kPeriod).ticks, 0) << "ticks of either window's timer";
 }
 
-// The timer survives the quit message: a loop that continues is told again.
+// The timer survives the quit message: a loop that goes on gets another one.
 TEST_F(WatchdogTest, EveryTickOfAStallQuitsTheLoop) {
     EXPECT_EQ(m_watchdog->GetExitCode(), 16);
     m_watchdog->SetExitCode(-3);
@@ -72,7 +72,7 @@ TEST_F(WatchdogTest, EveryTickOfAStallQuitsTheLoop) {
     EXPECT_FALSE(m_watchdog->IsActive());
 }
 
-// The system's number for the watchdog's timer may be that of another timer.
+// The system may reuse the number of another timer for the watchdog's.
 TEST_F(WatchdogTest, StopEndsTicksAndKeepsOtherTimers) {
     for (UINT_PTR id = 1; id <= 3; ++id) {
         SetTimer(m_window.get(), id, 1'000'000, nullptr);
@@ -95,7 +95,7 @@ TEST_F(WatchdogTest, StopEndsTicksAndKeepsOtherTimers) {
     }
 }
 
-TEST(ProcessServices, SurvivesLongMessagesRaisesPriority) {
+TEST(ProcessServices, SurvivesLongMessagesAndSetsPriority) {
     AbortMessage("%s", std::string(10'000, 'x').c_str());
     AbortMessage("%.99999999d", 5);
     AbortMessage(nullptr);

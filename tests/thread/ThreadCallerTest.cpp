@@ -46,7 +46,7 @@ TEST(ThreadCaller, RunsOnceAndCountsEveryStart) {
     caller.Stop();
     EXPECT_EQ(caller.GetState(), 65535);
     caller.Start(nullptr, nullptr, 8);
-    EXPECT_EQ(IdOf(caller), 8000 + before + 2) << "a failed start counts, too";
+    EXPECT_EQ(IdOf(caller), 8000 + before + 2) << "a failed start was not counted";
     caller.Stop();
     EXPECT_EQ(caller.GetState(), 2);
     caller.Start(&Count, &runs, nullptr, 2147483647);
@@ -60,7 +60,7 @@ TEST(ThreadCaller, RunsOnceAndCountsEveryStart) {
     EXPECT_EQ(runs, 3);
 }
 
-// Start must neither wait for an earlier thread nor forget it: it uses an event of this function's.
+// Start must neither wait for an earlier thread nor forget it: that thread uses a local event.
 TEST(ThreadCaller, StopJoinsBothThreadsAfterTwoStarts) {
     AutoResetSyncEventWrapper event;
     EXPECT_EQ(event.Initialize(), 0U);

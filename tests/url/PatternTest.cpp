@@ -20,7 +20,7 @@ std::vector<std::string> Words(const char* text) {
     return {std::istream_iterator<std::string>(stream), {}};
 }
 
-/// @param quantifiers  how many it may add: the standard library takes exponential time for nested ones
+/// @param quantifiers  at most this many are added: nested ones take the standard library exponential time
 std::string RandomPattern(std::mt19937& random, int depth, int& quantifiers) {
     static const auto groups = Words("( ( (?: (?= (?!");
     static const auto pieces = Words(
@@ -59,14 +59,14 @@ TEST(Pattern, MatchesTheStandardLibrary) {
         SCOPED_TRACE(pattern + " on " + text);
         const auto expected = MatchesStandard(text, pattern);
         ASSERT_EQ(Matches(text, pattern), expected == true);
-        if (expected && pattern.find('^') == pattern.npos) {  // long text takes another path
+        if (expected && pattern.find('^') == pattern.npos) {  // long text has a code path of its own
             ASSERT_EQ(Matches(padding + text, "~*!(?:" + pattern + ')'), *expected);
         }
     }
 }
 
-// Too rare for random tests: stuck loops and empty iterations, repeated look-ahead at one position,
-// two-digit groups, groups of a failed look-ahead.
+// Too rare for random tests: loops that make no progress, repeated look-ahead at one position, two-digit
+// groups, groups of a failed look-ahead.
 TEST(Pattern, MatchesTheStandardLibraryInRareCases) {
     const auto cases = Words(
         ".??{0,}*+b ab \\w*?*[a-b-c][\\D]? b_ (?:)*x|(?:)*?y|a(?=) a (?:(?=.*b)a)*b aab (a|b)c\\1 aca "
@@ -114,7 +114,7 @@ std::string Repeated(const std::string& piece, std::size_t count) {
     return half + half + (count % 2 == 1 ? piece : "");
 }
 
-/// CPU time of this thread, where available, so that other load does not count.
+/// CPU time of this thread where available, so that other load does not count.
 double Milliseconds() {
 #ifdef CLOCK_THREAD_CPUTIME_ID
     timespec now{};
@@ -125,7 +125,7 @@ double Milliseconds() {
 #endif
 }
 
-/// Takes the fastest try: other load slows caches and pages down, too.
+/// The shortest of several runs: other load also costs time through caches and page faults.
 template <typename Call>
 void ExpectFast(bool accepted, Call call) {
     double least = 1e9;

@@ -15,7 +15,7 @@ TEST(UrlParser, ParsesItsOwnTextAndNull) {
     ASSERT_EQ(parser.Parse("s://h/p?k=v#f"), 0U);
     const UrlParser copy(parser);
     EXPECT_EQ(parser.Param("k") + std::string(parser.Param("K")), "v");
-    EXPECT_EQ(test::PartsOf(parser)[6], "K=");  // asking added it
+    EXPECT_EQ(test::PartsOf(parser)[6], "K=");  // Param added it
     ASSERT_EQ(parser.Parse(parser.Path()), 0U);
     EXPECT_EQ(test::PartsOf(parser), test::PartsByExpression("/p"));
     EXPECT_EQ(test::PartsOf(copy), test::PartsByExpression("s://h/p?k=v#f"));

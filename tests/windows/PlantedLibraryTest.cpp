@@ -1,5 +1,5 @@
 /// @file
-/// Runs in a folder with PlantedLibrary.cpp as avrt.dll, in a process where Wine must not substitute its own.
+/// Runs in a folder where PlantedLibrary.cpp is avrt.dll, and where Wine must not substitute its own.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 class WithoutSystemLibrary {
 public:
     WithoutSystemLibrary() {
-        if (!fs::exists(m_aside)) {  // left by a killed run
+        if (!fs::exists(m_aside)) {  // left behind by a run that was killed
             fs::rename(m_library, m_aside);
         }
     }
@@ -32,13 +32,13 @@ private:
     const fs::path m_aside = SystemFolder() / L"avrt.dll.aside";
 };
 
-TEST(DelayLoad, LoadsNoLibraryOfTheCurrentFolder) {
+TEST(DelayLoad, LoadsNothingFromTheCurrentFolder) {
     const WithoutSystemLibrary missing;
     SchedulingThread scheduling;
     EXPECT_FALSE(scheduling.StartThreadPriorityHigh());
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PROC_NOT_FOUND));
     EXPECT_EQ(GetModuleHandleW(L"avrt.dll"), nullptr);
-    EXPECT_NE(LoadLibraryW(L"avrt.dll"), nullptr) << "nothing is planted";
+    EXPECT_NE(LoadLibraryW(L"avrt.dll"), nullptr) << "no library is planted";
 }
 
 }  // namespace

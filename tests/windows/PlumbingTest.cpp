@@ -1,5 +1,5 @@
 /// @file
-/// Paths, screens and the ends of threads and processes on the real system.
+/// Paths, screens, and the end of threads and processes, on the real system.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ fs::path BesideTheTest(const wchar_t* name) {
     return fs::path(path).parent_path() / name;
 }
 
-/// Runs disabled tests in a process of their own; gives its exit code.
+/// Runs disabled tests in a separate process and returns its exit code.
 std::intptr_t RunDisabled(const fs::path& program, const std::wstring& tests) {
     return _wspawnl(_P_WAIT, program.c_str(), L"windows_test", L"--gtest_also_run_disabled_tests",
                     (L"--gtest_filter=" + tests).c_str(), nullptr);
@@ -41,7 +41,7 @@ TEST(Paths, DISABLED_WriteTheResourcesFolder) {
     std::ofstream("resources.txt") << folder;
 }
 
-TEST(Paths, HoldInUnicodeFoldersAndNearTheLimit) {
+TEST(Paths, WorkInUnicodeFoldersAndNearTheLimit) {
     const fs::path here = fs::absolute(".");
     const fs::path padding = here / std::wstring(60, L'a') / L"";
     const std::size_t left = 240 - padding.wstring().size() - 17;  // of 240 units for the executable
@@ -59,7 +59,7 @@ TEST(Paths, HoldInUnicodeFoldersAndNearTheLimit) {
     }
 }
 
-TEST(Screens, AreThoseOfTheSystem) {
+TEST(Screens, MatchTheSystemMetrics) {
     int width = 0;
     int height = 0;
     ASSERT_EQ(WindowsUtil::GetMaxScreenSize(&width, &height, 0), 0U);
