@@ -12,7 +12,7 @@ class Semaphore;
 ///
 /// Frame operations block only between Initialize and Terminate. Before and after, they fail with
 /// VELM_ERROR_UTIL_UNKNOWN on a full or empty ring, and the object must be used by one thread at a time. The
-/// sample operations of the base class bypass the blocking; used on a shared stream, they break its counts.
+/// sample operations of the base class never block; on a shared stream, they make its frame counts wrong.
 ///
 /// A frame operation returns 0; VELM_ERROR_UTIL_UNKNOWN when Terminate released it, when UnlockForce released
 /// it and the ring is still full or empty, or when there is no storage; VELM_ERROR_UTIL_INVALID_PARAM,
@@ -21,8 +21,8 @@ class Semaphore;
 /// Threads: any number may push and take between Initialize and Terminate. The two sizes are snapshots.
 class VELM_UTIL_API AudioFrameStream : public AudioStream {
 public:
-    /// Allocates zero-filled storage for the frames. There is none where AudioStream would have none, for a
-    /// frame of 0 samples, or when frameNum + 1 frames exceed 2^32 - 1 bytes.
+    /// Allocates zero-filled storage for the frames. There is no storage if AudioStream would have none for
+    /// the same format, for frames of 0 samples, or if frameNum + 1 frames exceed 2^32 - 1 bytes.
     /// @param frameSampleSize  samples per frame
     /// @param frameNum  capacity in frames
     AudioFrameStream(unsigned int frameSampleSize, unsigned int frameNum, unsigned int channelNum,

@@ -56,7 +56,7 @@ enum D3d9AdapterParamCompare : int {
 /// compares; D3d9AdapterCheckSet reads the facts. Unknown commands and operators are stored too; a comparison
 /// with an unknown operator is false.
 ///
-/// Threads: any number may read and compare an item while none sets it.
+/// Threads: any number may read and compare an item, as long as none sets it.
 class VELM_UTIL_API D3d9AdapterCheckItem {
 public:
     /// Starts with the rule that the driver version equals the string "". D3d9AdapterCheckSet rejects it:

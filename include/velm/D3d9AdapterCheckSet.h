@@ -19,7 +19,7 @@ typedef void (*NotifyErrorFunc)(void* user, D3d9AdapterContext* context,
 /// An ordered list of rules that an adapter must all satisfy; an empty set accepts every adapter. A copy
 /// shares the items. Copying and AddItem throw std::bad_alloc when out of memory and then change nothing.
 ///
-/// Threads: any number may use a set, or sets that share items, for checks while none changes them.
+/// Threads: any number may check with a set, or with sets that share items, as long as none changes them.
 class VELM_UTIL_API D3d9AdapterCheckSet {
 public:
     D3d9AdapterCheckSet();

@@ -6,10 +6,10 @@
 
 namespace velm {
 
-/// Reads settings from the environment of the process. Built with Visual C++ it reads the copy of the C
-/// runtime that it shares with its caller: the environment at the start, and changes made by that runtime
-/// (_putenv_s, _wputenv_s). A change made by SetEnvironmentVariable alone is seen in a MinGW build only.
-/// Threads: any number at once.
+/// Reads settings from the environment of the process. A Visual C++ build reads the copy in the C runtime
+/// that it shares with its caller: the environment as the process started, with the changes made through that
+/// runtime (_putenv_s, _wputenv_s). Changes made through SetEnvironmentVariable are seen by MinGW builds
+/// only. Threads: any number at once.
 class VELM_UTIL_API EnvConfigReader {
 public:
     EnvConfigReader();

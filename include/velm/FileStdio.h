@@ -16,7 +16,8 @@ public:
     FileStdio();
     /// Refers to the other's stream without owning it.
     FileStdio(const FileStdio& other);
-    /// Closes an owned stream, then refers to the other's without owning it. No effect if both have the same.
+    /// Closes an owned stream, then refers to the other's without owning it. No effect if both refer to the
+    /// same.
     FileStdio& operator=(const FileStdio& other);
 
     /// Closes an owned stream.

@@ -9,11 +9,11 @@ namespace velm {
 /// Reads settings from INI files, as GetPrivateProfileString does. Every call reads the file again.
 ///
 /// File, section and key names are in the OEM code page. A file name without a folder refers to the Windows
-/// folder, not to the current one: write "./client.ini". A path of more than 260 characters is not found. The
-/// text of a file is UTF-16 if it begins with a byte-order mark, otherwise in the ANSI code page: UTF-8 comes
-/// out wrong outside ASCII (with a mark of its own, Wine and the Linux build read it). `value` receives the
-/// setting, or the default when the file, section or key is missing; it is unchanged when an argument cannot
-/// be converted, and when std::bad_alloc is thrown for lack of memory.
+/// folder, not to the current one: write "./client.ini". A path of more than 260 characters is not found. A
+/// file is read as UTF-16 if it begins with a byte-order mark, otherwise in the ANSI code page, which garbles
+/// UTF-8 outside ASCII. (Wine and the Linux build also read UTF-8 with a byte-order mark.) `value` receives
+/// the setting, or the default if the file, section or key is missing. It is unchanged if an argument cannot
+/// be converted, and if std::bad_alloc is thrown.
 /// Threads: any.
 class VELM_UTIL_API IniConfigReader {
 public:

@@ -20,7 +20,7 @@ public:
     LoadClassPointerFromDll();
     /// Starts empty.
     LoadClassPointerFromDll(const LoadClassPointerFromDll& other);
-    /// Calls Terminate, unless assigned to itself; takes nothing over.
+    /// Calls Terminate, unless assigned to itself; copies nothing.
     LoadClassPointerFromDll& operator=(const LoadClassPointerFromDll& other);
 
     /// Calls Terminate.
@@ -28,7 +28,8 @@ public:
 
     /// Loads the library and creates the object. Calls Terminate first.
     /// @param dllPath  UTF-8
-    /// @param classPointer  out: the object, owned by this one and valid until Terminate; null on failure
+    /// @param classPointer  out: the plug-in's object, owned by this one, valid until Terminate; null on
+    /// failure
     /// @return 0; 1 when the library cannot be loaded or an argument is null; 2 when it does not export
     ///         AllocateClass; 3 when AllocateClass stored null. After 2 and 3 the library stays loaded until
     ///         Terminate.

@@ -46,7 +46,7 @@ public:
     bool StartThreadPriorityHigh();
 
     /// Reverts the registration.
-    /// @return false when there is none, or when the system fails to revert it, which keeps the registration
+    /// @return false if there is none, or if the system fails to revert it; the object then keeps it
     bool EndThreadPriority();
 
 private:

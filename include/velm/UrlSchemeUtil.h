@@ -17,7 +17,7 @@ namespace velm {
 ///   to before the look-ahead that set it, unless that is part of a look-ahead that fails.
 ///
 /// All text is untrusted, patterns included. Matching uses no stack per character, and a call takes well
-/// under 100 ms. What would exceed a limit counts as no match:
+/// under 100 ms. Anything beyond these limits counts as no match:
 /// - a pattern of more than 16,384 bytes, of more than 65,536 instructions once its counted repetitions are
 ///   written out, with look-ahead nested more than 16 deep, or with so many nested repetitions that compiling
 ///   it would move millions of instructions;
@@ -25,8 +25,9 @@ namespace velm {
 ///   patterns, so a link or an address of a megabyte is matched. A byte with two continuations costs about
 ///   five. Patterns like "(a+)+b", where every byte has two, and those with look-ahead or back-references
 ///   suit shorter text;
-/// - a match with two continuations anywhere, if the pattern's branches (alternatives, and repetitions once
-///   the counted ones are written out) times the bytes of the address are more than 67,108,864.
+/// - a match that has two continuations at any byte, if the number of the pattern's branches (alternatives,
+///   and repetitions once the counted ones are written out) times the bytes of the address exceeds
+///   67,108,864.
 ///
 /// Threads: any number at once, each with output strings of its own.
 class VELM_UTIL_API UrlSchemeUtil {
@@ -34,7 +35,7 @@ public:
     /// Does nothing: an object has no state.
     UrlSchemeUtil& operator=(const UrlSchemeUtil& other);
 
-    /// Reads a link and checks the address that it leads to. Three forms are read:
+    /// Reads a link and checks the address that it leads to. There are three forms:
     ///
     ///     velm://connect/BODY?title=TITLE&ticket=TICKET
     ///     velm:BODY;TITLE;TICKET
@@ -44,7 +45,7 @@ public:
     /// @param url  on entry, starts with "http:" or "https", which selects the scheme of the address. It
     ///             receives the scheme, "://" and BODY; a resume link leaves it unchanged
     /// @param param1  receives TITLE: one or more ASCII letters, digits, "_" and "-"; nothing is decoded
-    /// @param param2  receives TICKET: one or more of these and of ".", "~" and "="
+    /// @param param2  receives TICKET: one or more of the same characters, ".", "~" and "="
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM if `url` starts otherwise or the link has another form, with
     ///         all outputs unchanged, or if checkPavix would refuse the address, with the outputs set. To
     ///         tell these apart, pass an empty `param1`: it is empty afterwards unless `source` is a link

@@ -57,11 +57,11 @@ public:
     // length in place of UTF-16, and returns its result; on failure see GetLastError. If a string is null or
     // cannot be converted, Windows is not called. Thread rules are those of the Windows function.
 
-    /// @return the module; null when it was not loaded or `fileName` not converted
+    /// @return the module; null if it was not loaded or `fileName` could not be converted
     static HINSTANCE__* CallLoadLibrary(const char* fileName);
 
     /// @param name  a string; resource ids are not supported
-    /// @return the image; null when it was not loaded or `name` not converted
+    /// @return the image; null if it was not loaded or `name` could not be converted
     static void* CallLoadImage(HINSTANCE__* module, const char* name, unsigned int type, int cx, int cy,
                                unsigned int loadFlags);
 
@@ -124,8 +124,8 @@ public:
     /// @return as GetFullPathForExecDirFile
     static ErrorCode GetFullPathForResourcesDirFile(std::string& path, const std::string& fileName);
 
-    /// Gets the largest width and the largest height, each on its own, of those among the first 16 display
-    /// devices that are attached to the desktop.
+    /// Gets the largest width and, independently, the largest height of the displays attached to the desktop.
+    /// Only the first 16 display devices count.
     /// @param width, height  out: in pixels; 0 when there is no display
     /// @param stateFlags  further DISPLAY_DEVICE_ flags that a display must have; 0 for none
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM when `width` or `height` is null

@@ -36,7 +36,7 @@ VELM_UTIL_API void Yuv420ToArgb8888_BT709(unsigned char* yPlane, unsigned char* 
                                           unsigned int* argb, unsigned int argbStride);
 
 /// Names the instruction set that the conversions use on this processor, for logs and reports.
-/// @return "avx512vbmi", "avx512bw", "avx2", "sse2" or "scalar"; the library's, valid while it is loaded
+/// @return "avx512vbmi", "avx512bw", "avx2", "sse2" or "scalar"; owned by the library
 /// Threads: any.
 VELM_UTIL_API const char* GetYuvToArgbKernelName();
 

@@ -14,9 +14,10 @@ struct ErrorCodeInfo {
 };
 
 /// Registers a code with its facility and name. The strings are copied, so the registering library may be
-/// unloaded. A code that is already known keeps its first entry. Out of memory, the code is not registered.
+/// unloaded. A code that is already known keeps its first entry. If memory runs out, the code is not
+/// registered.
 /// @param facility, name  NUL-terminated; null counts as ""
-/// Threads: any, also under the loader lock: the registry has no lock, and no library is loaded.
+/// Threads: any, also under the loader lock: the function takes no lock and loads no library.
 VELM_CORE_API void RegisterErrorCode(unsigned int code, const char* facility, const char* name);
 
 /// Looks up a registered code or one of the core library's own.

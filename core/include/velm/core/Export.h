@@ -1,5 +1,5 @@
 /// @file
-/// Marks what the two libraries export. The only header of the project that looks at the platform.
+/// Marks what the two libraries export. The project's only header that depends on the platform.
 #pragma once
 
 /// @cond INTERNAL

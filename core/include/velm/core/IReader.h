@@ -27,7 +27,7 @@ public:
         return ReadU8Slowly(value);
     }
 
-    /// Discards the next `size` bytes; stops without a report when a read fails.
+    /// Discards the next `size` bytes; stops silently when a read fails.
     /// Threads: one at a time.
     void Skip(unsigned long long size);
 

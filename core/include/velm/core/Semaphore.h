@@ -8,11 +8,11 @@ namespace velm {
 struct SemaphoreState;
 
 /// A counting semaphore for the threads of one process. While the count is above 0, Wait and Post are one
-/// atomic operation each. At 0, Wait spins where that pays, for about as long as a wake-up takes and some 100
-/// microseconds at most, then sleeps in the system.
+/// atomic operation each. At 0, Wait may spin before it sleeps, for about as long as waking a thread takes
+/// and at most some 100 microseconds.
 class VELM_CORE_API Semaphore {
 public:
-    /// Out of memory, every operation of the object fails; check with Post(0).
+    /// If memory runs out, every operation of the object fails; check with Post(0).
     /// @param initial  initial count; capped at `maximum`
     /// @param maximum  largest count; capped at 2^31 - 1
     Semaphore(unsigned int initial, unsigned int maximum);
