@@ -27,7 +27,7 @@ constexpr ErrorCodeInfo kCoreCodes[] = {
     {VELM_ERROR_CORE_NOTHING_TO_READ, kCoreFacility, "VELM_ERROR_CORE_NOTHING_TO_READ"},
 };
 
-/// The registered codes as a linked list that only grows, at its end. Lock-free and constant-initialized, so
+/// The registered codes as a linked list that grows only at its end. Lock-free and constant-initialized, so
 /// it works under the loader lock and before static constructors run. Entries and their strings stay in place
 /// until the library is unloaded. At process exit they are not freed: other threads may still read them.
 class Registry {
@@ -51,7 +51,7 @@ public:
         Entry* existing = nullptr;
         while (!link->compare_exchange_strong(existing, entry.get())) {
             if (existing->info.code == code) {
-                return;  // another thread was first
+                return;  // another thread registered it first
             }
             link = &existing->next;
             existing = nullptr;
@@ -108,7 +108,7 @@ void RegisterErrorCode(unsigned int code, const char* facility, const char* name
     try {
         g_registry.Add(code, facility != nullptr ? facility : "", name != nullptr ? name : "");
     } catch (...) {
-        // Out of memory: the code has no name, but the library that registers it still loads.
+        // Out of memory: the code gets no name, but the library that registers it still loads.
     }
 }
 

@@ -14,7 +14,7 @@ namespace velm {
 namespace {
 
 constexpr unsigned long long kBufferSize = 256 * 1024;
-// Bytes per system call, whose count has 32 bits.
+// The most bytes per system call, whose count has 32 bits.
 constexpr unsigned long long kLargestRead = 1ULL << 30;
 
 ErrorCode OpenFailure(DWORD lastError) {

@@ -8,10 +8,10 @@ void ClearErrorRegistry();
 
 namespace {
 
-/// What an entry point would do, without one of our own, so that VelmCore links with any runtime's DllMain.
+/// Does what DllMain usually does, without one of our own, so that VelmCore links with any runtime's DllMain.
 class LoadAndUnload {
 public:
-    /// Threads need not be announced to the library.
+    /// The library need not be notified of threads.
     LoadAndUnload() {
         HMODULE self = nullptr;
         if (GetModuleHandleExW(

@@ -28,8 +28,8 @@ public:
 
     /// Loads the library and creates the object. Calls Terminate first.
     /// @param dllPath  UTF-8
-    /// @param classPointer  out: the plug-in's object, owned by this one, valid until Terminate; null on
-    /// failure
+    /// @param classPointer  out: the plug-in's object, valid until Terminate, which releases it; null on
+    ///                      failure
     /// @return 0; 1 when the library cannot be loaded or an argument is null; 2 when it does not export
     ///         AllocateClass; 3 when AllocateClass stored null. After 2 and 3 the library stays loaded until
     ///         Terminate.

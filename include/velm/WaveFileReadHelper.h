@@ -69,9 +69,9 @@ public:
     ErrorCode GetBitsPerSample(unsigned int* bitsPerSample);
 
     /// Gets the encoding of the samples.
-    /// @param formatTag  out: the WAVE format tag, such as 1 for integers (PCM) or 3 for floating point;
-    /// 0xFFFE
-    ///                   if an extension of the chunk, which is not read, names it; unchanged on failure
+    /// @param formatTag  out: the WAVE format tag, such as 1 for integers (PCM), 3 for floating point, or
+    ///                   0xFFFE if the encoding is in an extension of the chunk, which is not read;
+    ///                   unchanged on failure
     /// @return 0; VELM_ERROR_UTIL_INVALID_PARAM for null; VELM_ERROR_UTIL_ILLEGAL_CALL before a "fmt " chunk
     ///         was read
     ErrorCode GetFormatTag(unsigned int* formatTag);

@@ -14,8 +14,8 @@ namespace {
 constexpr unsigned int kLeaveMilliseconds = 50;
 constexpr unsigned int kHolderMilliseconds = 500;
 
-// Result of PushLock and TakeLock: the stream was terminated while the thread waited, so the thread must not
-// touch the ring, which another may be using.
+// Result of PushLock and TakeLock: the stream was terminated while the thread waited, so it must not touch
+// the ring, which another thread may be using.
 constexpr unsigned int kTerminated = VELM_ERROR_UTIL_UNKNOWN;
 
 /// The capacity in samples of a ring for `frameNum` frames; 0 when it exceeds 32 bits.
@@ -106,7 +106,7 @@ void AudioFrameStream::WaitForHolder() {
 }
 
 void AudioFrameStream::DestroySemaphores() {
-    Destroy(m_pLockSemaphore);  // first: a thread that waits for it has already passed one of the others
+    Destroy(m_pLockSemaphore);  // first: a thread that waits for the lock has passed its other semaphore
     Destroy(m_pPushSemaphore);
     Destroy(m_pTakeSemaphore);
 }
@@ -241,8 +241,8 @@ ErrorCode AudioFrameStream::Lock(Semaphore*& slots) {
 }
 
 /// Releases the lock, whether or not the stream is ready, then adds one to `slots`. A post past the maximum
-/// has no effect. That keeps the counts within bounds after UnlockForce, and the lock's at 1 when the stream
-/// was not ready and Lock did not acquire it.
+/// has no effect. That keeps the counts within bounds after UnlockForce, and the lock's count at 1 if the
+/// stream was not ready and the lock was therefore not acquired.
 ErrorCode AudioFrameStream::Unlock(Semaphore*& slots) {
     if (m_pLockSemaphore != nullptr) {
         m_pLockSemaphore->Post(1);

@@ -20,7 +20,7 @@ void Store(int& index, unsigned int value) {
     std::atomic_ref(index).store(static_cast<int>(value), std::memory_order_relaxed);
 }
 
-// Frames whose size is a multiple of the cache line then never share a line.
+// So frames whose size is a multiple of the cache line never share a line.
 constexpr std::align_val_t kBufferAlignment{64};
 
 /// The bytes per sample; 0 when they exceed 32 bits.
@@ -35,7 +35,7 @@ unsigned int BufferByteSize(unsigned int sampleByteSize, unsigned int sampleSize
     return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
 }
 
-/// The size of one or two samples, which are copied through registers: a call to memcpy would cost more.
+/// The size of one or two samples, which are copied in registers because calling memcpy would cost more.
 constexpr bool AreFew(std::size_t bytes) {
     return bytes >= 4 && bytes <= 16;
 }
@@ -60,7 +60,7 @@ inline void CopyFew(unsigned char* to, const unsigned char* from, std::size_t by
 
 }  // namespace
 
-// The steps of pushing and taking a sample come first, for inlining: the calls would cost more than the work.
+// The steps of pushing and taking come first so that they are inlined: calls would cost more than the work.
 
 unsigned int AudioStream::GetUsedSampleSize() {
     const unsigned int back = Load(m_nBackIndex);

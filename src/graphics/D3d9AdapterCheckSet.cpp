@@ -33,7 +33,7 @@ ErrorCode D3d9AdapterCheckSet::Check(bool* passed, IDirect3D9* d3d, UINT adapter
     if (context == nullptr) {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;
     }
-    context->Setup(d3d, adapter);  // facts that cannot be read stay zero; the rules decide about them
+    context->Setup(d3d, adapter);  // facts that cannot be read stay zero, and are checked as such
     const ErrorCode result = Check(passed, context.get());
     return result.IsFailed() ? result : 0;
 }

@@ -26,7 +26,7 @@ bool Satisfies(const D3d9AdapterFact& fact, D3d9AdapterCheckItem& item) {
 }  // namespace
 
 const D3d9AdapterCommand* FindAdapterCommand(D3d9AdapterCheckCommand command) {
-    const auto index = static_cast<unsigned int>(command);  // makes negative commands out of range
+    const auto index = static_cast<unsigned int>(command);  // negative commands become out of range
     return index < std::size(kD3d9AdapterCommands) ? &kD3d9AdapterCommands[index] : nullptr;
 }
 

@@ -4,7 +4,7 @@
 
 namespace velm {
 
-/// Locks a mutex for its scope. If the lock fails, the scope runs unguarded and nothing is unlocked.
+/// Locks a mutex for its scope. If that fails, the scope runs without the lock, and nothing is unlocked.
 class MutexGuard {
 public:
     explicit MutexGuard(Mutex& mutex) : m_mutex(mutex), m_locked(!mutex.Lock().IsFailed()) {}

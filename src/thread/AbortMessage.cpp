@@ -14,7 +14,8 @@ void AbortMessage(const char* format, ...) {
     char message[1024];
     va_list arguments;
     va_start(arguments, format);
-    // Not std::vsnprintf: MinGW's allocates a field's width and precision on the stack, however large.
+    // Not std::vsnprintf: MinGW's takes a buffer of the field's width and precision from the stack, however
+    // large.
     _vsnprintf(message, sizeof message, format, arguments);
     va_end(arguments);
 }

@@ -3,9 +3,9 @@
 namespace velm {
 
 /// Base of the objects that are created on first use and destroyed when the library is unloaded, newest
-/// first, like function-local statics. Unlike those they allocate nothing, neither for a guard nor for a
-/// destructor entry of the runtime, so the first use cannot fail. Threads: the first use must not race with
-/// any use of this or another such object.
+/// first, like function-local statics. Unlike those, they allocate nothing, neither for a guard nor for the
+/// runtime's list of destructors, so the first use cannot fail.
+/// Threads: the first use must not race with any use of this or another such object.
 class FirstUseObject {
 public:
     FirstUseObject(const FirstUseObject&) = delete;

@@ -14,8 +14,9 @@ constexpr UINT_PTR kTimer = 0;
 
 constinit FirstUse<Watchdog> g_watchdog;
 
-/// Kills the watchdog's timer of a window. Window timers are known by the id that was requested. SetTimer's
-/// result, never 0, may be another timer's id, so it is tried only when the first finds no timer.
+/// Kills the watchdog's timer of a window. A window's timer is identified by the id that was requested.
+/// SetTimer's result, never 0, may be the id of another timer, so it is used only if there is none by the
+/// requested id.
 void RemoveTimer(HWND window, unsigned long long timerId) {
     if (!KillTimer(window, kTimer)) {
         KillTimer(window, static_cast<UINT_PTR>(timerId));
@@ -68,7 +69,7 @@ ErrorCode Watchdog::Start(HWND__* window, WatchdogChecker* checker) {
     if (mTimerId == 0) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
-    // SetTimer replaces a timer of the same window; one of another window would keep ticking.
+    // SetTimer replaces a timer of the same window, but one of another window would keep running.
     if (mWindow != nullptr && mWindow != window) {
         RemoveTimer(mWindow, earlierTimerId);
     }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMatchesOfAnAcceptedAddress = 2;
 
-/// "http://" or "https://", whichever the first five bytes of an address select; empty for neither.
+/// "http://" or "https://", as the first five bytes of an address select; empty if they select neither.
 std::string_view PrefixFor(std::string_view address) {
     const std::string_view beginning = address.substr(0, 5);
     if (beginning == "http:") {

@@ -66,8 +66,7 @@ public:
 
     /// Converts the picture.
     /// @return the first row that differs from the formula or was written past its end, with the layout;
-    /// empty
-    ///         if none
+    ///         empty if there is none
     std::string FirstWrongRow(const yuv::Kernel& kernel, const yuv::Matrix& matrix) {
         const auto [width, height, yStride, uvStride, argbStride, guard, odd] = m_at;
         for (std::size_t row = 0; row < height; ++row) {

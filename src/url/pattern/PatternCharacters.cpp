@@ -54,7 +54,7 @@ constexpr struct {
     {"xdigit", [](int c) { return IsDigit(c) || (ToLower(c) >= 'a' && ToLower(c) <= 'f'); }},
 };
 
-/// The POSIX names of all characters but letters; a letter is its own name.
+/// The POSIX names of all characters except letters; a letter is its own name.
 constexpr struct {
     char first;
     std::string_view names;
@@ -107,7 +107,7 @@ std::optional<PatternSet> FindClass(std::string_view name) {
     return entry == std::end(kClasses) ? std::nullopt : std::optional(SetOf(entry->contains));
 }
 
-/// A letter in both cases or any other element alone; empty if the name is unknown.
+/// A letter in both cases, or any other element alone; empty if the name is unknown.
 std::optional<PatternSet> FindEquivalenceClass(std::string_view name) {
     const auto element = FindElement(name);
     if (!element) {
@@ -122,7 +122,7 @@ std::optional<PatternSet> FindEquivalenceClass(std::string_view name) {
 struct PatternCharacters::Bracket {
     PatternSet set;
     enum { kNothing, kCharacter, kClass } previous = kNothing;  // what a dash would follow
-    char first = 0;                                             // of a range, if a character precedes it
+    char first = 0;                                             // of a range, if `previous` is kCharacter
 
     void Add(const Symbol& symbol) {
         set |= symbol.set;
@@ -140,7 +140,7 @@ struct PatternCharacters::Bracket {
         if (previous != kCharacter || !isCharacter || first > last.character) {
             return false;
         }
-        // NOLINTNEXTLINE(bugprone-signed-char-misuse): in the order of char
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse): char's own order
         for (int c = first; c <= last.character; ++c) {
             set.set(Byte(static_cast<char>(c)));
         }
@@ -230,7 +230,7 @@ PatternCharacters::Symbol PatternCharacters::ReadSymbol() {
     }
 }
 
-/// "[:class:]", "[.element.]" or "[=element=]", after the first bracket; otherwise that bracket itself.
+/// "[:class:]", "[.element.]" or "[=element=]", after its first bracket; otherwise a literal bracket.
 PatternCharacters::Symbol PatternCharacters::ReadNamedSymbol() {
     if (m_cursor.Accept('.')) {
         const auto name = m_cursor.TakeUntil(".]");

@@ -169,8 +169,8 @@ bool PatternCompiler::CompileEscape() {
     return character && AppendAtom({Operation::kCharacter, PatternCharacters::Byte(*character)});
 }
 
-/// Only a group that is complete can be referred to.
-/// @param number  the first digit of it; the cursor is at the second
+/// Only a complete group can be referred to.
+/// @param number  the first digit of its number; the cursor is at the second
 bool PatternCompiler::CompileBackReference(std::uint32_t number) {
     while (const auto digit = m_cursor.AcceptDigit()) {
         number = std::min(number * 10 + *digit, m_program.groups);
@@ -269,7 +269,7 @@ bool PatternCompiler::RepeatAtom(std::size_t least, std::size_t most, Operation 
     return true;
 }
 
-/// Numbers the branches, finds loops over one set, and threads jumps to jumps.
+/// Numbers the branches, finds loops over one set, and shortcuts jumps that lead to jumps.
 void PatternCompiler::Link() {
     auto& instructions = m_program.instructions;
     for (std::size_t i = instructions.size(); i-- > 0;) {
@@ -297,8 +297,8 @@ void PatternCompiler::Link() {
     }
 }
 
-/// Computes the FIRST sets, sweeping backwards until nothing changes: each level of nested loops may take one
-/// more sweep. Programs that need too many get none.
+/// Computes the FIRST sets in backward sweeps until nothing changes; each level of nested loops may take one
+/// more sweep. Programs that need too many sweeps get no FIRST sets.
 void PatternCompiler::PredictNext() {
     m_program.next.resize(m_program.instructions.size());
     for (int sweep = 0; sweep < kMostSweeps; ++sweep) {

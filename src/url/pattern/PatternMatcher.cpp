@@ -6,16 +6,16 @@
 namespace velm {
 namespace {
 
-constexpr std::size_t kStepsToSave = 2;   // saving and backtracking take longer than a step
-constexpr std::size_t kBytesPerStep = 4;  // where nothing but bytes is compared
+constexpr std::size_t kStepsToSave = 2;   // saving and backtracking take longer than one step
+constexpr std::size_t kBytesPerStep = 4;  // where bytes alone are compared
 constexpr std::uint8_t kMostIterationsAtAPosition = 2;
 
-// The transitions of one program: 128 KB at most, and only for text that repays clearing them.
+// The transitions of one program: at most 128 KB, and only for text long enough to repay clearing them.
 constexpr std::size_t kMostInstructionsWithTransitions = 256;
 constexpr std::size_t kLeastTextWithTransitions = 4096;
 constexpr std::size_t kBytes = 256;
 constexpr std::uint16_t kUnknown = 0;
-constexpr std::uint16_t kNone = 1;   // the byte alone decides nothing here
+constexpr std::uint16_t kNone = 1;   // the byte alone does not decide
 constexpr std::uint16_t kFirst = 2;  // leads to instruction 0
 
 std::uint32_t Target(std::uint32_t from, const PatternInstruction& instruction) {
@@ -61,7 +61,7 @@ PatternMatcher::PatternMatcher(const PatternProgram& program, std::string_view t
     }
 }
 
-/// Runs from the cursor to kAccept, at the end of the text if the `whole` is to match.
+/// Runs from the cursor to kAccept, which must be at the end of the text if `whole`.
 bool PatternMatcher::Run(Cursor cursor, bool whole) {
     const std::size_t base = m_saved.size();
     for (;;) {
@@ -80,7 +80,7 @@ bool PatternMatcher::Run(Cursor cursor, bool whole) {
     }
 }
 
-/// Consumes bytes for as long as each of them decides where to go on.
+/// Consumes bytes as long as each alone decides the next instruction.
 inline void PatternMatcher::FollowTransitions(Cursor& cursor) {
     if (m_transitions.empty()) {
         return;
@@ -91,7 +91,7 @@ inline void PatternMatcher::FollowTransitions(Cursor& cursor) {
     while (at != end) {
         std::uint16_t* const row = &m_transitions[cursor.next * kBytes];
         const std::uint32_t same = kFirst + cursor.next;
-        while (at != end && row[*at] == same) {  // a loop over one set, without waiting for its own loads
+        while (at != end && row[*at] == same) {  // a loop over one set, in which no load waits for another
             ++at;
         }
         if (at == end) {
@@ -109,8 +109,8 @@ inline void PatternMatcher::FollowTransitions(Cursor& cursor) {
     Spend((position - std::exchange(cursor.position, position)) / kBytesPerStep);
 }
 
-/// Where a match goes on that is at an instruction and consumes a byte: kFirst + the instruction. kNone if it
-/// fails, if there is more than one continuation, or if more than the byte decides.
+/// Where a match continues after consuming a byte at an instruction: kFirst + the next instruction. kNone if
+/// it fails, if there are several continuations, or if more than the byte decides.
 std::uint16_t PatternMatcher::FindTransition(std::uint32_t instruction, unsigned char byte) const {
     // A loop around an empty part leads back to itself.
     for (std::size_t hops = 0; hops < m_program.instructions.size(); ++hops) {
@@ -230,7 +230,7 @@ inline bool PatternMatcher::StepBranch(Cursor& cursor) {
     return Save(Saved::Kind::kBranch, second, cursor.position);
 }
 
-/// Consumes bytes of a set for as long as that is the only continuation.
+/// Consumes bytes of a set as long as that is the only continuation.
 inline void PatternMatcher::TakeBytes(std::uint32_t set, std::uint32_t otherWay, Cursor& cursor) {
     const auto& bytes = m_program.sets[set];
     const auto& otherBytes = m_program.next[otherWay].bytes;
@@ -245,8 +245,8 @@ inline void PatternMatcher::TakeBytes(std::uint32_t set, std::uint32_t otherWay,
     Spend((cursor.position - begin) / kBytesPerStep);
 }
 
-/// A branch of a program that is not regular: every alternative is tried, but the iterations at a position
-/// are bounded.
+/// A branch of a program that is not regular: every alternative is tried, but the number of iterations at a
+/// position is limited.
 bool PatternMatcher::StepCountedBranch(Cursor& cursor) {
     const PatternInstruction& instruction = m_program.instructions[cursor.next];
     const std::uint32_t behind = Target(cursor.next, instruction);
@@ -264,7 +264,7 @@ bool PatternMatcher::StepCountedBranch(Cursor& cursor) {
     return true;
 }
 
-/// Begins one more iteration of the quantifier at the cursor, unless it would change nothing.
+/// Begins another iteration of the quantifier at the cursor, unless it would change nothing.
 bool PatternMatcher::BeginIteration(Cursor& cursor) {
     const std::uint32_t branch = m_program.instructions[cursor.next].argument;
     Iterations& iterations = m_iterations[branch];
@@ -378,7 +378,7 @@ inline bool PatternMatcher::Backtrack(std::size_t base, Cursor& cursor) {
 
 inline bool PatternMatcher::Save(Saved::Kind kind, std::uint32_t index, std::uint32_t position,
                                  std::uint8_t count) {
-    if (m_saved.empty()) {  // enough for most programs; growing would copy
+    if (m_saved.empty()) {  // enough for most programs, and growing would copy
         m_saved.reserve(std::min(PatternLimits::kSteps / kStepsToSave, 2 * m_text.size() + 16));
     }
     m_saved.push_back({kind, count, static_cast<std::uint16_t>(index), position});

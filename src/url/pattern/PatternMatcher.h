@@ -10,15 +10,14 @@ namespace velm {
 /// Runs a program on a text by backtracking; PatternProgram.h describes how.
 class PatternMatcher {
 public:
-    /// The text of the whole match and of each group, empty where a group took no part.
+    /// The text of the whole match and of each group, empty for a group that took no part in the match.
     using Groups = std::vector<std::string_view>;
 
     /// Whether the program matches the whole text. A match that exceeds a limit counts as no match.
-    /// @param stepsLeft  the budget of the caller's whole call, PatternLimits::kSteps at first; 0 once a
-    /// limit
-    ///        was exceeded
-    /// @param groups  receives views of `text`, unchanged without a match; may be null. The groups are those
-    ///        of std::regex for programs in which no repeated part can be empty
+    /// @param stepsLeft  the steps left for the caller's whole call, PatternLimits::kSteps at first; 0 after
+    ///        a limit was exceeded
+    /// @param groups  receives views of `text`; unchanged without a match; may be null. They are the same as
+    ///        with std::regex if no repeated part of the expression can match the empty text
     /// Throws std::bad_alloc when memory runs out.
     static bool Match(const PatternProgram& program, std::string_view text, std::size_t& stepsLeft,
                       Groups* groups = nullptr);
@@ -38,8 +37,8 @@ private:
         std::uint32_t end = kNowhere;  // kNowhere: took no part
     };
 
-    /// How many iterations of a quantifier began at a position. The second is the last: it sets groups to the
-    /// empty text, and more would change nothing.
+    /// How many iterations of a quantifier began at a position. There are at most two: the second sets groups
+    /// to the empty text, and further ones would change nothing.
     struct Iterations {
         std::uint32_t position = 0;
         std::uint8_t count = 0;
@@ -93,7 +92,7 @@ private:
 
     std::vector<Saved> m_saved;
     std::vector<Group> m_groups;
-    std::vector<bool> m_visits;                // by position and branch: taken before
+    std::vector<bool> m_visits;                // by position and branch: whether it was tried before
     std::vector<Iterations> m_iterations;      // by branch
     std::vector<std::uint16_t> m_transitions;  // by instruction and byte; empty if not worth their memory
 };

@@ -24,17 +24,16 @@
 ///
 /// **Matching.** PatternMatcher runs the instructions depth first. At a branch it takes the preferred
 /// alternative and saves the other as a backtracking point, on a stack in the heap that also holds the undo
-/// entries for captured groups. Three things keep that from taking exponential time:
-/// - Look-ahead by one byte. The compiler computes for each instruction the bytes a match can go on with (a
-///   FIRST set); an alternative whose set lacks the next byte is never tried, and most patterns never
-///   backtrack.
+/// entries for captured groups. Three measures prevent exponential time:
+/// - Look-ahead by one byte. For each instruction, the compiler computes which bytes can come next (a FIRST
+///   set); an alternative whose set lacks the next byte is never tried, and most patterns never backtrack.
 /// - Memoization. In a regular program (no look-ahead, no back-reference) the outcome at a branch depends on
 ///   the position alone, so no branch is tried twice at a position: O(branches * bytes).
 /// - A budget of steps for everything else, the stack included. It covers a whole call, however many patterns
 ///   the call matches.
 ///
-/// On long text, steps that one byte decides are cached by instruction and byte, like the transitions of a
-/// lazy DFA: two loads per byte.
+/// On long text, steps that a single byte decides are cached by instruction and byte, like the transitions of
+/// a lazy DFA, at two loads per byte.
 ///
 /// **Limits.** See PatternLimits. A match that exceeds one counts as no match.
 #pragma once
@@ -84,7 +83,7 @@ struct PatternInstruction {
     std::int32_t offset = 0;     ///< relative to this instruction
 };
 
-/// A superset of the FIRST set of an instruction: what a match can go on with.
+/// A superset of the FIRST set of an instruction: what can come next in a match.
 struct PatternNext {
     PatternSet bytes;
     bool end = false;  ///< of the text
