@@ -1,8 +1,8 @@
-/* core/src/SyncEvent.cpp, of either kind: two setters, three waiters, one of which may be killed, and a thread that destroys
- * the event as soon as the waiters have left, although a setter may still be in its wake call.
+/* core/src/SyncEvent.cpp, manual-reset and auto-reset: two setters, three waiters, one of which may be killed, and a thread
+ * that destroys the event as soon as the waiters have left, while a setter may still be in its wake call.
  *
- * What holds: no live thread sleeps on a set event when nothing can happen any more (unless one was killed between its
- * wake-up and its look at an event that resets itself); nothing is touched after the free.
+ * What holds: when nothing more can happen, no live thread sleeps while the event is set (unless the event is auto-reset
+ * and a thread was killed between its wake-up and its check); nothing is used after it was freed.
  */
 #define TOUCH assert(!freed)
 #define WAITERS 3

@@ -1,8 +1,8 @@
 /* core/src/Mutex.cpp: three threads that lock and unlock, one of which may be killed, and a thread that destroys the mutex
- * as soon as the last has given it back, although that one may still be in its wake call.
+ * as soon as the last one has unlocked it, while that one may still be in its wake call.
  *
- * What holds: one holder at a time, whose mark as the owner nobody else clears; no thread sleeps for good unless one was
- * killed, as a holder or between its wake-up and its lock; nothing is touched after the free.
+ * What holds: there is one owner at a time, and only it clears the owner's id; no thread sleeps forever, unless one was
+ * killed as the owner or between its wake-up and its lock; nothing is used after it was freed.
  */
 #define TOUCH assert(!freed)
 #define THREADS 3

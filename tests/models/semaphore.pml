@@ -1,14 +1,14 @@
 /* core/src/Semaphore.cpp: two waiters, one of which may be killed anywhere; two posters; one destroyer.
  *
- * Each step is one operation on one atomic, in sequentially consistent order. The memory orders are argued for beside the
- * atomics and tried by the thread sanitizer. What holds in every order of the steps:
- * - no lost wake-up: when nothing can happen any more, no live thread sleeps although there is something to take
- *   (a thread that is killed between its wake-up and its take takes the wake-up along);
- * - no thread sleeps once the end has begun, and the destructor ends: woken by the last waiter, or, where one was killed or
- *   is slow, after its 200 ms;
- * - nothing is touched after the free, and there is one free;
+ * Each step is one operation on one atomic, in sequentially consistent order. The memory orders are justified beside the
+ * atomics and tested with the thread sanitizer. In every order of the steps:
+ * - no wake-up is lost: when nothing more can happen, no live thread sleeps while the count is above 0 (unless a thread
+ *   was killed between its wake-up and its take);
+ * - no thread sleeps once the destructor has begun, and the destructor ends: woken by the last waiter, or after 200 ms if a
+ *   waiter was killed or is slow;
+ * - the state is freed once and not used afterwards;
  * - the count never exceeds the maximum; each sleeper is registered once.
- * The definitions BUG_* plant mistakes, which scripts/models expects to be found.
+ * The definitions BUG_* plant bugs, which scripts/models expects the checker to find.
  */
 #define COUNT(c) ((c) & 7)  /* counts: low half */
 #define CLOSING 8           /* kClosing, in counts and in references */
@@ -27,10 +27,10 @@ int references = 1;
 bool freed = false;
 
 bool asleep[WAITERS];
-bool holds[WAITERS];  /* has begun: holds its reference */
+bool holds[WAITERS];  /* has begun and holds its reference */
 bool left[WAITERS];
 bool dead = false;
-byte posted = 0;  /* posters that are done with the state */
+byte posted = 0;  /* posters that have finished with the state */
 bool destroys = false;
 bool slow = false;  /* a waiter takes longer than the destructor waits */
 bool destroyerSleeps = false;
@@ -71,7 +71,7 @@ inline Release(before) {
     fi
 }
 
-/* A compare-exchange that fails is repeated with what it found, so a loop of them is one step on the current value. */
+/* A compare-exchange that fails is retried with the value it found, so such a loop is one step on the current value. */
 #define NOTHING 0
 #define SOME 1
 #define END 2

@@ -1,5 +1,5 @@
 /// @file
-/// Loads and frees the library, which this program is not linked with; functions are found by exported name.
+/// Loads and frees the library, which this program does not link; functions are looked up by exported name.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 
 namespace velm {
 
-/// The class as declared by a program without the library's headers.
+/// The class as a program without the library's headers would declare it.
 class WatchdogChecker {
 public:
     virtual ~WatchdogChecker() = default;
@@ -34,7 +34,7 @@ Result Call(HMODULE library, const char* name, Arguments... arguments) {
     return reinterpret_cast<Result (*)(Arguments...)>(address)(arguments...);
 }
 
-/// Uses everything that lasts until the library is unloaded.
+/// Uses everything that lives until the library is unloaded.
 void UseAll(HMODULE library, HWND window, WatchdogChecker* checker) {
     void* const watchdog = Call<void*>(library, "_ZN4velm8Watchdog11GetInstanceEv");
     Call<void>(library, "_ZN4velm8Watchdog9SetElapseEj", watchdog, kPeriod);
