@@ -27,11 +27,10 @@ private:
     /// A group that is still open, or the whole expression.
     struct Group {
         GroupKind kind = GroupKind::kNonCapturing;
-        std::uint32_t number = 0;     // if capturing
-        std::size_t first = 0;        // instruction
-        std::size_t alternative = 0;  // first instruction of the current alternative
-        std::size_t lastJump =
-            kNone;  // out of the previous alternative; its offset links to the jump before it
+        std::uint32_t number = 0;      // if capturing
+        std::size_t first = 0;         // instruction
+        std::size_t alternative = 0;   // first instruction of the current alternative
+        std::size_t lastJump = kNone;  // of the previous alternative; its offset links to the one before
 
         bool IsLookAhead() const {
             return kind == GroupKind::kLookAhead || kind == GroupKind::kNegativeLookAhead;
