@@ -91,7 +91,7 @@ public:
 private:
     struct Impl;
 
-    std::unique_ptr<Impl> m_pImpl;  ///< null before the first Read, or if memory ran out
+    std::unique_ptr<Impl> m_pImpl;  ///< null if there are neither rules nor an error
 };
 
 }  // namespace velm

@@ -7,9 +7,9 @@
 namespace velm {
 
 /// Reads settings from the environment of the process. A Visual C++ build reads the copy in the C runtime
-/// that it shares with its caller: the environment as the process started, with the changes made through that
-/// runtime (_putenv_s, _wputenv_s). Changes made through SetEnvironmentVariable are seen by MinGW builds
-/// only. Threads: any number at once.
+/// that it shares with its caller: the environment at the start, and changes made through that runtime
+/// (_putenv_s, _wputenv_s). Only a MinGW build also sees changes made through SetEnvironmentVariable alone.
+/// Threads: any number at once.
 class VELM_UTIL_API EnvConfigReader {
 public:
     EnvConfigReader();
