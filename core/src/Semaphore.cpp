@@ -17,8 +17,8 @@
 //   sees the sleeper, and WaitOnAddress returns at once if the low half is no longer 0.
 // - The closing bit keeps the low half nonzero, so no thread falls asleep once it is set.
 //
-// No thread touches freed memory: after its one operation on `counts`, Post uses only the address, which the
-// wake calls do not dereference (so it must read the clock before); a waiter holds a reference from before it
+// No thread touches freed memory: Post stores its time before its one operation on `counts`, and afterwards
+// uses only the address, which the wake calls do not dereference; a waiter holds a reference from before it
 // spins until it leaves.
 
 namespace velm {

@@ -37,7 +37,7 @@ const Row* FindNamed(const Row (&table)[kRows], const AdapterRuleToken& name) {
     return name.kind == '"' && row != std::end(table) ? row : nullptr;
 }
 
-/// Quotes a token in an error message: as written, which has no line breaks, but shortened if long.
+/// Formats a token for an error message: as written, shortened if long. Tokens contain no line breaks.
 std::string Shown(const AdapterRuleToken& token) {
     constexpr std::size_t kShown = 60;
     std::size_t size = std::min(token.raw.size(), kShown);
