@@ -100,7 +100,7 @@ TEST(Pattern, KnowsTheStandardCharacterNames) {
         "[[.grave-accent.]] [[.commercial-at.]] [[.commas.]] [[.com.]] [[==]] [[=a=]] [[=hyphen=]] [b-b] "
         "[b-a]");
     for (const std::string& bracket : brackets) {
-        for (int byte = 0; byte < 256; ++byte) {
+        for (int byte = 0; byte < 256; byte += VELM_TEST_SLOWDOWN) {
             const std::string text(1, static_cast<char>(byte));
             ASSERT_EQ(Matches(text, bracket), MatchesStandard(text, bracket) == true) << bracket << byte;
         }
