@@ -191,20 +191,23 @@ void Suite::MeasureCurve(const std::string& curve, const std::string& unit, Grow
 }
 
 void Suite::RequireGrowth(const std::string& curve, const std::string& series, double from, double to,
-                          double most) {
+                          double most, const std::string& limit) {
     if (m_options.isShort) {
         return;
     }
-    const auto costAt = [&](double size) {
-        for (const picojson::value& point :
-             m_curves.at(curve).get("series").get(series).get<picojson::array>()) {
+    const auto costAt = [&](const std::string& of, double size) {
+        for (const picojson::value& point : m_curves.at(curve).get("series").get(of).get<picojson::array>()) {
             if (point.get(0).get<double>() == size) {
                 return point.get(1).get<double>() / size;
             }
         }
         return 0.0;
     };
-    const double growth = costAt(to) / costAt(from);
+    const auto growthOf = [&](const std::string& of) { return costAt(of, to) / costAt(of, from); };
+    const double growth = growthOf(series);
+    if (!limit.empty()) {
+        most = std::max(most, 1.1 * growthOf(limit));
+    }
     Require(curve + ", cost per unit at the size " + std::to_string(static_cast<long long>(to)) +
                 " over that at " + std::to_string(static_cast<long long>(from)) + ": " +
                 Figures("at most", most, growth),

@@ -129,9 +129,10 @@ public:
                       const std::function<std::vector<Contender>(double size)>& make, double enough,
                       Clock clock = Clock::kThread);
 
-    /// Requires that the cost per unit of a series grows at most `most` times from size `from` to size `to`.
+    /// Requires that a series of a measured curve costs at most `most` times as much per unit at size `to` as
+    /// at size `from`, or that it grows by at most 1.1 times as much as a limit in the same curve.
     void RequireGrowth(const std::string& curve, const std::string& series, double from, double to,
-                       double most);
+                       double most, const std::string& limit = "");
 
     /// Writes everything recorded as JSON; false if that fails.
     bool Write(const std::string& path) const;
