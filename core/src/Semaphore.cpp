@@ -2,6 +2,12 @@
 
 #include <windows.h>
 
+#if defined(_MSC_VER)
+#include <intrin.h>
+#else
+#include <x86intrin.h>
+#endif
+
 #include <algorithm>
 #include <atomic>
 #include <bit>
@@ -105,12 +111,12 @@ bool TryTakeFor(SemaphoreState& semaphore, Ticks duration) {
     if (TryTakeBetweenPauses(semaphore)) {
         return true;
     }
-    const Ticks began = ReadTimeStampCounter();
+    const Ticks began = __rdtsc();
     do {
         if (TryTakeBetweenPauses(semaphore)) {
             return true;
         }
-    } while (ReadTimeStampCounter() - began < duration);
+    } while (__rdtsc() - began < duration);
     return false;
 }
 
@@ -130,7 +136,7 @@ ErrorCode SleepUntilTaken(SemaphoreState& semaphore) {
         WaitOnAddress(&semaphore.counts, &nothing, sizeof nothing, INFINITE);
         counts = semaphore.counts.load(std::memory_order_relaxed);
         if (CanTake(counts)) {
-            g_wakeTime.Learn(semaphore.posted.load(std::memory_order_relaxed), ReadTimeStampCounter());
+            g_wakeTime.Learn(semaphore.posted.load(std::memory_order_relaxed), __rdtsc());
         }
     }
 }
@@ -212,7 +218,7 @@ ErrorCode Semaphore::Post(unsigned int count) {
             return VELM_ERROR_CORE_LIMIT_EXCEEDED;
         }
         if (Sleepers(counts) != 0 && LowHalf(counts) == 0) {
-            m_state->posted.store(ReadTimeStampCounter(), std::memory_order_relaxed);
+            m_state->posted.store(__rdtsc(), std::memory_order_relaxed);
         }
     } while (!m_state->counts.compare_exchange_weak(counts, counts + count, std::memory_order_release,
                                                     std::memory_order_relaxed));

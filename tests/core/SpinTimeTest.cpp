@@ -1,4 +1,4 @@
-#include "SpinTime.h"
+#include "../../core/src/SpinTime.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "Operation.h"
+#include "failures/Operation.h"
 #include "ProcessResources.h"
 #include "velm/core/Thread.h"
 

@@ -73,9 +73,6 @@ void Sleep(DWORD milliseconds);
 inline void YieldProcessor() {
     __builtin_ia32_pause();
 }
-inline unsigned long long ReadTimeStampCounter() {
-    return __builtin_ia32_rdtsc();
-}
 
 // Waiting for the value at an address to change. Values of 4 bytes only.
 BOOL WaitOnAddress(volatile void* address, void* compare, SIZE_T size, DWORD milliseconds);
