@@ -108,9 +108,9 @@ std::optional<std::int64_t> ParseWholeNumber(std::string_view text) {
     if (!number) {
         return std::nullopt;
     }
-    const auto places = static_cast<long long>(number->whole.size() + number->fraction.size());
-    const long long point =
-        static_cast<long long>(number->whole.size()) + std::clamp(number->exponent, -kLongest, kLongest);
+    const auto wholePlaces = static_cast<long long>(number->whole.size());
+    const long long places = wholePlaces + static_cast<long long>(number->fraction.size());
+    const long long point = wholePlaces + std::clamp(number->exponent, -kLongest, kLongest);
     std::int64_t value = 0;
     for (long long place = 0; place < places; ++place) {
         const int digit = number->DigitAt(static_cast<std::size_t>(place));
