@@ -15,8 +15,8 @@ constexpr unsigned int kPayloadSpan = 4096;
 }  // namespace
 
 void MeasureAudioFrame(Suite& suite) {
-    // The payloads start at changing offsets within a page: at some offsets, loads wait for stores at the
-    // same offset of another page (4K aliasing), and which offsets these are differs from run to run.
+    // The payloads start at changing offsets within a page. Perhaps loads wait for stores at the same offset
+    // of another page; with a fixed offset, that would differ from run to run.
     unsigned char payloads[kPayloadSpan + kSize] = {1, 2, 3};
     const auto payload = [&payloads](unsigned int number) { return payloads + number * 64 % kPayloadSpan; };
     AudioFrame writer;

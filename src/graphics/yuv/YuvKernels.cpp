@@ -41,12 +41,8 @@ std::span<const Kernel> GetKernels() {
 }
 
 // The VBMI kernel needs fewer operations than the AVX-512BW kernel, but six of them permute the bytes of two
-// registers, which is slow on some processors. Speed relative to libyuv's AVX2 path at 640 x 360:
-//
-//     processor                   avx512bw  avx512vbmi
-//     AMD, family 25                  1.52        1.98
-//     AMD, family 26 model 2          2.24        2.77
-//     Intel, family 6 model 207       1.82        1.63
+// registers: one operation each on AMD's processors, three on Intel's, where the AVX-512BW kernel is faster.
+// docs/performance.md has the speed of each kernel by processor.
 const Kernel& ChooseKernel(const CpuReport& report) {
     const CpuLevel level = LevelOf(report);
     const bool vbmiIsFast = HasFastTwoTablePermutes(report);
