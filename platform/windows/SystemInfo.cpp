@@ -93,10 +93,10 @@ std::vector<Display> Displays() {
 
 UserIdentity CurrentUser() {
     UserIdentity user;
-    wchar_t text[UNLEN + 1];
-    DWORD units = UNLEN + 1;
-    if (GetUserNameW(text, &units)) {
-        user.names.push_back(Utf8(text));
+    wchar_t name[UNLEN + 1];
+    const DWORD units = GetEnvironmentVariableW(L"USERNAME", name, UNLEN + 1);
+    if (units != 0 && units <= UNLEN) {
+        user.names.push_back(Utf8(name));
     }
     wchar_t home[MAX_PATH];
     const DWORD length = GetEnvironmentVariableW(L"USERPROFILE", home, MAX_PATH);
