@@ -12,6 +12,7 @@
 #include "Facts.h"
 #include "Help.h"
 #include "OutputFile.h"
+#include "Progress.h"
 #include "Redaction.h"
 #include "SelfTests.h"
 #include "velm/platform/CommandLine.h"
@@ -61,23 +62,8 @@ std::string NowInUtc() {
     return text;
 }
 
-/// Shows on standard error, if that is a terminal, which self-test is running.
-class Progress {
-public:
-    ~Progress() { Show(""); }
-
-    void Show(const std::string& line) const {
-        if (m_shown) {
-            std::cerr << "\r\x1b[K" << line << std::flush;
-        }
-    }
-
-private:
-    bool m_shown = velm::platform::ErrorIsTerminal();
-};
-
 std::vector<report::SelfTest> RunSelfTestsWithProgress() {
-    const Progress progress;
+    Progress progress;
     return report::RunSelfTests([&](const std::string& title, std::size_t number) {
         progress.Show(std::to_string(number) + "  " + title);
     });
