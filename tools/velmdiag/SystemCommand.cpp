@@ -10,6 +10,7 @@
 #include "Command.h"
 #include "Help.h"
 #include "Report.h"
+#include "SystemReport.h"
 #include "velm/core/ErrorRegistry.h"
 #include "velm/LocalMachineTime.h"
 #include "velm/platform/SystemInfo.h"
@@ -44,16 +45,6 @@ void AddErrorCodes(Report& report) {
         lines.push_back(line.str());
     }
     report.AddLines("error_codes", picojson::value(codes), lines);
-}
-
-void AddPaths(Report& report) {
-    char executable[1000];
-    if (velm::WindowsUtil::CallGetModuleFileName(nullptr, executable, sizeof executable) != 0) {
-        report.Add("executable", executable);
-    }
-    std::string resources;
-    const velm::ErrorCode result = velm::WindowsUtil::GetFullPathForResourcesDir(resources);
-    report.Add("resources", result.IsFailed() ? Describe(result) : resources);
 }
 
 void AddScreen(Report& report, const char* key, unsigned long stateFlags) {
@@ -96,6 +87,16 @@ int RunSystem(bool json) {
 }
 
 }  // namespace
+
+void AddPaths(Report& report) {
+    char executable[1000];
+    if (velm::WindowsUtil::CallGetModuleFileName(nullptr, executable, sizeof executable) != 0) {
+        report.Add("executable", executable);
+    }
+    std::string resources;
+    const velm::ErrorCode result = velm::WindowsUtil::GetFullPathForResourcesDir(resources);
+    report.Add("resources", result.IsFailed() ? Describe(result) : resources);
+}
 
 void AddSystemCommand(CLI::App& app, int& exitStatus) {
     const auto json = std::make_shared<bool>(false);

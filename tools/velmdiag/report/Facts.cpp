@@ -10,11 +10,11 @@
 #include "AdapterReport.h"
 #include "Command.h"
 #include "Environment.h"
+#include "SystemReport.h"
 #include "velm/core/Tick.h"
 #include "velm/LocalMachineTime.h"
 #include "velm/platform/SystemInfo.h"
 #include "velm/Scheduling.h"
-#include "velm/WindowsUtil.h"
 #include "velm/YuvToArgb.h"
 
 namespace velmdiag::report {
@@ -137,13 +137,7 @@ Section Adapters(Document& document, const std::optional<std::string>& rulesPath
 
 Section Paths() {
     Report report;
-    char executable[1000];
-    if (velm::WindowsUtil::CallGetModuleFileName(nullptr, executable, sizeof executable) != 0) {
-        report.Add("executable", executable);
-    }
-    std::string resources;
-    const velm::ErrorCode result = velm::WindowsUtil::GetFullPathForResourcesDir(resources);
-    report.Add("resources", result.IsFailed() ? Describe(result) : resources);
+    AddPaths(report);
     std::error_code failed;
     const std::u8string temporary = std::filesystem::temp_directory_path(failed).u8string();
     report.Add("temporary_files",
