@@ -35,6 +35,7 @@ std::intptr_t RunDisabled(const fs::path& program, const std::wstring& tests) {
                     (L"--gtest_filter=" + tests).c_str(), nullptr);
 }
 
+// Not a test by itself: the next one runs it in copies of this program.
 TEST(Paths, DISABLED_WriteTheResourcesFolder) {
     std::string folder;
     EXPECT_EQ(WindowsUtil::GetFullPathForResourcesDir(folder), 0U);
@@ -83,7 +84,8 @@ UniqueHandle StartThread(const std::function<void()>& function) {
     return thread;
 }
 
-// The end of the process kills a thread that waits for a static object of a library.
+// Not a test by itself: the next one runs it in a process of its own, whose end kills a thread that waits for
+// a static object of a library.
 TEST(KilledWaiter, DISABLED_EndsWithAStaticStream) {
     const HMODULE library = LoadLibraryW(BesideTheTest(L"static_stream.dll").c_str());
     ASSERT_NE(library, nullptr);
