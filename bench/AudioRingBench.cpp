@@ -1,4 +1,5 @@
 // AudioStream against other rings, and against the two copies that every ring needs.
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -98,7 +99,8 @@ Peer Boost(Samples& data, unsigned int count, double required) {
 #endif
 }
 
-/// Copies blocks through storage of the rings' size, each aligned to cache lines.
+/// The copies that every ring needs: through storage of the rings' size, in two pieces where a block wraps
+/// around.
 /// @param bytes  the block size; not a constant, for which the compiler would inline a slower copy
 Contender TwoCopies(Samples& data, std::size_t bytes) {
     struct Storage {
@@ -110,11 +112,19 @@ Contender TwoCopies(Samples& data, std::size_t bytes) {
         "two memcpy",
         [storage, at, &data, bytes] {
             unsigned char* const block = storage->bytes + *at;
-            std::memcpy(block, data.in, bytes);
+            const std::size_t toEnd = sizeof storage->bytes - *at;
+            const std::size_t first = std::min(bytes, toEnd);
+            std::memcpy(block, data.in, first);
+            if (first < bytes) {
+                std::memcpy(storage->bytes, data.in + first, bytes - first);
+            }
             Keep(block);
-            std::memcpy(data.out, block, bytes);
+            std::memcpy(data.out, block, first);
+            if (first < bytes) {
+                std::memcpy(data.out + first, storage->bytes, bytes - first);
+            }
             Keep(&data);
-            *at = *at + 2 * bytes <= sizeof storage->bytes ? *at + bytes : 0;
+            *at = bytes < toEnd ? *at + bytes : bytes - toEnd;
         },
         kShort);
 }

@@ -82,8 +82,8 @@ private:
     bool Holds(unsigned int sampleSize);
     unsigned int Advance(unsigned int index, unsigned int sampleSize) const;
     unsigned int Retreat(unsigned int index, unsigned int sampleSize) const;
-    bool CopyFewIn(unsigned int index, const unsigned char* data, unsigned int sampleSize);
-    bool CopyFewOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const;
+    bool EndsInside(unsigned int index, unsigned int sampleSize) const;
+    unsigned char* At(unsigned int index) const;
     ErrorCode CopyIn(unsigned int index, const unsigned char* data, unsigned int sampleSize, int& end,
                      unsigned int newEnd);
     ErrorCode CopyOut(unsigned int index, unsigned char* data, unsigned int sampleSize, int& end,

@@ -35,11 +35,6 @@ unsigned int BufferByteSize(unsigned int sampleByteSize, unsigned int sampleSize
     return bytes <= UINT_MAX ? static_cast<unsigned int>(bytes) : 0;
 }
 
-/// The size of one or two samples, which are copied in registers because calling memcpy would cost more.
-constexpr bool AreFew(std::size_t bytes) {
-    return bytes >= 4 && bytes <= 16;
-}
-
 template <typename Word>
 void CopyEnds(unsigned char* to, const unsigned char* from, std::size_t bytes) {
     Word first;
@@ -50,8 +45,11 @@ void CopyEnds(unsigned char* to, const unsigned char* from, std::size_t bytes) {
     std::memcpy(to + bytes - sizeof last, &last, sizeof last);
 }
 
-inline void CopyFew(unsigned char* to, const unsigned char* from, std::size_t bytes) {
-    if (bytes < 8) {
+/// One or two samples are copied in registers, because calling memcpy would cost more.
+inline void Copy(unsigned char* to, const unsigned char* from, std::size_t bytes) {
+    if (bytes > 16 || bytes < 4) {
+        std::memcpy(to, from, bytes);
+    } else if (bytes < 8) {
         CopyEnds<std::uint32_t>(to, from, bytes);
     } else {
         CopyEnds<std::uint64_t>(to, from, bytes);
@@ -101,26 +99,14 @@ inline unsigned int AudioStream::Retreat(unsigned int index, unsigned int sample
     return sampleSize <= index ? index - sampleSize : index + (m_nMaxSampleSize - sampleSize);
 }
 
-/// Copies a few samples into the ring.
-/// @return false, without copying, unless AreFew holds and the samples end before the storage does
-inline bool AudioStream::CopyFewIn(unsigned int index, const unsigned char* data, unsigned int sampleSize) {
-    const unsigned int bytes = sampleSize * m_nSampleByteSize;
-    if (!AreFew(bytes) || std::size_t{index} + sampleSize >= m_nMaxSampleSize) {
-        return false;
-    }
-    CopyFew(m_pBuffer.get() + index * m_nSampleByteSize, data, bytes);
-    return true;
+/// Whether the samples at the index end before the storage does, so that neither they nor the index after
+/// them wrap around.
+inline bool AudioStream::EndsInside(unsigned int index, unsigned int sampleSize) const {
+    return sampleSize < m_nMaxSampleSize - index;
 }
 
-/// Copies a few samples out of the ring.
-/// @return false, without copying, unless AreFew holds and the samples end before the storage does
-inline bool AudioStream::CopyFewOut(unsigned int index, unsigned char* data, unsigned int sampleSize) const {
-    const unsigned int bytes = sampleSize * m_nSampleByteSize;
-    if (!AreFew(bytes) || std::size_t{index} + sampleSize >= m_nMaxSampleSize) {
-        return false;
-    }
-    CopyFew(data, m_pBuffer.get() + index * m_nSampleByteSize, bytes);
-    return true;
+inline unsigned char* AudioStream::At(unsigned int index) const {
+    return m_pBuffer.get() + std::size_t{index} * m_nSampleByteSize;
 }
 
 AudioStream::AudioStream(unsigned int maxSampleSize, unsigned int channelNum, unsigned int bitsPerSample)
@@ -154,11 +140,12 @@ ErrorCode AudioStream::PushBackSamples(unsigned char* data, unsigned int sampleS
     if (!HasRoomFor(sampleSize)) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
-    if (data == nullptr && sampleSize != 0) {
-        return VELM_ERROR_UTIL_INVALID_PARAM;
+    if (data == nullptr) {
+        return sampleSize != 0 ? VELM_ERROR_UTIL_INVALID_PARAM : 0;
     }
     const unsigned int back = Load(m_nBackIndex);
-    if (CopyFewIn(back, data, sampleSize)) {
+    if (EndsInside(back, sampleSize)) {
+        Copy(At(back), data, sampleSize * m_nSampleByteSize);
         Store(m_nBackIndex, back + sampleSize);
         return 0;
     }
@@ -179,11 +166,12 @@ ErrorCode AudioStream::TakeFrontSamples(unsigned int sampleSize, unsigned char* 
     if (!Holds(sampleSize)) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
-    if (data == nullptr && sampleSize != 0) {
-        return VELM_ERROR_UTIL_INVALID_PARAM;
+    if (data == nullptr) {
+        return sampleSize != 0 ? VELM_ERROR_UTIL_INVALID_PARAM : 0;
     }
     const unsigned int front = Load(m_nFrontIndex);
-    if (CopyFewOut(front, data, sampleSize)) {
+    if (EndsInside(front, sampleSize)) {
+        Copy(data, At(front), sampleSize * m_nSampleByteSize);
         Store(m_nFrontIndex, front + sampleSize);
         return 0;
     }
@@ -202,11 +190,12 @@ ErrorCode AudioStream::PushFrontSamples(unsigned char* data, unsigned int sample
     if (!HasRoomFor(sampleSize)) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
-    if (data == nullptr && sampleSize != 0) {
-        return VELM_ERROR_UTIL_INVALID_PARAM;
+    if (data == nullptr) {
+        return sampleSize != 0 ? VELM_ERROR_UTIL_INVALID_PARAM : 0;
     }
     const unsigned int front = Retreat(Load(m_nFrontIndex), sampleSize);
-    if (CopyFewIn(front, data, sampleSize)) {
+    if (EndsInside(front, sampleSize)) {
+        Copy(At(front), data, sampleSize * m_nSampleByteSize);
         Store(m_nFrontIndex, front);
         return 0;
     }
@@ -227,11 +216,12 @@ ErrorCode AudioStream::TakeBackSamples(unsigned int sampleSize, unsigned char* d
     if (!Holds(sampleSize)) {
         return VELM_ERROR_UTIL_UNKNOWN;
     }
-    if (data == nullptr && sampleSize != 0) {
-        return VELM_ERROR_UTIL_INVALID_PARAM;
+    if (data == nullptr) {
+        return sampleSize != 0 ? VELM_ERROR_UTIL_INVALID_PARAM : 0;
     }
     const unsigned int back = Retreat(Load(m_nBackIndex), sampleSize);
-    if (CopyFewOut(back, data, sampleSize)) {
+    if (EndsInside(back, sampleSize)) {
+        Copy(data, At(back), sampleSize * m_nSampleByteSize);
         Store(m_nBackIndex, back);
         return 0;
     }
