@@ -71,13 +71,13 @@ ErrorCode AudioFrame::InitilizeReader(unsigned char* frame, unsigned int frameSi
     if (frame == nullptr || frameSize <= kHeaderSize) {
         return VELM_ERROR_UTIL_INVALID_PARAM;
     }
-    m_nOwnBufferSize = 0;
-    m_pOwnBuffer.reset();
     m_pFrameBuffer = frame;
     m_nFrameBufferSize = frameSize;
     m_bInitialized = true;
     const ErrorCode result = CheckFrameHeader();
     m_bInitialized = !result.IsFailed();
+    m_nOwnBufferSize = 0;
+    m_pOwnBuffer.reset();
     return result;
 }
 
