@@ -15,6 +15,20 @@ namespace {
 /// Bytes converted on the stack: enough for most names and paths.
 constexpr int kSmallText = 512;
 
+/// strlen for a buffer of `size` bytes. Skips eight bytes at a time; some C runtimes look at one at a time,
+/// which takes a tenth as long as the conversion.
+std::size_t LengthOf(const char* text, std::size_t size) {
+    constexpr unsigned long long kOnes = 0x0101010101010101;
+    std::size_t length = 0;
+    for (unsigned long long word = 0; size - length >= sizeof word; length += sizeof word) {
+        std::memcpy(&word, text + length, sizeof word);
+        if (((word - kOnes) & ~word & kOnes << 7) != 0) {  // one of the bytes is 0
+            break;
+        }
+    }
+    return length + std::strlen(text + length);
+}
+
 }  // namespace
 
 ErrorCode WindowsUtil::GetWstringFromString(unsigned int codePage, const std::string& in, std::wstring& out) {
@@ -47,7 +61,7 @@ ErrorCode WindowsUtil::GetStringFromWstring(const std::wstring& in, unsigned int
         if (WideCharToMultiByte(codePage, 0, in.c_str(), units, text, size, nullptr, nullptr) == 0) {
             return VELM_ERROR_UTIL_INVALID_PARAM;
         }
-        out = text;
+        out.assign(text, LengthOf(text, static_cast<std::size_t>(size)));
         return 0;
     } catch (const std::bad_alloc&) {
         return VELM_ERROR_UTIL_NOT_ENOUGH_MEMORY;

@@ -72,7 +72,10 @@ TEST(WindowsUtilText, ReplacesUnmappableCharacters) {
 
 TEST(WindowsUtilText, EncodesUpToTheFirstNul) {
     ExpectDecoded({kUtf8, "a\0b"s, L"a\0b"s});
-    ExpectEncoded({kUtf8, "ab", L"ab\0cd"s});
+    for (std::size_t nul = 0; nul < 20; ++nul) {
+        ExpectEncoded(
+            {kUtf8, std::string(nul, 'x'), std::wstring(nul, L'x') + L"\0\x1"s + std::wstring(20, L'x')});
+    }
     std::string out = "old";
     EXPECT_EQ(WindowsUtil::GetOemcpStringFromUtf8String("\xC3\xA9\0x"s, out), 0U);
     EXPECT_EQ(out, "\x82");
