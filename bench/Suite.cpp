@@ -139,14 +139,18 @@ void Suite::RecordRuns(const std::string& family, const std::string& work, const
     row["family"] = picojson::value(family);
     row["work"] = picojson::value(work);
     row["peer"] = picojson::value(against);
-    row["required"] = picojson::value(required);
-    row["sense"] = picojson::value(bound == Bound::kAtMost ? "most" : "least");
+    row["limit"] = picojson::value(false);
     if (runs.figures.empty()) {
         row["missing"] = picojson::value(runs.missingPackage);
     } else {
         const auto [least, most] = std::ranges::minmax(runs.figures);
-        row["figure"] = picojson::value(bound == Bound::kAtMost ? most : least);
+        const bool isAtMost = bound == Bound::kAtMost;
+        const double worst = isAtMost ? most : least;
+        row["figure"] = picojson::value(worst);
         row["runs"] = picojson::value(picojson::array(runs.figures.begin(), runs.figures.end()));
+        Require(family + ", " + work + " | " + against + ": " +
+                    Figures(isAtMost ? "at most" : "at least", required, worst),
+                required == 0 || (isAtMost ? worst <= required : worst >= required));
     }
     if (!unit.empty()) {
         row["unit"] = picojson::value(unit);
@@ -155,9 +159,7 @@ void Suite::RecordRuns(const std::string& family, const std::string& work, const
         row["ours_ns"] = picojson::value(runs.oursSeconds * kNanoseconds);
         row["peer_ns"] = picojson::value(runs.peerSeconds * kNanoseconds);
     }
-    Print(row);
-    std::fflush(stdout);
-    m_rows.emplace_back(row);
+    Add(row);
 }
 
 void Suite::MeasureCurve(const std::string& curve, const std::string& unit, Growth growth,
