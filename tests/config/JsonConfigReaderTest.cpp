@@ -116,7 +116,7 @@ TEST(JsonConfigReader, ReadsLongNumbersExactlyAndFast) {
 // digits.
 TEST(JsonConfigReader, RoundsNumbersToTheNearestDouble) {
     std::mt19937_64 random(test::SeededRandom()());
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 2000 / VELM_TEST_SLOWDOWN; ++i) {
         const std::uint64_t low = random() % 0x7FEFFFFFFFFFFFFF >> (i % 8 == 0 ? 12 : 0);
         const auto middle = (static_cast<long double>(std::bit_cast<double>(low)) +
                              static_cast<long double>(std::bit_cast<double>(low + 1))) /
@@ -155,7 +155,7 @@ TEST(JsonConfigReader, MatchesPicojsonOnRandomText) {
     const std::string any[] = {"[",  "]", "{",      "}",       "\"",   "\\", ",", ":",  "1",
                                "\n", " ", "\"a\":", "\\u00e9", "null", ".",  "-", "e-", "+"};
     const std::string inString[] = {"[[[[", "{{{{", "]", "}", "\\\\", "\\\"", "x", "\\n"};
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 20000 / VELM_TEST_SLOWDOWN; ++i) {
         std::string text = "[";
         if (i % 2 == 0) {
             for (auto left = random() % 40; left != 0; --left) {
