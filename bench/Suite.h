@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,10 +69,11 @@ enum class Bound { kAtLeast, kAtMost };
 
 /// A measurement that was run several times.
 struct Runs {
-    std::vector<double> figures;  // one per run
-    double oursSeconds = 0;       // means over all runs, where the figures are ratios of times
+    std::vector<double> figures{};  // one per run
+    double oursSeconds = 0;         // means over all runs, where the figures are ratios of times
     double peerSeconds = 0;
-    std::string missingPackage{};  // the package that provides a missing peer; there are no figures then
+    std::optional<double> together{};  // the figure of all runs together, if that must meet the target
+    std::string missingPackage{};      // the package that provides a missing peer; there are no figures then
 };
 
 enum class Growth { kWithSize, kNone };
@@ -117,7 +119,7 @@ public:
     void RecordFigure(const std::string& family, const std::string& work, const std::string& against,
                       double figure, double most, const std::string& unit);
 
-    /// Records the figures of several runs. The worst one must meet the target.
+    /// Records the figures of several runs. The worst one must meet the target, or all runs together.
     void RecordRuns(const std::string& family, const std::string& work, const std::string& against,
                     const Runs& runs, Bound bound, double required, const std::string& unit = "");
 
