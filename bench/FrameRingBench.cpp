@@ -1,5 +1,6 @@
 // AudioFrameStream between threads, against the same ring over semaphores built from a mutex and a condition
 // variable, and against a blocking queue.
+#include <emmintrin.h>
 #include <pthread.h>
 #include <sched.h>
 #include <sys/resource.h>
@@ -58,6 +59,33 @@ private:
     moodycamel::BlockingReaderWriterCircularBuffer<Frame> m_queue{kFrames};
 };
 #endif
+
+/// The least that passing a frame takes while both threads run: the two copies, and an index for each side.
+class SpinningRing {
+public:
+    void Push(short* frame) {
+        const unsigned int at = m_pushed.load(std::memory_order_relaxed);
+        while (at - m_taken.load(std::memory_order_acquire) == kFrames) {
+            _mm_pause();
+        }
+        std::memcpy(m_frames[at % kFrames], frame, kFrameBytes);
+        m_pushed.store(at + 1, std::memory_order_release);
+    }
+
+    void Take(short* frame) {
+        const unsigned int at = m_taken.load(std::memory_order_relaxed);
+        while (m_pushed.load(std::memory_order_acquire) == at) {
+            _mm_pause();
+        }
+        std::memcpy(frame, m_frames[at % kFrames], kFrameBytes);
+        m_taken.store(at + 1, std::memory_order_release);
+    }
+
+private:
+    alignas(64) unsigned char m_frames[kFrames][kFrameBytes];
+    alignas(64) std::atomic<unsigned int> m_pushed{0};
+    alignas(64) std::atomic<unsigned int> m_taken{0};
+};
 
 /// The processors that this process may use.
 std::vector<int> Processors() {
@@ -147,6 +175,7 @@ void MeasureThroughput(Suite& suite) {
     const std::size_t frames = suite.IsShort() ? 50 : 2000;
     const char* const kQueue = "moodycamel::BlockingReaderWriterCircularBuffer";
     std::vector<RingContender> rings{MakeRingContender<OurRing>("AudioFrameStream", 2),
+                                     MakeRingContender<SpinningRing>("spinning alone", 2),
                                      MakeRingContender<RingOver<MutexSemaphore>>(kSemaphores, 2, 5.0),
 #ifdef VELM_BENCH_READERWRITERQUEUE
                                      MakeRingContender<CircularBuffer>(kQueue, 2, 3.0)};
