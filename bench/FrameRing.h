@@ -157,6 +157,7 @@ struct RingContender {
     std::function<Cost(std::size_t frames)> pass;  // empty if the ring is missing
     double required = 0;                           // the target ratio of its time to ours
     std::string missingPackage{};                  // the package that provides a missing ring
+    bool isLimit = false;                          // a lower bound for the cost
 };
 
 constexpr int kRuns = 3;
@@ -188,6 +189,7 @@ inline void RecordTimes(Suite& suite, const std::string& work, const std::vector
     for (std::size_t i = 1; i < rings.size(); ++i) {
         Runs ratios;
         ratios.missingPackage = rings[i].missingPackage;
+        ratios.isLimit = rings[i].isLimit;
         for (const std::vector<Cost>& run : runs) {
             if (rings[i].pass) {
                 ratios.figures.push_back(run[i].seconds / run[0].seconds);

@@ -139,7 +139,7 @@ void Suite::RecordRuns(const std::string& family, const std::string& work, const
     row["family"] = picojson::value(family);
     row["work"] = picojson::value(work);
     row["peer"] = picojson::value(against);
-    row["limit"] = picojson::value(false);
+    row["limit"] = picojson::value(runs.isLimit);
     if (runs.figures.empty()) {
         row["missing"] = picojson::value(runs.missingPackage);
     } else {

@@ -74,6 +74,7 @@ struct Runs {
     double peerSeconds = 0;
     std::optional<double> together{};  // the figure of all runs together, if that must meet the target
     std::string missingPackage{};      // the package that provides a missing peer; there are no figures then
+    bool isLimit = false;              // the peer is a lower bound for the time
 };
 
 enum class Growth { kWithSize, kNone };
