@@ -152,8 +152,8 @@ TEST(JsonConfigReader, KeepsAnEarlierError) {
 
 TEST(JsonConfigReader, MatchesPicojsonOnRandomText) {
     std::mt19937 random = test::SeededRandom();
-    const std::string any[] = {"[",  "]", "{",      "}",       "\"",   "\\", ",", ":",  "1",
-                               "\n", " ", "\"a\":", "\\u00e9", "null", ".",  "-", "e-", "+"};
+    const std::string any[] = {"[", "]",      "{",       "}",    "\"",   "\\",    ",", ":", "1",  "\n",
+                               " ", "\"a\":", "\\u00e9", "null", "true", "false", ".", "-", "e-", "+"};
     const std::string inString[] = {"[[[[", "{{{{", "]", "}", "\\\\", "\\\"", "x", "\\n"};
     for (int i = 0; i < 20000 / VELM_TEST_SLOWDOWN; ++i) {
         std::string text = "[";
