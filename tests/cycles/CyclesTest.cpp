@@ -31,7 +31,7 @@ TEST(Cycles, RepeatedOperationsLeakNothing) {
             continue;
         }
         SCOPED_TRACE(operation.what);
-        const int cycles = (given != nullptr ? std::atoi(given) : 200) / operation.slowness;
+        const int cycles = (given != nullptr ? std::atoi(given) : 100) / operation.slowness;
         const long long threads = GetProcessResources().threads;
         const ProcessResources before = ResourcesAfter(operation, cycles / 10 + 1, threads);
         const ProcessResources after = ResourcesAfter(operation, cycles, before.threads);
