@@ -263,12 +263,27 @@ TEST(Semaphore, DestructorReleasesBlockedThreads) {
 }
 
 TEST(Semaphore, WokenThreadMayDestroyIt) {
-    for (int round = 0; round < 1'000; ++round) {
-        auto* const semaphore = new Semaphore(0, 1);
-        std::jthread waiter([semaphore] {
+    constexpr int kRounds = 1'000;
+    std::atomic<Semaphore*> offered{nullptr};
+    std::jthread waiter([&offered] {
+        for (int round = 0; round < kRounds; ++round) {
+            Semaphore* semaphore = nullptr;
+            while ((semaphore = offered.exchange(nullptr)) == nullptr) {
+                std::this_thread::yield();
+            }
             semaphore->Wait();
             delete semaphore;
-        });
+        }
+    });
+    for (int round = 0; round < kRounds; ++round) {
+        auto* const semaphore = new Semaphore(0, 1);
+        offered = semaphore;
+        while (offered != nullptr) {
+            std::this_thread::yield();
+        }
+        if (round % 10 == 0) {
+            std::this_thread::sleep_for(1ms);  // the waiter sleeps by now
+        }
         semaphore->Post(1);
     }
 }
