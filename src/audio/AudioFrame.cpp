@@ -76,6 +76,7 @@ ErrorCode AudioFrame::InitilizeReader(unsigned char* frame, unsigned int frameSi
     m_bInitialized = true;
     const ErrorCode result = CheckFrameHeader();
     m_bInitialized = !result.IsFailed();
+    // Last, so that the steps above need not save registers for a call that is rarely made.
     m_nOwnBufferSize = 0;
     m_pOwnBuffer.reset();
     return result;
